@@ -1,0 +1,24 @@
+# Install rules: the programs, the core library with its headers, and the package that
+# find_package(Tessum) finds. It gives one target for each folder and Tessum::Core for all.
+
+include(CMakePackageConfigHelpers)
+
+get_property(tessum_libraries GLOBAL PROPERTY TESSUM_LIBRARIES)
+
+install(TARGETS ${tessum_libraries} TessumCore EXPORT TessumTargets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/core"
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessum COMPONENT development
+  FILES_MATCHING PATTERN "*.h")
+install(EXPORT TessumTargets NAMESPACE Tessum::
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tessum COMPONENT development)
+
+configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/TessumConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/TessumConfig.cmake"
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tessum)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/TessumConfigVersion.cmake"
+  COMPATIBILITY SameMajorVersion)
+install(FILES
+  "${PROJECT_BINARY_DIR}/TessumConfig.cmake"
+  "${PROJECT_BINARY_DIR}/TessumConfigVersion.cmake"
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tessum COMPONENT development)

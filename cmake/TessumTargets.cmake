@@ -1,0 +1,30 @@
+# How every target of the project is compiled.
+
+add_library(tessum_options INTERFACE)
+target_compile_features(tessum_options INTERFACE cxx_std_20)
+target_compile_options(tessum_options INTERFACE -Wall -Wextra -Wshadow -Wconversion)
+if(TESSUM_WARNINGS_ARE_ERRORS)
+  target_compile_options(tessum_options INTERFACE -Werror)
+endif()
+
+# tessum_library(NAME [PUBLIC libraries...] [PRIVATE libraries...] SOURCES files...)
+# makes the static library tessum_NAME, exported as Tessum::NAME. A source whose name ends in
+# _posix, _linux, _x11 or _mac is a body for that system; the caller lists the one that fits.
+function(tessum_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "PUBLIC;PRIVATE;SOURCES")
+  set(target tessum_${name})
+  add_library(${target} STATIC ${arg_SOURCES})
+  add_library(Tessum::${name} ALIAS ${target})
+  set_target_properties(${target} PROPERTIES
+    EXPORT_NAME ${name}
+    POSITION_INDEPENDENT_CODE ON)
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+    $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/generated>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tessum>)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_link_libraries(${target}
+    PUBLIC ${arg_PUBLIC}
+    PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:tessum_options>)
+  set_property(GLOBAL APPEND PROPERTY TESSUM_LIBRARIES ${target})
+endfunction()

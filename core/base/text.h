@@ -1,0 +1,21 @@
+// UTF-8 text from outside: made valid, and trimmed.
+
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tessum {
+
+// Appends `bytes` with each maximal ill-formed sequence replaced by U+FFFD, as the Unicode
+// Standard recommends; well-formed text is appended as it is.
+void appendValidUtf8(std::string& out, std::string_view bytes);
+
+// `bytes` made valid in the same way.
+[[nodiscard]] std::string validUtf8(std::string_view bytes);
+
+// The part of valid UTF-8 `text` without leading and trailing white space: tab, U+000A to
+// U+000D, U+0085, U+2028, U+2029 and the space separators. It refers into `text`.
+[[nodiscard]] std::string_view trimWhiteSpace(std::string_view text);
+
+}  // namespace tessum

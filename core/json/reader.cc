@@ -1,0 +1,281 @@
+#include "core/json/reader.h"
+
+#include <simdjson.h>
+
+#include <optional>
+#include <utility>
+
+#include "core/base/check.h"
+#include "core/base/limits.h"
+#include "core/json/number.h"
+
+namespace tessum::json {
+namespace {
+
+namespace ondemand = simdjson::ondemand;
+
+static_assert(kPadding >= simdjson::SIMDJSON_PADDING);
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+[[noreturn]] void fail(simdjson::error_code error) {
+  throw DecodingError(std::string("The text is not valid JSON: ") + simdjson::error_message(error));
+}
+
+template <typename T>
+T checked(simdjson::simdjson_result<T> result) {
+  T value;
+  if (const auto error = std::move(result).get(value)) fail(error);
+  return value;
+}
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view kWhiteSpace = " \t\n\r";
+  const auto first = text.find_first_not_of(kWhiteSpace);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+}
+
+// The parser lets an escaped low surrogate without its high one through as three bytes.
+std::string_view withoutSurrogates(std::string_view text) {
+  for (auto at = text.find('\xED'); at != std::string_view::npos; at = text.find('\xED', at + 1)) {
+    if (static_cast<unsigned char>(text[at + 1]) >= 0xA0) {
+      throw DecodingError("The text is not valid JSON: a lone surrogate in a string");
+    }
+  }
+  return text;
+}
+
+Kind kindOfFirst(char first) {
+  switch (first) {
+    case '{':
+      return Kind::object;
+    case '[':
+      return Kind::array;
+    case '"':
+      return Kind::text;
+    case 't':
+    case 'f':
+      return Kind::boolean;
+    case 'n':
+      return Kind::null;
+    default:
+      return Kind::number;
+  }
+}
+
+// What becomes of the visited values: nothing, where they are only to be checked ...
+struct Checking {
+  struct Result {};
+  struct Array {
+    void add(Result) {}
+  };
+  struct Object {
+    void add(std::string_view, Result) {}
+  };
+  static Result scalar(Kind, std::string_view) { return {}; }
+  static Result string(std::string_view) { return {}; }
+  template <typename Items>
+  static Result container(Items) {
+    return {};
+  }
+};
+
+// ... or a Value.
+struct Building {
+  using Result = Value;
+  struct Array {
+    Value::Array items;
+    void add(Value value) { items.push_back(std::move(value)); }
+  };
+  struct Object {
+    Value::Object items;
+    void add(std::string_view key, Value value) {
+      items.insert_or_assign(std::string(key), std::move(value));
+    }
+  };
+  static Value scalar(Kind kind, std::string_view token) {
+    if (kind == Kind::boolean) return token == "true";
+    if (kind == Kind::number) return Number{std::string(token)};
+    return {};
+  }
+  static Value string(std::string_view text) { return text; }
+  template <typename Items>
+  static Value container(Items items) {
+    return std::move(items.items);
+  }
+};
+
+// A token that is neither a string nor a bracket, checked in full: the parser itself looks only
+// at what it is asked for.
+template <typename Maker>
+typename Maker::Result makeScalar(std::string_view token) {
+  const Kind kind = kindOfFirst(token.empty() ? '\0' : token.front());
+  const bool isValid = kind == Kind::boolean ? token == "true" || token == "false"
+                       : kind == Kind::null  ? token == "null"
+                                             : isNumber(token);
+  if (!isValid) throw DecodingError("The text is not valid JSON: an unknown word or number");
+  return Maker::scalar(kind, token);
+}
+
+template <typename Maker>
+typename Maker::Result visit(ondemand::value value, int depth);
+
+template <typename Maker>
+typename Maker::Result visitArray(ondemand::array elements, int depth) {
+  typename Maker::Array items;
+  for (auto element : elements) items.add(visit<Maker>(checked(std::move(element)), depth));
+  return Maker::container(std::move(items));
+}
+
+template <typename Maker>
+typename Maker::Result visitObject(ondemand::object members, int depth) {
+  typename Maker::Object items;
+  for (auto member : members) {
+    ondemand::field field = checked(std::move(member));
+    const std::string_view key = withoutSurrogates(checked(field.unescaped_key()));
+    items.add(key, visit<Maker>(field.value(), depth));
+  }
+  return Maker::container(std::move(items));
+}
+
+void checkDepth(int depth) {
+  if (depth > limits::kJsonNesting) throw DecodingError("The text is nested too deeply");
+}
+
+// `depth` counts the containers around the value.
+template <typename Maker>
+typename Maker::Result visit(ondemand::value value, int depth) {
+  switch (checked(value.type())) {
+    case ondemand::json_type::array:
+      checkDepth(depth + 1);
+      return visitArray<Maker>(checked(value.get_array()), depth + 1);
+    case ondemand::json_type::object:
+      checkDepth(depth + 1);
+      return visitObject<Maker>(checked(value.get_object()), depth + 1);
+    case ondemand::json_type::string:
+      return Maker::string(withoutSurrogates(checked(value.get_string())));
+    default:
+      return makeScalar<Maker>(trimmed(value.raw_json_token()));
+  }
+}
+
+// One text under the parser. The parser's index takes four bytes for each byte of the text at
+// most, and goes with this object.
+class Document {
+ public:
+  explicit Document(PaddedView view) : text_(view.text()) {
+    if (text_.starts_with(kByteOrderMark)) text_.remove_prefix(kByteOrderMark.size());
+    const simdjson::padded_string_view padded(text_.data(), text_.size(), text_.size() + kPadding);
+    if (const auto error = parser_.iterate(padded).get(document_)) fail(error);
+    if (onlyToken().empty()) fail(simdjson::EMPTY);
+  }
+
+  ondemand::document* operator->() { return &document_; }
+
+  // The first character of the top-level value.
+  [[nodiscard]] char first() const { return onlyToken().front(); }
+
+  // The whole text, when its value is a scalar: one token.
+  [[nodiscard]] std::string_view onlyToken() const { return trimmed(text_); }
+
+  void expectEnd() {
+    // At the end there is no location: the one way to ask that all versions of the parser have.
+    if (document_.current_location().error() != simdjson::OUT_OF_BOUNDS) {
+      throw DecodingError("The text is not valid JSON: more text follows the value");
+    }
+  }
+
+ private:
+  std::string_view text_;
+  ondemand::parser parser_;
+  ondemand::document document_;
+};
+
+// The whole of a document. The parser does not offer a top-level scalar as a value, so these are
+// taken by their token; a string is decoded with an array around it, which makes it an element.
+template <typename Maker>
+typename Maker::Result visitDocument(Document& document) {
+  switch (kindOfFirst(document.first())) {
+    case Kind::array:
+    case Kind::object: {
+      auto result = visit<Maker>(checked(document->get_value()), 0);
+      document.expectEnd();
+      return result;
+    }
+    case Kind::text: {
+      const PaddedString wrapped("[" + std::string(document.onlyToken()) + "]");
+      Document array(wrapped.view());
+      static_cast<void>(visitDocument<Checking>(array));
+      return Maker::string(decodeString(PaddedString(document.onlyToken()).view()));
+    }
+    default:
+      return makeScalar<Maker>(document.onlyToken());
+  }
+}
+
+}  // namespace
+
+PaddedView::PaddedView(std::string_view text, std::size_t readable) : text_(text) {
+  TESSUM_CHECK(readable >= kPadding, "a JSON text without its padding");
+}
+
+PaddedString::PaddedString(std::string_view text) {
+  bytes_.reserve(text.size() + kPadding);
+  bytes_.append(text);
+  bytes_.append(kPadding, '\0');
+}
+
+PaddedView PaddedString::view() const {
+  return {std::string_view(bytes_).substr(0, bytes_.size() - kPadding), kPadding};
+}
+
+Value parse(PaddedView text) {
+  Document document(text);
+  return visitDocument<Building>(document);
+}
+
+Value parse(std::string_view text) {
+  return parse(PaddedString(text).view());
+}
+
+void forEachMember(PaddedView text, const VisitMember& visitMember) {
+  Document document(text);
+  if (document.first() != '{') {
+    visitDocument<Checking>(document);
+    throw DecodingError("expected an object");
+  }
+  const char* const end = text.text().data() + text.text().size() + kPadding;
+  for (auto member : checked(document->get_object())) {
+    ondemand::field field = checked(std::move(member));
+    const std::string_view key = withoutSurrogates(checked(field.unescaped_key()));
+    ondemand::value value = field.value();
+    std::string_view source = trimmed(value.raw_json_token());
+    const auto type = checked(value.type());
+    visit<Checking>(value, 1);
+    if (type == ondemand::json_type::array || type == ondemand::json_type::object) {
+      const char* next = checked(document->current_location());
+      source = trimmed({source.data(), static_cast<std::size_t>(next - source.data())});
+    }
+    visitMember(key, {source, static_cast<std::size_t>(end - (source.data() + source.size()))});
+  }
+  document.expectEnd();
+}
+
+Kind kindOf(PaddedView value) {
+  return kindOfFirst(trimmed(value.text()).front());
+}
+
+std::string decodeString(PaddedView value) {
+  Document document(value);
+  return std::string(withoutSurrogates(checked(document->get_string())));
+}
+
+bool fitsDouble(std::string_view number) {
+  const PaddedString padded(number);
+  Document document(padded.view());
+  double value = 0;
+  return document->get_double().get(value) == simdjson::SUCCESS;
+}
+
+}  // namespace tessum::json

@@ -1,0 +1,72 @@
+// Reads JSON text. Every value is visited and checked, also those nobody asks for, so a text is
+// either wholly valid or refused: UTF-8, no lone surrogates, at most 512 nested levels, one
+// top-level value of any kind. A leading byte-order mark is accepted. Any thread.
+
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "core/json/value.h"
+
+namespace tessum::json {
+
+// A text that is not JSON, or not the JSON that was expected. Its what() is one line for people.
+class DecodingError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// How many bytes behind a text the reader may look at, whatever they hold.
+inline constexpr std::size_t kPadding = 64;
+
+// A text that has kPadding readable bytes behind it. It does not own them.
+class PaddedView {
+ public:
+  // `text` must be followed by `readable` further bytes of the same block of memory; fewer than
+  // kPadding stop the process.
+  PaddedView(std::string_view text, std::size_t readable);
+
+  [[nodiscard]] std::string_view text() const { return text_; }
+
+ private:
+  std::string_view text_;
+};
+
+// An owned copy of a text with its padding.
+class PaddedString {
+ public:
+  explicit PaddedString(std::string_view text);
+
+  [[nodiscard]] PaddedView view() const;
+
+ private:
+  std::string bytes_;  // the text and the padding
+};
+
+enum class Kind { null, boolean, number, text, array, object };
+
+// The whole text as a value. Throws DecodingError.
+[[nodiscard]] Value parse(PaddedView text);
+[[nodiscard]] Value parse(std::string_view text);
+
+// Calls `visit` with the key and the source text of each member of the object that `text` is,
+// duplicates included. The key lives for that one call, the value's text as long as `text`.
+// Throws DecodingError: also when the text is JSON but not an object, and possibly after some
+// members have been visited.
+using VisitMember = std::function<void(std::string_view key, PaddedView value)>;
+void forEachMember(PaddedView text, const VisitMember& visit);
+
+// The kind of a value, from its source text as forEachMember gives it.
+[[nodiscard]] Kind kindOf(PaddedView value);
+
+// The string that the source text `value` of a string stands for. Throws DecodingError.
+[[nodiscard]] std::string decodeString(PaddedView value);
+
+// Whether the number `text` is within the range of a double.
+[[nodiscard]] bool fitsDouble(std::string_view number);
+
+}  // namespace tessum::json

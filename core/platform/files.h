@@ -1,0 +1,31 @@
+// Whole files: read, and replaced in one step.
+
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tessum {
+
+// Failures are thrown as std::system_error with the path in the text. Any thread.
+class Files {
+ public:
+  virtual ~Files() = default;
+
+  // Whether something lies at `path`, symbolic links followed. False also when it cannot be told.
+  [[nodiscard]] virtual bool exists(const std::string& path) const = 0;
+
+  // The bytes of the file at `path`.
+  [[nodiscard]] virtual std::string read(const std::string& path) const = 0;
+
+  // Creates the folder at `path` and those above it; one that exists is no error.
+  virtual void createFolders(const std::string& path) const = 0;
+
+  // Makes `bytes` the content of the file at `path`: afterwards it holds the old bytes or the new
+  // ones, never anything else, also when the computer stops halfway. The old file's permissions,
+  // and its owner where the system allows it, are kept; a new file is for the user alone (0600).
+  // A symbolic link stays one: what it points at is replaced. Nothing else is left behind.
+  virtual void replace(const std::string& path, std::string_view bytes) const = 0;
+};
+
+}  // namespace tessum

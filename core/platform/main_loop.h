@@ -1,0 +1,32 @@
+// The main thread's loop: tasks from other threads, and repeating timers.
+
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+namespace tessum {
+
+class MainLoop {
+ public:
+  using Task = std::function<void()>;
+
+  // Names one repeating timer of one loop; never used twice.
+  enum class TimerToken : std::uint64_t {};
+
+  virtual ~MainLoop() = default;
+
+  // Runs `task` on the main thread after the caller has moved on, in the order of posting. A task
+  // that is still waiting when the loop is destroyed never runs. Any thread.
+  virtual void post(Task task) = 0;
+
+  // Runs `task` every `seconds`, the first time after that many; a late run is not made up for.
+  // The timer runs until it is invalidated or the loop is destroyed, whether or not its token is
+  // kept. Main thread only.
+  virtual TimerToken startTimer(double seconds, Task task) = 0;
+
+  // Ends a timer: its task does not run again. One that has ended is no error. Main thread only.
+  virtual void invalidateTimer(TimerToken token) = 0;
+};
+
+}  // namespace tessum

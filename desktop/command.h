@@ -1,0 +1,24 @@
+// What the commands of the host program share.
+
+#pragma once
+
+#include "core/platform/calendar.h"
+#include "core/platform/clock.h"
+#include "core/platform/locations.h"
+
+namespace tessum {
+
+// Exit statuses that scripts can rely on.
+inline constexpr int kSuccess = 0;
+inline constexpr int kFailure = 1;  // it was tried and failed; standard error says why
+inline constexpr int kUsage = 2;    // the command line was wrong
+
+// The world outside, made by main() and lent to the commands, and the outcome they leave there.
+struct Host {
+  const Clock& clock;
+  const Calendar& calendar;
+  const Locations& locations;
+  int status = kSuccess;
+};
+
+}  // namespace tessum

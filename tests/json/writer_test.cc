@@ -1,0 +1,49 @@
+#include "core/json/writer.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace tessum::json {
+namespace {
+
+TEST(AppendString, EscapesSlashesQuotesAndControls) {
+  std::string out;
+  appendString(out, std::string_view("a/b\"\\\b\f\n\r\t\x01\x1f\x7f\0é😀", 20));
+  EXPECT_EQ(out, "\"a\\/b\\\"\\\\\\b\\f\\n\\r\\t\\u0001\\u001f\x7f\\u0000é😀\"");
+}
+
+TEST(Compact, HasNoWhiteSpace) {
+  const Value value(Value::Object{{"list", Value::Array{1, Value(), true, "x y", false}},
+                                  {"none", Value::Array{}},
+                                  {"object", Value::Object{}},
+                                  {"real", Value::real(2.5)}});
+  EXPECT_EQ(compact(value),
+            "{\"list\":[1,null,true,\"x y\",false],\"none\":[],\"object\":{},\"real\":2.5}");
+}
+
+TEST(Compact, WritesTheLastIntegers) {
+  EXPECT_EQ(compact(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
+  EXPECT_EQ(compact(std::numeric_limits<std::int64_t>::max()), "9223372036854775807");
+}
+
+TEST(Pretty, IndentsAndSortsByCodePoints) {
+  const Value value(Value::Object{{"b", 1},
+                                  {"a", Value::Array{1, Value::Array{}, Value::Object{}}},
+                                  {"é", "/"},
+                                  {"B", Value()}});
+  EXPECT_EQ(pretty(value),
+            "{\n"
+            "  \"B\": null,\n"
+            "  \"a\": [\n"
+            "    1,\n"
+            "    [],\n"
+            "    {}\n"
+            "  ],\n"
+            "  \"b\": 1,\n"
+            "  \"é\": \"\\/\"\n"
+            "}");
+}
+
+}  // namespace
+}  // namespace tessum::json
