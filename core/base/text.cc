@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace tessum {
 namespace {
@@ -17,12 +19,11 @@ bool isContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-// The first sequence of `bytes`, which are not empty. The second byte's range keeps out overlong
-// forms, surrogates and code points above U+10FFFF.
+// The first sequence of `bytes`, which begin with a byte that is not ASCII. The second byte's range
+// keeps out overlong forms, surrogates and code points above U+10FFFF.
 Sequence firstSequence(std::string_view bytes) {
   const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
   const unsigned char lead = at(0);
-  if (lead < 0x80) return {1, true};
   if (lead < 0xC2 || lead > 0xF4) return {1, false};
 
   unsigned char low = 0x80;
@@ -38,6 +39,18 @@ Sequence firstSequence(std::string_view bytes) {
     if (i == bytes.size() || !isContinuation(at(i))) return {i, false};
   }
   return {wanted, true};
+}
+
+// How many ASCII bytes `bytes` begins with, looked at eight at a time: nearly all text is ASCII.
+std::size_t asciiPrefix(std::string_view bytes) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  std::size_t at = 0;
+  for (std::uint64_t word = 0; at + sizeof word <= bytes.size(); at += sizeof word) {
+    std::memcpy(&word, bytes.data() + at, sizeof word);
+    if ((word & kHighBits) != 0) break;
+  }
+  while (at < bytes.size() && static_cast<unsigned char>(bytes[at]) < 0x80) ++at;
+  return at;
 }
 
 // White space outside ASCII, as UTF-8.
@@ -82,7 +95,7 @@ std::size_t trailingSpace(std::string_view text) {
 void appendValidUtf8(std::string& out, std::string_view bytes) {
   std::size_t done = 0;
   std::size_t at = 0;
-  while (at < bytes.size()) {
+  while ((at += asciiPrefix(bytes.substr(at))) < bytes.size()) {
     const Sequence sequence = firstSequence(bytes.substr(at));
     if (!sequence.isValid) {
       out.append(bytes.substr(done, at - done));

@@ -226,6 +226,13 @@ PaddedString::PaddedString(std::string_view text) {
   bytes_.append(kPadding, '\0');
 }
 
+PaddedString PaddedString::take(std::string text) {
+  PaddedString padded;
+  padded.bytes_ = std::move(text);
+  padded.bytes_.append(kPadding, '\0');
+  return padded;
+}
+
 PaddedView PaddedString::view() const {
   return {std::string_view(bytes_).substr(0, bytes_.size() - kPadding), kPadding};
 }

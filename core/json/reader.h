@@ -36,14 +36,20 @@ class PaddedView {
   std::string_view text_;
 };
 
-// An owned copy of a text with its padding.
+// An owned text with its padding.
 class PaddedString {
  public:
+  // A copy of `text`.
   explicit PaddedString(std::string_view text);
+
+  // `text` itself.
+  [[nodiscard]] static PaddedString take(std::string text);
 
   [[nodiscard]] PaddedView view() const;
 
  private:
+  PaddedString() = default;
+
   std::string bytes_;  // the text and the padding
 };
 

@@ -1,0 +1,21 @@
+// The reports that language models read. They print what they are given, in its order.
+
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+
+#include "core/platform/clock.h"
+#include "core/store/records.h"
+
+namespace tessum {
+
+// A header with the number of records and a line for each; one sentence where there are none.
+// Lines are joined by a line feed, with none at the end. Dates are UTC.
+[[nodiscard]] std::string formatActivities(std::span<const Activity> activities);
+[[nodiscard]] std::string formatAnnotations(std::span<const Annotation> annotations,
+                                            const Clock& clock);
+[[nodiscard]] std::string formatUsage(std::span<const AppUsageSummary> summaries);
+
+}  // namespace tessum

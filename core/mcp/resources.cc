@@ -1,0 +1,60 @@
+// The resources: three reports that take no arguments.
+
+#include <exception>
+#include <utility>
+
+#include "core/base/limits.h"
+#include "core/base/text.h"
+#include "core/mcp/mcp_server.h"
+#include "core/mcp/reports.h"
+
+namespace tessum {
+namespace {
+
+constexpr char kToday[] = "tessum://activities/today";
+constexpr char kYesterday[] = "tessum://activities/yesterday";
+constexpr char kUsageToday[] = "tessum://usage/today";
+constexpr char kPlainText[] = "text/plain";
+
+}  // namespace
+
+JSONRPCResponse MCPServer::handleResourcesList(const JSONRPCRequest& request) {
+  MCPResourcesListResult result{
+      {{kToday, "Today's Activities", "All logged app sessions for today.", kPlainText},
+       {kYesterday, "Yesterday's Activities", "All logged app sessions for yesterday.", kPlainText},
+       {kUsageToday, "Today's App Usage Summary", "Time spent per application today.",
+        kPlainText}}};
+  return {request.id, AnyCodable(toJson(std::move(result)))};
+}
+
+// A read that fails is an error of the request, unlike a tool that fails: there is no result that
+// could carry the text.
+JSONRPCResponse MCPServer::handleResourcesRead(const JSONRPCRequest& request) {
+  const auto member = request.params ? request.params->member("uri") : std::nullopt;
+  const auto uri = member ? member->text() : std::nullopt;
+  if (!uri) {
+    return {request.id, JSONRPCError{error_code::kInvalidParams, "Invalid params: missing 'uri'"}};
+  }
+  try {
+    return {request.id, AnyCodable(toJson(readResource(*uri)))};
+  } catch (const std::exception& error) {
+    return {request.id, JSONRPCError{error_code::kInternalError, validUtf8(error.what())}};
+  }
+}
+
+MCPResourceReadResult MCPServer::readResource(const std::string& uri) {
+  const Date now = clock_.now();
+  std::string text;
+  if (uri == kToday) {
+    text = activityReport(now, limits::kActivitiesPerResource);
+  } else if (uri == kYesterday) {
+    text = activityReport(calendar_.dayBefore(now), limits::kActivitiesPerResource);
+  } else if (uri == kUsageToday) {
+    text = formatUsage(database_->appUsage(now));
+  } else {
+    throw MCPServerError::unknownResource(uri);
+  }
+  return {{{.uri = uri, .text = std::move(text)}}};
+}
+
+}  // namespace tessum

@@ -1,0 +1,95 @@
+// The activity store: one SQLite connection to one file.
+
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/base/date.h"
+#include "core/platform/calendar.h"
+#include "core/store/database_error.h"
+#include "core/store/records.h"
+
+struct sqlite3;
+
+namespace tessum {
+
+class Statement;
+
+// An open store. Several processes may have one on the same file; SQLite's locking coordinates
+// them, and an operation that meets a lock fails at once. Not thread-safe.
+//
+// Every operation is one statement that is prepared, run and finalized before it returns and
+// commits by itself. It throws DatabaseError::prepareFailed when the statement cannot be
+// prepared; a writing one throws executionFailed when it does not complete, while a reading one
+// then gives the rows read so far.
+class Database {
+ public:
+  // Opens the file at `path`, creating it and its tables where they are missing. Throws
+  // DatabaseError. `calendar` says where days begin and must outlive the store.
+  Database(std::string path, const Calendar& calendar);
+  ~Database();
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  // The path given at construction.
+  [[nodiscard]] const std::string& path() const { return path_; }
+
+  ////////////////////////////////////////////////////////////////////////////////////////////
+  // Sessions. A limit of 0 gives nothing, a negative one everything; one outside the signed
+  // 32-bit range stops the process.
+
+  // Stores `activity`, whose id is ignored, and returns its row id.
+  std::int64_t insert(const Activity& activity);
+
+  // Sets the end or the title of a session. An id that does not exist is no error.
+  void updateEndTime(std::int64_t id, Date end);
+  void updateTitle(std::int64_t id, const std::string& title);
+
+  // The sessions that began on the local day of `day`, the newest first.
+  [[nodiscard]] std::vector<Activity> fetchActivities(Date day, std::int64_t limit);
+
+  // The sessions of all days whose application name or title holds `query`, the newest first.
+  // Case is ignored for ASCII letters; "%" and "_" in the query stand for any text and any
+  // character.
+  [[nodiscard]] std::vector<Activity> searchActivities(std::string_view query, std::int64_t limit);
+
+  // The total of each application of the local day of `day`, the largest first. An open session
+  // counts up to now.
+  [[nodiscard]] std::vector<AppUsageSummary> appUsage(Date day);
+
+  ////////////////////////////////////////////////////////////////////////////////////////////
+  // Annotations.
+
+  // Ends every open annotation at `at`.
+  void endCurrentAnnotation(Date at);
+
+  // Ends every open annotation where `annotation` starts, stores it without its id and returns
+  // its row id. When storing fails, those before it stay ended.
+  std::int64_t insertAnnotation(const Annotation& annotation);
+
+  // The annotations that overlap the local day of `day`, the newest first; limits as above.
+  [[nodiscard]] std::vector<Annotation> fetchAnnotations(Date day, std::int64_t limit);
+
+  // The newest open annotation; absent when there is none.
+  [[nodiscard]] std::optional<Annotation> currentAnnotation();
+
+ private:
+  struct Close {
+    void operator()(sqlite3* db) const noexcept;
+  };
+  class DayRangeView;
+
+  void open();
+  void exec(const char* script);
+
+  std::unique_ptr<sqlite3, Close> db_;
+  const std::string path_;
+  const Calendar& calendar_;
+};
+
+}  // namespace tessum

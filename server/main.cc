@@ -1,0 +1,42 @@
+// TessumMCP: the server that an assistant starts and talks to, one message a line.
+//
+// Nothing is caught here: a start that fails, and input or output that breaks, end the process
+// with the error's description on standard error, and never with the status of success.
+
+#include <unistd.h>
+
+#include <memory>
+#include <string>
+
+#include "core/base/limits.h"
+#include "core/mcp/mcp_server.h"
+#include "core/platform/calendar.h"
+#include "core/platform/clock.h"
+#include "core/platform/folders.h"
+#include "core/platform/locations.h"
+#include "core/store/database.h"
+#include "server/line_reader.h"
+#include "server/output.h"
+#include "server/standard_streams.h"
+
+int main() {
+  using namespace tessum;
+
+  fillClosedStandardStreams();
+  const SystemClock clock;
+  const SystemCalendar calendar;
+  const std::string dataFolder = SystemLocations().dataFolder();
+  createPrivateFolders(dataFolder);
+  const auto database = std::make_shared<Database>(dataFolder + "/activities.db", calendar);
+  MCPServer server(database, limits::kDefaultPort, clock, calendar);
+
+  LineReader input(STDIN_FILENO);
+  while (const auto line = input.next()) {
+    if (line->text().empty()) continue;
+    auto response = server.handleBody(*line);
+    if (!response) continue;
+    *response += '\n';
+    writeAll(STDOUT_FILENO, *response);
+  }
+  return 0;
+}
