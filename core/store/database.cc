@@ -157,15 +157,14 @@ ORDER BY total_secs DESC;)";
 // the application ever had (the index on app_name), once for each application of the day: the
 // summary would slow down as the history grows. The text of the statement is fixed, but a
 // temporary view of the table's name, which only this connection sees, makes the same text read
-// the day's range alone. Where the view cannot be made the statement gives the same answer, later.
+// the day's range alone. Where the view does not work the statement runs as it is and gives the
+// same answer, later.
 class Database::DayRangeView {
  public:
   explicit DayRangeView(sqlite3* db) : db_(db) {
-    isMade_ = sqlite3_exec(db_, kMake, nullptr, nullptr, nullptr) == SQLITE_OK;
+    if (!run(kMake) || !run(kTry)) drop();
   }
-  ~DayRangeView() {
-    if (isMade_) sqlite3_exec(db_, kDrop, nullptr, nullptr, nullptr);
-  }
+  ~DayRangeView() { drop(); }
   DayRangeView(const DayRangeView&) = delete;
   DayRangeView& operator=(const DayRangeView&) = delete;
 
@@ -173,10 +172,16 @@ class Database::DayRangeView {
   static constexpr char kMake[] =
       "CREATE TEMP VIEW activities AS "
       "SELECT * FROM main.activities INDEXED BY idx_activities_start;";
-  static constexpr char kDrop[] = "DROP VIEW temp.activities;";
+  // A view is not looked into before it is used.
+  static constexpr char kTry[] = "SELECT 1 FROM temp.activities LIMIT 0;";
+  static constexpr char kDrop[] = "DROP VIEW IF EXISTS temp.activities;";
+
+  bool run(const char* sql) {
+    return sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+  }
+  void drop() { run(kDrop); }
 
   sqlite3* db_;
-  bool isMade_;
 };
 
 std::vector<AppUsageSummary> Database::appUsage(Date day) {

@@ -1,0 +1,35 @@
+// A second connection to a database, for what a test has to arrange or see beside the store.
+
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct sqlite3;
+
+namespace tessum {
+
+// Not thread-safe.
+class Sql {
+ public:
+  // Opens the file at `path`, creating it where it is missing. Throws std::runtime_error.
+  explicit Sql(const std::string& path);
+  ~Sql();
+  Sql(const Sql&) = delete;
+  Sql& operator=(const Sql&) = delete;
+
+  // Runs `script`. Throws std::runtime_error with SQLite's message.
+  void run(const std::string& script);
+
+  // The rows of `query`, each with its columns as text joined by "|" and NULL for an absent one.
+  [[nodiscard]] std::vector<std::string> rows(const std::string& query);
+
+  // The first row of `query`; an empty text where there is none.
+  [[nodiscard]] std::string row(const std::string& query);
+
+ private:
+  sqlite3* db_ = nullptr;
+};
+
+}  // namespace tessum
