@@ -1,0 +1,102 @@
+# Sourced by the other scripts: which packages they need, and how these get onto the machine.
+# shellcheck shell=bash
+
+# Debian and Ubuntu. macOS has SQLite and curl itself.
+apt_build=(g++ cmake ninja-build libsqlite3-dev libsimdjson-dev)
+apt_test=(libgtest-dev)
+apt_sanitize=(clang)
+apt_format=(clang-format git)
+brew_build=(cmake ninja simdjson)
+brew_test=(googletest node)
+brew_sanitize=(llvm)
+brew_format=(clang-format)
+
+say() {
+  printf 'tessum: %s\n' "$*" >&2
+}
+
+die() {
+  say "$*"
+  exit 1
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    die "run this as root, or install sudo: needed for: $*"
+  fi
+}
+
+# Installs those of the named Debian packages that are missing, and no others.
+install_apt() {
+  local package missing=()
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q '^install ok installed' ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  say "installing ${missing[*]}"
+  as_root apt-get update -qq </dev/null >&2
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -qq -y --no-install-recommends "${missing[@]}" </dev/null >&2
+}
+
+install_brew() {
+  local formula missing=()
+  for formula in "$@"; do
+    brew list --formula "$formula" >/dev/null 2>&1 || missing+=("$formula")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  say "installing ${missing[*]}"
+  HOMEBREW_NO_AUTO_UPDATE=1 brew install --quiet "${missing[@]}" </dev/null >&2
+}
+
+# need build [test]: installs what these jobs want and the machine lacks.
+need() {
+  local job list
+  for job in "$@"; do
+    if command -v apt-get >/dev/null; then
+      list="apt_$job[@]"
+      install_apt "${!list}"
+      # Node.js may have come from elsewhere, and then brought its npm along.
+      [ "$job" != test ] || command -v npm >/dev/null || install_apt nodejs npm
+    elif command -v brew >/dev/null; then
+      list="brew_$job[@]"
+      install_brew "${!list}"
+    else
+      die 'this needs apt-get (Debian, Ubuntu) or Homebrew (macOS)'
+    fi
+  done
+}
+
+# configure FOLDER [cmake arguments]: prepares a build folder, quietly where all goes well.
+configure() {
+  local folder=$1 log
+  shift
+  mkdir -p "$folder"
+  log=$folder/configure.log
+  say "preparing $folder"
+  cmake -S . -B "$folder" -G Ninja "$@" >"$log" 2>&1 || {
+    cat "$log" >&2
+    die "cmake could not prepare $folder"
+  }
+}
+
+# build FOLDER [targets]: with progress where a person watches.
+build() {
+  local folder=$1 log
+  shift
+  log=$folder/build.log
+  say "building in $folder"
+  if [ -t 2 ]; then
+    cmake --build "$folder" ${1:+--target "$@"} >&2
+  else
+    cmake --build "$folder" ${1:+--target "$@"} >"$log" 2>&1 || {
+      tail -n 100 "$log" >&2
+      die "the build in $folder failed"
+    }
+  fi
+}
