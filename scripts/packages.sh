@@ -1,15 +1,23 @@
 # Sourced by the other scripts: which packages they need, and how these get onto the machine.
 # shellcheck shell=bash
 
-# Debian and Ubuntu. macOS has SQLite and curl itself.
-apt_build=(g++ cmake ninja-build libsqlite3-dev libsimdjson-dev)
-apt_test=(libgtest-dev)
-apt_sanitize=(clang)
-apt_format=(clang-format git)
-brew_build=(cmake ninja simdjson)
-brew_test=(googletest node)
-brew_sanitize=(llvm)
-brew_format=(clang-format)
+# The packages of one job. macOS has SQLite and curl itself.
+apt_packages() {
+  case $1 in
+    build) echo g++ cmake ninja-build libsqlite3-dev libsimdjson-dev ;;
+    test) echo libgtest-dev ;;
+    sanitize) echo clang ;;
+    format) echo clang-format git ;;
+  esac
+}
+brew_packages() {
+  case $1 in
+    build) echo cmake ninja simdjson ;;
+    test) echo googletest node ;;
+    sanitize) echo llvm ;;
+    format) echo clang-format ;;
+  esac
+}
 
 say() {
   printf 'tessum: %s\n' "$*" >&2
@@ -54,18 +62,18 @@ install_brew() {
   HOMEBREW_NO_AUTO_UPDATE=1 brew install --quiet "${missing[@]}" </dev/null >&2
 }
 
-# need build [test]: installs what these jobs want and the machine lacks.
+# need JOB...: installs what these jobs want and the machine lacks.
 need() {
-  local job list
+  local job
   for job in "$@"; do
+    # The lists are words without blanks.
+    # shellcheck disable=SC2046
     if command -v apt-get >/dev/null; then
-      list="apt_$job[@]"
-      install_apt "${!list}"
+      install_apt $(apt_packages "$job")
       # Node.js may have come from elsewhere, and then brought its npm along.
       [ "$job" != test ] || command -v npm >/dev/null || install_apt nodejs npm
     elif command -v brew >/dev/null; then
-      list="brew_$job[@]"
-      install_brew "${!list}"
+      install_brew $(brew_packages "$job")
     else
       die 'this needs apt-get (Debian, Ubuntu) or Homebrew (macOS)'
     fi

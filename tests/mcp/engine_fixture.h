@@ -67,7 +67,7 @@ class EngineTest : public testing::Test {
 
   const ScopedVariable zone_{"TZ", "UTC"};
   const TemporaryFolder folder_;
-  const SystemCalendar calendar_;
+  const SystemCalendar calendar_{};
   FakeClock clock_{kNoon};
   std::shared_ptr<Database> database_ =
       std::make_shared<Database>(folder_.file("activities.db"), calendar_);

@@ -12,7 +12,7 @@ class DatabaseTest : public testing::Test {
  protected:
   const TemporaryFolder folder_;
   const std::string path_ = folder_.file("activities.db");
-  const SystemCalendar calendar_;
+  const SystemCalendar calendar_{};
 };
 
 Activity session(const char* app, double start) {

@@ -30,7 +30,7 @@ class QueriesTest : public testing::Test {
 
   const ScopedVariable zone_{"TZ", "UTC"};
   const TemporaryFolder folder_;
-  const SystemCalendar calendar_;
+  const SystemCalendar calendar_{};
   Database database_{folder_.file("activities.db"), calendar_};
   Sql sql_{folder_.file("activities.db")};
 };

@@ -28,7 +28,7 @@ class UsageTest : public testing::Test {
 
   const ScopedVariable zone_{"TZ", "UTC"};
   const TemporaryFolder folder_;
-  const SystemCalendar calendar_;
+  const SystemCalendar calendar_{};
   Database database_{folder_.file("activities.db"), calendar_};
   Sql sql_{folder_.file("activities.db")};
 };
