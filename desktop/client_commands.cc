@@ -2,10 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -13,9 +13,10 @@
 
 #include "core/base/text.h"
 #include "core/install/mcp_client.h"
+#include "core/install/mcp_installer.h"
 #include "desktop/client_files.h"
+#include "desktop/config_file.h"
 #include "desktop/entry_check.h"
-#include "desktop/registration.h"
 #include "desktop/standard_output.h"
 #include "desktop/text_layout.h"
 
@@ -103,7 +104,7 @@ void addRow(Table& table, const Host& host, MCPClient client, const std::string&
   }
   if (config.isDamaged()) note(shown(file) + " is not a JSON object.");
 
-  const json::Value* entry = config.entry();
+  const json::Value* entry = config.object ? tessumEntry(*config.object) : nullptr;
   if (entry == nullptr) {
     if (isReadByClient) row("no", "-", {"-"});
     return;
@@ -135,27 +136,46 @@ void listClients(const Host& host) {
 ////////////////////////////////////////////////////////////////////////////////////////////////
 // install and uninstall
 
-// Does `work` for each target. One that fails does not keep the others from being done.
+// Does `work` for each target. A file that cannot be read or written does not keep the others from
+// being done.
 template <typename Work>
 void forEachTarget(const std::vector<Target>& targets, Host& host, Work work) {
   for (const Target& target : targets) {
     try {
       work(target);
-    } catch (const std::exception& error) {
+    } catch (const std::system_error& error) {
       note("Tessum: " + shown(error.what()));
       host.status = kFailure;
     }
   }
 }
 
+MCPInstaller installerFor(const Host& host) {
+  return {usualEndpointURL(), host.files, host.locations};
+}
+
+// `config` with our entry. A person is not given one that no application could use, so this throws
+// std::runtime_error where the stdio server is missing. The entry itself is looked at, as it was
+// worked out for this very file.
+ConfigFile::Object withEntry(const ConfigFile& config, bool useStdio, const Host& host) {
+  auto edited =
+      installerFor(host).setTessumEntry(config.object.value_or(ConfigFile::Object()), useStdio);
+  if (useStdio && !checkEntry(*tessumEntry(edited)).problem.empty()) {
+    throw std::runtime_error(
+        "there is no TessumMCP beside this program, so no application could start it");
+  }
+  return edited;
+}
+
 void install(const Target& target, bool useStdio, const Host& host) {
   const std::string& file = target.files.front();
   const ConfigFile config = lookAt(host.files, file);
+  const auto edited = withEntry(config, useStdio, host);
   if (config.isDamaged()) {
     note(shown(file) + " is not a JSON object; a copy of it is " +
-         shown(keepCopy(host.files, file, config)) + ".");
+         shown(keepCopy(host.files, file, *config.bytes)) + ".");
   }
-  registerInFile(host, file, config, useStdio);
+  installerFor(host).writeConfig(edited, file);
   print("Registered " + (target.client ? "with " + target.name() + " " : "") + "in " + shown(file) +
         ".\n");
   if (target.files.size() > 1) {
@@ -168,15 +188,7 @@ void install(const Target& target, bool useStdio, const Host& host) {
   }
 }
 
-void installAll(const Targets& given, bool useStdio, Host& host) {
-  const auto targets = targetsArgument(given, host);
-  const std::string server = stdioServerPath(host);
-  if (useStdio && !isProgram(server)) {
-    note("Tessum: there is no TessumMCP beside this program, nor is there " + shown(server) +
-         ": no application could start it. Nothing was changed.");
-    host.status = kFailure;
-    return;
-  }
+void installAll(const std::vector<Target>& targets, bool useStdio, Host& host) {
   forEachTarget(targets, host, [&](const Target& target) { install(target, useStdio, host); });
   if (!useStdio) {
     note("\"Tessum record --http\" must be running whenever an application is to find Tessum.");
@@ -184,13 +196,21 @@ void installAll(const Targets& given, bool useStdio, Host& host) {
 }
 
 void uninstall(const Target& target, Host& host) {
+  bool isUnknown = false;
   bool wasRegistered = false;
   for (const std::string& file : target.files) {
-    if (!unregisterInFile(host, file)) continue;
+    const ConfigFile config = lookAt(host.files, file);
+    if (config.isDamaged()) {
+      note("Tessum: " + shown(file) + " is not a JSON object. It was left as it is.");
+      host.status = kFailure;
+      isUnknown = true;
+    }
+    if (!config.object || tessumEntry(*config.object) == nullptr) continue;
+    installerFor(host).writeConfig(MCPInstaller::removeTessumEntry(*config.object), file);
     wasRegistered = true;
     print("Removed from " + shown(file) + ".\n");
   }
-  if (!wasRegistered) print("Not registered with " + shown(target.name()) + ".\n");
+  if (!wasRegistered && !isUnknown) print("Not registered with " + shown(target.name()) + ".\n");
 }
 
 void addTargets(CLI::App& command, Targets& targets) {
@@ -236,7 +256,9 @@ void addClientCommands(CLI::App& app, Host& host) {
       "  Tessum install \"Claude Desktop\"\n"
       "  Tessum install --all --http\n"
       "  Tessum install --file ~/.config/other/mcp.json");
-  installing->callback([&host, options] { installAll(options->targets, !options->http, host); });
+  installing->callback([&host, options] {
+    installAll(targetsArgument(options->targets, host), !options->http, host);
+  });
 
   auto* uninstalling = app.add_subcommand("uninstall", "Remove Tessum from assistant applications");
   const auto targets = std::make_shared<Targets>();

@@ -22,7 +22,4 @@ struct EntryReport {
 // The URL of our HTTP endpoint on its usual port.
 [[nodiscard]] std::string usualEndpointURL();
 
-// Whether the file at `path` is a program that this user may run.
-[[nodiscard]] bool isProgram(const std::string& path);
-
 }  // namespace tessum

@@ -33,6 +33,11 @@ bool isOurEndpointUp() {
   return false;
 }
 
+bool isProgram(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(path, error) && access(path.c_str(), X_OK) == 0;
+}
+
 std::string problemOfCommand(const std::string& command) {
   if (!command.starts_with('/')) return "its program is not given by its full path";
   return isProgram(command) ? "" : "its program is missing";
@@ -62,11 +67,6 @@ EntryReport checkEntry(const json::Value& entry) {
 
 std::string usualEndpointURL() {
   return "http://localhost:" + std::to_string(limits::kDefaultPort) + "/mcp";
-}
-
-bool isProgram(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::is_regular_file(path, error) && access(path.c_str(), X_OK) == 0;
 }
 
 }  // namespace tessum
