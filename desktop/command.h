@@ -4,6 +4,7 @@
 
 #include "core/platform/calendar.h"
 #include "core/platform/clock.h"
+#include "core/platform/files.h"
 #include "core/platform/locations.h"
 
 namespace tessum {
@@ -18,6 +19,7 @@ struct Host {
   const Clock& clock;
   const Calendar& calendar;
   const Locations& locations;
+  const Files& files;
   int status = kSuccess;
 };
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 
+#include "desktop/client_commands.h"
 #include "desktop/command.h"
 
 namespace tessum {
@@ -14,11 +15,13 @@ int runCommand(int argc, char** argv) {
   const SystemClock clock;
   const SystemCalendar calendar;
   const SystemLocations locations;
-  Host host{clock, calendar, locations};
+  const SystemFiles files;
+  Host host{clock, calendar, locations, files};
 
   CLI::App app("Keeps a record of your day on this computer, for you and your AI assistants.",
                "Tessum");
   app.require_subcommand(1);
+  addClientCommands(app, host);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -15,7 +15,8 @@ class Files {
   // Whether something lies at `path`, symbolic links followed. False also when it cannot be told.
   [[nodiscard]] virtual bool exists(const std::string& path) const = 0;
 
-  // The bytes of the file at `path`.
+  // The bytes of the file at `path`. Only regular files have any: a folder, a pipe or a device is
+  // a failure.
   [[nodiscard]] virtual std::string read(const std::string& path) const = 0;
 
   // Creates the folder at `path` and those above it; one that exists is no error.
@@ -24,8 +25,18 @@ class Files {
   // Makes `bytes` the content of the file at `path`: afterwards it holds the old bytes or the new
   // ones, never anything else, also when the computer stops halfway. The old file's permissions,
   // and its owner where the system allows it, are kept; a new file is for the user alone (0600).
-  // A symbolic link stays one: what it points at is replaced. Nothing else is left behind.
+  // A symbolic link stays one: what it points at is replaced. A failure leaves nothing behind.
+  // Only a regular file is replaced, or nothing at all.
   virtual void replace(const std::string& path, std::string_view bytes) const = 0;
+};
+
+// The files of this system.
+class SystemFiles final : public Files {
+ public:
+  [[nodiscard]] bool exists(const std::string& path) const override;
+  [[nodiscard]] std::string read(const std::string& path) const override;
+  void createFolders(const std::string& path) const override;
+  void replace(const std::string& path, std::string_view bytes) const override;
 };
 
 }  // namespace tessum

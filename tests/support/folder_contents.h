@@ -1,0 +1,22 @@
+// What a folder holds.
+
+#pragma once
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tessum {
+
+// The names in the folder at `path`, hidden ones included, in order.
+[[nodiscard]] inline std::vector<std::string> namesIn(const std::string& path) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(path)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace tessum

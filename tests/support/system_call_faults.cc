@@ -1,0 +1,74 @@
+#include "tests/support/system_call_faults.h"
+
+#include <map>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+
+#include "tests/support/temporary_folder.h"
+
+namespace tessum {
+namespace {
+
+constexpr int kNotFound = 127;
+
+bool managesMemory(const std::string& call) {
+  static const std::set<std::string> kCalls{"brk",     "mmap",  "munmap", "mprotect", "mremap",
+                                            "madvise", "prctl", "futex",  "exit",     "exit_group"};
+  return kCalls.contains(call);
+}
+
+}  // namespace
+
+bool canInjectFaults() {
+  ChildProcess::Options options;
+  options.arguments = {"-o", "/dev/null", "true"};
+  ChildProcess tracer("strace", options);
+  const ExitStatus status = tracer.finish();
+  if (status.code == kNotFound) throw std::runtime_error("strace is not installed");
+  return status == kSuccess;
+}
+
+ExitStatus TracedProgram::trace(std::vector<std::string> options) const {
+  options.push_back(program);
+  options.insert(options.end(), arguments.begin(), arguments.end());
+  ChildProcess::Options child;
+  child.arguments = std::move(options);
+  child.environment = environment;
+  // A sanitizer's search for leaks traces the program itself, which only one can.
+  child.environment.emplace_back("ASAN_OPTIONS=detect_leaks=0");
+  ChildProcess tracer("strace", child);
+  static_cast<void>(tracer.readRest());
+  return tracer.finish();
+}
+
+std::vector<SystemCall> TracedProgram::callsFrom(std::string_view text) const {
+  const TemporaryFolder folder;
+  if (const ExitStatus status = trace({"-o", folder.file("log")}); status != kSuccess) {
+    throw std::runtime_error("the traced program failed");
+  }
+  std::vector<SystemCall> calls;
+  std::map<std::string, int> occurrences;
+  std::istringstream log(readFile(folder.file("log")));
+  std::string line;
+  std::getline(log, line);  // the start of the program, which has `text` as an argument
+  occurrences["execve"] = 1;
+  bool isMentioned = false;
+  while (std::getline(log, line)) {
+    const auto parenthesis = line.find('(');
+    if (parenthesis == std::string::npos || line.starts_with('-') || line.starts_with('+'))
+      continue;
+    const std::string name = line.substr(0, parenthesis);
+    const int occurrence = ++occurrences[name];
+    isMentioned |= line.find(text) != std::string::npos;
+    if (isMentioned && !managesMemory(name)) calls.push_back({name, occurrence});
+  }
+  return calls;
+}
+
+ExitStatus TracedProgram::runWithFault(const SystemCall& call, const std::string& fault) const {
+  return trace({"-o", "/dev/null", "-e",
+                "inject=" + call.name + ":" + fault + ":when=" + std::to_string(call.occurrence)});
+}
+
+}  // namespace tessum

@@ -1,0 +1,40 @@
+// Faults in the system calls of a program, put there by the tracer strace.
+
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/child_process.h"
+
+namespace tessum {
+
+// One call in the life of a program that makes the same calls each time.
+struct SystemCall {
+  std::string name;
+  int occurrence = 0;  // among the calls of that name, from 1
+};
+
+// Whether this system lets one program trace another. A machine without strace is an error.
+[[nodiscard]] bool canInjectFaults();
+
+// A program to run, with its arguments and variables for its environment.
+struct TracedProgram {
+  std::string program;
+  std::vector<std::string> arguments;
+  std::vector<std::string> environment;
+
+  // The calls that it makes from the first that mentions `text` to its end, but for those that
+  // manage its memory.
+  [[nodiscard]] std::vector<SystemCall> callsFrom(std::string_view text) const;
+
+  // Runs it with one call replaced by `fault`: "error=ENOSPC" or "signal=KILL", say.
+  [[nodiscard]] ExitStatus runWithFault(const SystemCall& call, const std::string& fault) const;
+
+ private:
+  [[nodiscard]] ExitStatus trace(std::vector<std::string> options) const;
+};
+
+}  // namespace tessum
