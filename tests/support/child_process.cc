@@ -23,7 +23,7 @@ namespace {
 using SteadyClock = std::chrono::steady_clock;
 
 constexpr auto kPatience = std::chrono::seconds(60);
-constexpr int kPollMilliseconds = 10;
+constexpr int kPollMilliseconds = 2;
 constexpr int kCannotStart = 127;
 
 [[noreturn]] void fail(const char* what) {
@@ -100,6 +100,8 @@ std::ostream& operator<<(std::ostream& out, const ExitStatus& status) {
   if (status.signal) return out << "ended by signal " << *status.signal;
   return out << "ended with status " << status.code.value_or(-1);
 }
+
+ChildProcess::ChildProcess(const std::string& program) : ChildProcess(program, Options()) {}
 
 ChildProcess::ChildProcess(const std::string& program, const Options& options) {
   // A program that ends before it has read everything is not to take the test with it.

@@ -30,17 +30,18 @@ inline constexpr ExitStatus kSuccess{.code = 0, .signal = {}};
 class ChildProcess {
  public:
   struct Options {
-    std::vector<std::string> arguments;    // behind the program's name
-    std::vector<std::string> environment;  // NAME=value, on top of the test's own
+    std::vector<std::string> arguments = {};    // behind the program's name
+    std::vector<std::string> environment = {};  // NAME=value, on top of the test's own
 
     // Runs in the child just before the program takes over: limits, closed descriptors, another
     // user. It may use only what is safe after fork(), that is plain system calls.
-    std::function<void()> prepare;
+    std::function<void()> prepare = nullptr;
   };
 
   // Starts `program`, a path or a name that PATH finds. One that cannot be started ends with the
   // status 127.
-  explicit ChildProcess(const std::string& program, const Options& options = {});
+  explicit ChildProcess(const std::string& program);
+  ChildProcess(const std::string& program, const Options& options);
 
   // Kills the program if it has not ended.
   ~ChildProcess();

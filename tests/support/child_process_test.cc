@@ -7,7 +7,7 @@ namespace tessum {
 namespace {
 
 ChildProcess::Options script(const char* text) {
-  return {.arguments = {"-c", text}, .environment = {}, .prepare = {}};
+  return {.arguments = {"-c", text}};
 }
 
 TEST(ChildProcess, TalksInLinesAndEndsWithItsInput) {
