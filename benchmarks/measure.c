@@ -1,0 +1,335 @@
+/* measure: TessumMCP beside its limit, over one history.
+ *
+ *   measure NAME TESSUM_MCP LIMIT_SERVER TESSUM_DATA LIMIT_DATA
+ *
+ * The two data folders hold copies of one history; annotations are written to both. Both servers
+ * get the same requests in turns, so that whatever else the computer does hits them alike, and the
+ * medians are compared. The answers must be the same, byte for byte. The table goes to standard
+ * output as rows of Markdown. The status is 0 also where a goal is missed: a busy computer misses
+ * them, too.
+ */
+
+#define _GNU_SOURCE
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <time.h>
+
+#include "benchmarks/server_process.h"
+
+enum { kMostRounds = 3000, kFewestRounds = 7 };
+
+static const double kSecondsPerCase = 4;
+
+static const char* historyName;
+static const char* tessumProgram;
+static const char* limitProgram;
+static const char* tessumData;
+static const char* limitData;
+
+static struct Answer tessumAnswer;
+static struct Answer limitAnswer;
+
+/* Rows of the table. */
+
+static void printRow(const char* what, const char* tessum, const char* limit, double figure,
+                     double goal, const char* unit) {
+  printf("| %s | %s | %s | %s | %.2f%s | %.2f%s | %s |\n", historyName, what, tessum, limit, figure,
+         unit, goal, unit, figure <= goal ? "yes" : "no");
+  fflush(stdout);
+}
+
+static const char* format(char* out, size_t size, const char* pattern, ...) {
+  va_list arguments;
+  va_start(arguments, pattern);
+  vsnprintf(out, size, pattern, arguments);
+  va_end(arguments);
+  return out;
+}
+
+static const char* timeText(char* out, size_t size, double microseconds) {
+  if (microseconds < 1000) return format(out, size, "%.1f \xC2\xB5s", microseconds);
+  return format(out, size, "%.2f ms", microseconds / 1000);
+}
+
+static void printTimes(const char* what, double tessum, double limit, double goal) {
+  char tessumText[32];
+  char limitText[32];
+  printRow(what, timeText(tessumText, sizeof tessumText, tessum),
+           timeText(limitText, sizeof limitText, limit), tessum / limit, goal, " times");
+}
+
+static int compareDoubles(const void* a, const void* b) {
+  const double left = *(const double*)a;
+  const double right = *(const double*)b;
+  return (left > right) - (left < right);
+}
+
+static double median(double* values, size_t count) {
+  qsort(values, count, sizeof *values, compareDoubles);
+  return values[count / 2];
+}
+
+/* Whether to go on after `round` rounds that began at `begin`. */
+static int goesOn(size_t round, double begin) {
+  if (round < kFewestRounds) return 1;
+  return round < kMostRounds && nowInMicroseconds() - begin < kSecondsPerCase * 1e6;
+}
+
+/* Requests. */
+
+static void requireSameAnswers(const char* what) {
+  const int isSame = tessumAnswer.size == limitAnswer.size &&
+                     memcmp(tessumAnswer.bytes, limitAnswer.bytes, limitAnswer.size) == 0;
+  if (isSame) return;
+  fprintf(stderr, "measure: the answers differ: %s\n%.2000s\n%.2000s\n", what, tessumAnswer.bytes,
+          limitAnswer.bytes);
+  exit(1);
+}
+
+/* Where an answer tells the time of the day, the two may fall into different seconds: then they
+ * are asked again. */
+static void compareAnswers(struct Server* tessum, struct Server* limit, const char* what,
+                           const char* request) {
+  int attempt;
+  for (attempt = 0; attempt < 5; ++attempt) {
+    ask(tessum, request, strlen(request), &tessumAnswer);
+    ask(limit, request, strlen(request), &limitAnswer);
+    if (tessumAnswer.size == limitAnswer.size &&
+        memcmp(tessumAnswer.bytes, limitAnswer.bytes, limitAnswer.size) == 0) {
+      return;
+    }
+  }
+  requireSameAnswers(what);
+}
+
+static void measureRequest(const char* what, const char* request, double goal) {
+  static double tessumTimes[kMostRounds];
+  static double limitTimes[kMostRounds];
+  const size_t size = strlen(request);
+  struct Server tessum = startServer(tessumProgram, tessumData);
+  struct Server limit = startServer(limitProgram, limitData);
+  double begin;
+  size_t round;
+
+  compareAnswers(&tessum, &limit, what, request);
+  begin = nowInMicroseconds();
+  for (round = 0; goesOn(round, begin); ++round) {
+    tessumTimes[round] = ask(&tessum, request, size, &tessumAnswer);
+    limitTimes[round] = ask(&limit, request, size, &limitAnswer);
+  }
+  printTimes(what, median(tessumTimes, round), median(limitTimes, round), goal);
+  stopServer(&tessum);
+  stopServer(&limit);
+}
+
+static double spawnToFirstAnswer(const char* program, const char* data, const char* request,
+                                 struct Answer* answer) {
+  const double begin = nowInMicroseconds();
+  struct Server server = startServer(program, data);
+  double time;
+  ask(&server, request, strlen(request), answer);
+  time = nowInMicroseconds() - begin;
+  stopServer(&server);
+  return time;
+}
+
+static void measureSpawn(const char* request) {
+  static double tessumTimes[kMostRounds];
+  static double limitTimes[kMostRounds];
+  const double begin = nowInMicroseconds();
+  size_t round;
+  for (round = 0; goesOn(round, begin); ++round) {
+    tessumTimes[round] = spawnToFirstAnswer(tessumProgram, tessumData, request, &tessumAnswer);
+    limitTimes[round] = spawnToFirstAnswer(limitProgram, limitData, request, &limitAnswer);
+    requireSameAnswers("spawn");
+  }
+  printTimes("spawn to first answer", median(tessumTimes, round), median(limitTimes, round), 1.5);
+}
+
+static void measureUsage(const char* request) {
+  static double times[kMostRounds];
+  struct Server tessum = startServer(tessumProgram, tessumData);
+  const double begin = nowInMicroseconds();
+  char text[32];
+  double time;
+  size_t round;
+  for (round = 0; goesOn(round, begin); ++round) {
+    times[round] = ask(&tessum, request, strlen(request), &tessumAnswer);
+  }
+  time = median(times, round);
+  printRow("`get_app_usage`", timeText(text, sizeof text, time), "\xE2\x80\x93", time / 1000, 3,
+           " ms");
+  stopServer(&tessum);
+}
+
+/* Memory. */
+
+static double megabytes(size_t bytes) {
+  return (double)bytes / 1e6;
+}
+
+static double mebibytes(size_t bytes) {
+  return (double)bytes / (1 << 20);
+}
+
+static void measureMemoryAfterStart(const char* request) {
+  struct Server tessum = startServer(tessumProgram, tessumData);
+  struct Server limit = startServer(limitProgram, limitData);
+  char tessumText[32];
+  char limitText[32];
+  double used;
+  ask(&tessum, request, strlen(request), &tessumAnswer);
+  ask(&limit, request, strlen(request), &limitAnswer);
+  used = mebibytes(residentMemory(&tessum));
+  printRow("memory after start", format(tessumText, sizeof tessumText, "%.2f MiB", used),
+           format(limitText, sizeof limitText, "%.2f MiB", mebibytes(residentMemory(&limit))), used,
+           6, " MiB");
+  stopServer(&tessum);
+  stopServer(&limit);
+}
+
+static void measureMemoryOfAnswer(void) {
+  const double kWanted = 100e6;
+  struct Server tessum = startServer(tessumProgram, tessumData);
+  struct Server limit = startServer(limitProgram, limitData);
+  char request[256];
+  char tessumText[64];
+  char limitText[64];
+  char what[64];
+  const char* pattern =
+      "{\"jsonrpc\":\"2.0\",\"id\":1,\"method\":\"tools/call\",\"params\":{\"name\":"
+      "\"search_activities\",\"arguments\":{\"query\":\"\",\"limit\":%d}}}\n";
+
+  format(request, sizeof request, pattern, 1000);
+  ask(&tessum, request, strlen(request), &tessumAnswer);
+  format(request, sizeof request, pattern, (int)(kWanted / ((double)tessumAnswer.size / 1000)));
+  compareAnswers(&tessum, &limit, "a large answer", request);
+
+  format(what, sizeof what, "peak memory for an answer of %.0f MB", megabytes(tessumAnswer.size));
+  printRow(what, format(tessumText, sizeof tessumText, "%.0f MB", megabytes(peakMemory(&tessum))),
+           format(limitText, sizeof limitText, "%.0f MB", megabytes(peakMemory(&limit))),
+           (double)peakMemory(&tessum) / (double)tessumAnswer.size, 3.5, " times");
+  stopServer(&tessum);
+  stopServer(&limit);
+}
+
+/* A message of about `size` bytes: `head`, `body` again and again, `tail` and a line feed. */
+static char* makeMessage(const char* head, const char* body, const char* tail, size_t size) {
+  const size_t bodySize = strlen(body);
+  const size_t count = size / bodySize;
+  char* message = malloc(strlen(head) + count * bodySize + strlen(tail) + 2);
+  char* at = message;
+  size_t i;
+  require(message != NULL, "out of memory");
+  at = stpcpy(at, head);
+  for (i = 0; i < count; ++i) at = stpcpy(at, body);
+  at = stpcpy(at, tail);
+  strcpy(at, "\n");
+  return message;
+}
+
+#define REQUEST(method) "{\"jsonrpc\":\"2.0\",\"id\":1,\"method\":\"" method "\",\"params\":"
+#define CALL(tool) REQUEST("tools/call") "{\"name\":\"" tool "\",\"arguments\":{"
+
+static const struct {
+  const char* what;
+  const char* head;
+  const char* body;
+  const char* tail;
+} kMessages[] = {
+    {"one long text", CALL("search_activities") "\"query\":\"", "all work and no play ", "\"}}}"},
+    {"one long annotation", CALL("annotate") "\"text\":\"", "all work/no play", "\"}}}"},
+    {"escaped characters", CALL("search_activities") "\"query\":\"", "\\u0001\\n\\ud83d\\ude00",
+     "\"}}}"},
+    {"slashes in the method", "{\"jsonrpc\":\"2.0\",\"id\":1,\"method\":\"", "/", "\"}"},
+    {"a long id", "{\"jsonrpc\":\"2.0\",\"method\":\"tools/list\",\"id\":\"", "/", "\"}"},
+    {"a long number", REQUEST("tools/list"), "1", "}"},
+    {"a long tool name", REQUEST("tools/call") "{\"name\":\"", "/", "\"}}"},
+    {"a long resource name", REQUEST("resources/read") "{\"uri\":\"", "/", "\"}}"},
+    {"open brackets", REQUEST("tools/list"), "[", "}"},
+    {"open braces", REQUEST("tools/list"), "{\"\":", "}"},
+    {"many empty arrays", CALL("get_activities") "\"date\":[", "[],", "[]]}}}"},
+    {"many small numbers", CALL("get_activities") "\"date\":[", "1,", "1]}}}"},
+    {"many equal keys", CALL("get_activities"), "\"limit\":1,", "\"limit\":1}}}"},
+    {"many empty objects", CALL("get_activities") "\"date\":[", "{},", "{}]}}}"},
+    {"commas", "", ",", ""},
+    {"quotation marks", "", "\"", ""},
+    {"bytes that are not UTF-8", "", "\x80\xFF", ""},
+    {"blanks", "", " ", ""},
+};
+
+/* Each message gets a server of its own; the one that takes most is printed. */
+static void measureMemoryOfMessages(void) {
+  const size_t kSize = 32u << 20;
+  double most = 0;
+  size_t mostPeak = 0;
+  const char* mostWhat = "";
+  char what[128];
+  char text[32];
+  size_t i;
+  for (i = 0; i < sizeof kMessages / sizeof *kMessages; ++i) {
+    struct Server tessum = startServer(tessumProgram, tessumData);
+    char* message = makeMessage(kMessages[i].head, kMessages[i].body, kMessages[i].tail, kSize);
+    const size_t size = strlen(message);
+    double times;
+    ask(&tessum, message, size, &tessumAnswer);
+    times = (double)peakMemory(&tessum) / (double)size;
+    fprintf(stderr, "measure: message of %.0f MB, %s: peak %.2f times\n", megabytes(size),
+            kMessages[i].what, times);
+    if (times > most) {
+      most = times;
+      mostPeak = peakMemory(&tessum);
+      mostWhat = kMessages[i].what;
+    }
+    free(message);
+    stopServer(&tessum);
+  }
+  format(what, sizeof what, "peak memory for a message of %.0f MB (worst: %s)", megabytes(kSize),
+         mostWhat);
+  printRow(what, format(text, sizeof text, "%.0f MB", megabytes(mostPeak)), "\xE2\x80\x93", most,
+           16, " times");
+}
+
+static const char* yesterday(char* out, size_t size) {
+  time_t now = time(NULL);
+  struct tm date = *localtime(&now);
+  date.tm_mday -= 1;
+  date.tm_hour = 12;
+  date.tm_isdst = -1;
+  now = mktime(&date);
+  strftime(out, size, "%Y-%m-%d", localtime(&now));
+  return out;
+}
+
+int main(int count, char** arguments) {
+  static const char kInitialize[] = REQUEST("initialize") "{}}\n";
+  char day[16];
+  char request[256];
+  require(count == 6, "usage: measure NAME TESSUM_MCP LIMIT_SERVER TESSUM_DATA LIMIT_DATA");
+  historyName = arguments[1];
+  tessumProgram = arguments[2];
+  limitProgram = arguments[3];
+  tessumData = arguments[4];
+  limitData = arguments[5];
+  yesterday(day, sizeof day);
+
+  format(request, sizeof request, CALL("get_activities") "\"date\":\"%s\"}}}\n", day);
+  measureRequest("`get_activities`", request, 1.1);
+  measureRequest("`search_activities`", CALL("search_activities") "\"query\":\"moisture\"}}}\n",
+                 1.1);
+  measureRequest("an answer of 100,000 sessions, or all",
+                 CALL("search_activities") "\"query\":\"\",\"limit\":100000}}}\n", 2.0);
+  measureRequest("`initialize`", kInitialize, 2.0);
+  measureRequest("`tools/list`", REQUEST("tools/list") "{}}\n", 2.0);
+  measureSpawn(kInitialize);
+  format(request, sizeof request, CALL("get_app_usage") "\"date\":\"%s\"}}}\n", day);
+  measureUsage(request);
+  measureRequest("`annotate`", CALL("annotate") "\"text\":\"Measuring\"}}}\n", 1.05);
+  measureMemoryAfterStart(kInitialize);
+  measureMemoryOfAnswer();
+  measureMemoryOfMessages();
+  return 0;
+}
