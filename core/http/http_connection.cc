@@ -15,7 +15,8 @@
 namespace tessum {
 namespace {
 
-constexpr auto kDrainTime = std::chrono::seconds(1);
+// How long a peer may take to close, and an answer to leave when the server is gone.
+constexpr auto kLastMoment = std::chrono::seconds(1);
 
 bool wouldBlock(const asio::error_code& error) {
   return error == asio::error::would_block || error == asio::error::try_again;
@@ -25,7 +26,7 @@ bool wouldBlock(const asio::error_code& error) {
 
 HTTPConnection::HTTPConnection(asio::ip::tcp::socket socket, std::shared_ptr<HTTPService> service)
     : socket_(std::move(socket)),
-      drainTimer_(socket_.get_executor()),
+      lastMoment_(socket_.get_executor()),
       service_(std::move(service)) {
   service_->connections.insert(this);
 }
@@ -41,7 +42,8 @@ void HTTPConnection::start() {
 }
 
 void HTTPConnection::serverIsGone() {
-  if (!isAnswered_) close();
+  if (!isAnswered_) return close();
+  closeAfterLastMoment();
 }
 
 void HTTPConnection::receiveWhenReadable() {
@@ -101,12 +103,34 @@ void HTTPConnection::sendAnswer() {
                       if (error) return self->close();
                       self->head_ = {};
                       self->body_ = {};
-                      self->drainTimer_.expires_after(kDrainTime);
-                      self->drainTimer_.async_wait([self](const asio::error_code& cancelled) {
-                        if (!cancelled) self->close();
-                      });
+                      self->closeAfterLastMoment();
                       asio::error_code ignored;  // a peer that is gone is met by the next receive
                       self->socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
                       self->drain();
                     });
 }
+
+void HTTPConnection::drain() {
+  asio::error_code error;
+  socket_.read_some(asio::buffer(service_->received.data(), kReceiveSize), error);
+  if (error && !wouldBlock(error)) return close();
+  socket_.async_wait(asio::ip::tcp::socket::wait_read,
+                     [self = shared_from_this()](const asio::error_code& waitError) {
+                       if (!waitError) self->drain();
+                     });
+}
+
+void HTTPConnection::closeAfterLastMoment() {
+  lastMoment_.expires_after(kLastMoment);
+  lastMoment_.async_wait([self = shared_from_this()](const asio::error_code& cancelled) {
+    if (!cancelled) self->close();
+  });
+}
+
+void HTTPConnection::close() {
+  asio::error_code ignored;
+  socket_.close(ignored);
+  lastMoment_.cancel();
+}
+
+}  // namespace tessum

@@ -48,7 +48,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
 
   void start();
 
-  // Ends a connection that has no complete request; an answer on its way is still sent.
+  // Ends a connection that has no complete request; an answer on its way has a bounded moment.
   void serverIsGone();
 
  private:
@@ -58,11 +58,11 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   void answer(const HTTPRequest& request, const char* readableEnd);
   void sendAnswer();
   void drain();
-  void drainWhenReadable();
+  void closeAfterLastMoment();
   void close();
 
   asio::ip::tcp::socket socket_;
-  asio::steady_timer drainTimer_;
+  asio::steady_timer lastMoment_;
   const std::shared_ptr<HTTPService> service_;
   HTTPRequestParser parser_;
   std::string bytes_;  // those of a request in several pieces, with json::kPadding behind them

@@ -38,8 +38,11 @@ ThreadQueue::~ThreadQueue() {
   state_->changed.notify_one();
   std::thread& thread = state_->thread;  // no longer replaced, as nobody else may post now
   if (!thread.joinable()) return;
-  if (thread.get_id() == std::this_thread::get_id()) return thread.detach();
-  thread.join();
+  if (thread.get_id() == std::this_thread::get_id()) {
+    thread.detach();
+  } else {
+    thread.join();
+  }
 }
 
 void ThreadQueue::post(Task task) {
