@@ -43,7 +43,7 @@ void HTTPConnection::start() {
 
 void HTTPConnection::serverIsGone() {
   if (!isAnswered_) return close();
-  closeAfterLastMoment();
+  if (socket_.is_open()) closeAfterLastMoment();
 }
 
 void HTTPConnection::receiveWhenReadable() {
@@ -86,9 +86,10 @@ void HTTPConnection::take(std::string_view received) {
 
 void HTTPConnection::answer(const HTTPRequest& request, const char* readableEnd) {
   isAnswered_ = true;
+  const auto handleBody = service_->handleBody;  // a copy, as the call may end the server
   HTTPResponse response = respond(request, [&](std::string_view body) {
     const char* const bodyEnd = body.data() + body.size();
-    return service_->handleBody({body, static_cast<std::size_t>(readableEnd - bodyEnd)});
+    return handleBody({body, static_cast<std::size_t>(readableEnd - bodyEnd)});
   });
   bytes_ = {};
   head_ = responseHead(response);

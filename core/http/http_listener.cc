@@ -15,15 +15,20 @@ using asio::ip::tcp;
 // instead of asking again and again.
 constexpr auto kPause = std::chrono::milliseconds(20);
 
+// Asio's own category does not compare equal to std::errc everywhere.
+std::error_code systemError(const asio::error_code& error) {
+  return {error.value(), std::system_category()};
+}
+
 void openForEveryInterface(tcp::acceptor& acceptor) {
   asio::error_code error;
   acceptor.open(tcp::v6(), error);
   if (error == asio::error::address_family_not_supported) {
-    acceptor.open(tcp::v4());
-    return;
+    acceptor.open(tcp::v4(), error);
+  } else if (!error) {
+    acceptor.set_option(asio::ip::v6_only(false), error);
   }
-  if (error) throw std::system_error(error);
-  acceptor.set_option(asio::ip::v6_only(false));
+  if (error) throw std::system_error(systemError(error), "Cannot open a socket");
 }
 
 // Programs that this one starts must not keep its sockets open. Asio does not see to it.
@@ -43,8 +48,10 @@ HTTPListener::HTTPListener(asio::io_context& context, OnConnection onConnection)
 
 void HTTPListener::listen(std::uint16_t port) {
   const tcp protocol = acceptor_.local_endpoint().protocol();
-  acceptor_.bind(tcp::endpoint(protocol, port), error_);
-  if (!error_) acceptor_.listen(tcp::acceptor::max_listen_connections, error_);
+  asio::error_code error;
+  acceptor_.bind(tcp::endpoint(protocol, port), error);
+  if (!error) acceptor_.listen(tcp::acceptor::max_listen_connections, error);
+  error_ = systemError(error);
   if (error_) return close();
   accept();
 }

@@ -14,14 +14,15 @@ constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
 constexpr std::string_view kContentLength = "content-length:";
 
+// Of all letters only the capital ASCII ones become those of kContentLength when lower-cased.
+char lowerCased(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 bool isContentLength(std::string_view line) {
-  // Only capital ASCII letters become these letters when they are lower-cased.
-  const auto matches = [](char c, char wanted) {
-    return (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) == wanted;
-  };
   return line.size() >= kContentLength.size() &&
          std::equal(kContentLength.begin(), kContentLength.end(), line.begin(),
-                    [&](char wanted, char c) { return matches(c, wanted); });
+                    [](char wanted, char c) { return lowerCased(c) == wanted; });
 }
 
 std::string_view withoutBlanks(std::string_view text) {
