@@ -2,11 +2,11 @@
 # shellcheck shell=bash
 
 # Debian and Ubuntu. macOS has SQLite and curl itself.
-apt_build=(g++ cmake ninja-build libsqlite3-dev libsimdjson-dev)
+apt_build=(g++ cmake ninja-build libasio-dev libsqlite3-dev libsimdjson-dev)
 apt_test=(libgtest-dev)
 apt_sanitize=(clang)
 apt_format=(clang-format git)
-brew_build=(cmake ninja simdjson)
+brew_build=(asio cmake ninja simdjson)
 brew_test=(googletest node)
 brew_sanitize=(llvm)
 brew_format=(clang-format)

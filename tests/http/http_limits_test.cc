@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "core/http/http_transport.h"
-#include "tests/http/child_process.h"
+#include "tests/http/forked_child.h"
 #include "tests/http/loopback.h"
 
 namespace tessum {
@@ -28,7 +28,7 @@ std::optional<std::string> echo(json::PaddedView body) {
 }
 
 // What a child does: it serves `port` until its parent lets it go.
-void serve(ChildProcess::Link& parent, std::uint16_t port) {
+void serve(ForkedChild::Link& parent, std::uint16_t port) {
   ThreadQueue queue("com.example.child");
   HTTPTransport transport(queue, echo);
   transport.listen(port);
@@ -45,7 +45,7 @@ class FewDescriptors : public testing::TestWithParam<int> {};
 
 TEST_P(FewDescriptors, AreEnoughToServeManyClients) {
   const std::uint16_t port = freePort();
-  ChildProcess child([&](ChildProcess::Link& parent) {
+  ForkedChild child([&](ForkedChild::Link& parent) {
     limitDescriptors(static_cast<rlim_t>(GetParam()));
     serve(parent, port);
   });
@@ -67,7 +67,7 @@ TEST_P(FewDescriptors, AreEnoughToServeManyClients) {
 
 TEST_P(FewDescriptors, LetManyPeersAtOnceHaveTheirAnswers) {
   const std::uint16_t port = freePort();
-  ChildProcess child([&](ChildProcess::Link& parent) {
+  ForkedChild child([&](ForkedChild::Link& parent) {
     limitDescriptors(static_cast<rlim_t>(GetParam()));
     serve(parent, port);
   });
@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(Counts, FewDescriptors, testing::Values(16, 24, 32, 64)
 
 TEST(HTTPTransportLimits, RestsWhileThereAreNoDescriptors) {
   const std::uint16_t port = freePort();
-  ChildProcess child([&](ChildProcess::Link& parent) {
+  ForkedChild child([&](ForkedChild::Link& parent) {
     limitDescriptors(16);
     serve(parent, port);
   });
@@ -103,7 +103,7 @@ TEST(HTTPTransportLimits, RestsWhileThereAreNoDescriptors) {
 }
 
 TEST(HTTPTransportLimits, SaysWhenThereIsNoDescriptorForIt) {
-  ChildProcess child([](ChildProcess::Link& parent) {
+  ForkedChild child([](ForkedChild::Link& parent) {
     limitDescriptors(static_cast<rlim_t>(openDescriptors()));
     ThreadQueue queue("com.example.child");
     try {
@@ -121,7 +121,7 @@ TEST(HTTPTransportLimits, SaysWhenThereIsNoDescriptorForIt) {
 TEST(HTTPTransportLimits, KeepsTheOldListenerWhenThereIsNoDescriptorForAnother) {
   constexpr int kFew = 32;
   const std::uint16_t port = freePort();
-  ChildProcess child([&](ChildProcess::Link& parent) {
+  ForkedChild child([&](ForkedChild::Link& parent) {
     ThreadQueue queue("com.example.child");
     HTTPTransport transport(queue, echo);
     transport.listen(port);
@@ -146,7 +146,7 @@ TEST(HTTPTransportLimits, KeepsTheOldListenerWhenThereIsNoDescriptorForAnother) 
 TEST(HTTPTransportLimits, ThrowsNothingWhenThePortIsForbidden) {
   constexpr uid_t kNobody = 65534;
   constexpr std::uint16_t kPrivileged = 81;
-  ChildProcess child([&](ChildProcess::Link& parent) {
+  ForkedChild child([&](ForkedChild::Link& parent) {
     if (geteuid() == 0 && setuid(kNobody) != 0) return;
     serve(parent, kPrivileged);
   });

@@ -15,7 +15,7 @@
 #include <string>
 
 #include "core/http/http_transport.h"
-#include "tests/http/child_process.h"
+#include "tests/http/forked_child.h"
 #include "tests/http/loopback.h"
 
 namespace tessum {
@@ -40,7 +40,7 @@ bool forbidIPv6() {
 
 TEST(HTTPTransportWithoutIPv6, AnswersIPv4) {
   const std::uint16_t port = freePort();
-  ChildProcess child([&](ChildProcess::Link& parent) {
+  ForkedChild child([&](ForkedChild::Link& parent) {
     if (!forbidIPv6()) return;
     ThreadQueue queue("com.example.child");
     HTTPTransport transport(

@@ -1,4 +1,4 @@
-#include "tests/http/child_process.h"
+#include "tests/http/forked_child.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -11,17 +11,17 @@
 
 namespace tessum {
 
-void ChildProcess::Link::report(int number) {
+void ForkedChild::Link::report(int number) {
   if (write(out_, &number, sizeof number) != sizeof number) _exit(1);
 }
 
-void ChildProcess::Link::waitUntilReleased() {
+void ForkedChild::Link::waitUntilReleased() {
   char byte = 0;
   while (read(in_, &byte, 1) > 0) {
   }
 }
 
-ChildProcess::ChildProcess(const std::function<void(Link&)>& body) {
+ForkedChild::ForkedChild(const std::function<void(Link&)>& body) {
   int toChild[2];
   int toParent[2];
   if (pipe(toChild) != 0 || pipe(toParent) != 0) {
@@ -42,17 +42,17 @@ ChildProcess::ChildProcess(const std::function<void(Link&)>& body) {
   out_ = toChild[1];
 }
 
-ChildProcess::~ChildProcess() {
+ForkedChild::~ForkedChild() {
   release();
 }
 
-std::optional<int> ChildProcess::reported() {
+std::optional<int> ForkedChild::reported() {
   int number = 0;
   if (read(in_, &number, sizeof number) != sizeof number) return std::nullopt;
   return number;
 }
 
-int ChildProcess::release() {
+int ForkedChild::release() {
   if (process_ <= 0) return 0;
   close(in_);
   close(out_);

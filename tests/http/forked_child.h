@@ -1,4 +1,4 @@
-// A child of the test program, for what must not happen to the test program itself.
+// A copy of the test program, for what must not happen to the test program itself.
 
 #pragma once
 
@@ -10,7 +10,7 @@
 namespace tessum {
 
 // Forked, so make it before the test makes any thread.
-class ChildProcess {
+class ForkedChild {
  public:
   // The child's end.
   class Link {
@@ -29,10 +29,10 @@ class ChildProcess {
   };
 
   // Runs `body` in a child, which then ends with status 0.
-  explicit ChildProcess(const std::function<void(Link&)>& body);
-  ~ChildProcess();
-  ChildProcess(const ChildProcess&) = delete;
-  ChildProcess& operator=(const ChildProcess&) = delete;
+  explicit ForkedChild(const std::function<void(Link&)>& body);
+  ~ForkedChild();
+  ForkedChild(const ForkedChild&) = delete;
+  ForkedChild& operator=(const ForkedChild&) = delete;
 
   // The next number the child tells; absent when it has ended without.
   [[nodiscard]] std::optional<int> reported();
