@@ -4,16 +4,22 @@
 # The packages of one job. macOS has SQLite and curl itself.
 apt_packages() {
   case $1 in
-    build) echo g++ cmake ninja-build libsqlite3-dev libsimdjson-dev ;;
-    test) echo libgtest-dev ;;
+    build)
+      echo g++ cmake ninja-build pkg-config libasio-dev libcli11-dev libcurl4-openssl-dev \
+        libsimdjson-dev libsqlite3-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb1-dev
+      ;;
+    test)
+      echo chromium clang curl libgtest-dev libssl-dev openbox openssl strace x11-utils \
+        xdotool xterm xvfb
+      ;;
     sanitize) echo clang ;;
     format) echo clang-format git ;;
   esac
 }
 brew_packages() {
   case $1 in
-    build) echo cmake ninja simdjson ;;
-    test) echo googletest node ;;
+    build) echo asio cli11 cmake ninja pkgconf simdjson ;;
+    test) echo googletest node openssl ;;
     sanitize) echo llvm ;;
     format) echo clang-format ;;
   esac

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "core/json/reader.h"
@@ -15,18 +16,26 @@
 #include "core/mcp/mcp_server_error.h"
 #include "core/platform/calendar.h"
 #include "core/platform/clock.h"
+#include "core/platform/serial_queue.h"
 #include "core/store/database.h"
 
 namespace tessum {
 
+class HTTPTransport;
+
 // Answers for one store. It knows nothing of clients or connections: every method may come in any
-// order. Not thread-safe: its caller enters it with one message after another.
+// order. Not thread-safe: its caller enters it with one message after another, or leaves that to
+// the HTTP transport from start() on. It may be destroyed on any thread, also while the transport
+// is answering: destroying it waits for that answer.
 class MCPServer {
  public:
   // `port` is for the HTTP transport and is not bound here. `clock` and `calendar` must outlive
   // the server. Touches neither the network nor the store.
   MCPServer(std::shared_ptr<Database> database, std::uint16_t port, const Clock& clock,
             const Calendar& calendar);
+
+  MCPServer(const MCPServer&) = delete;
+  MCPServer& operator=(const MCPServer&) = delete;
 
   [[nodiscard]] std::uint16_t port() const { return port_; }
 
@@ -60,6 +69,25 @@ class MCPServer {
   // DatabaseError.
   [[nodiscard]] MCPResourceReadResult readResource(const std::string& uri);
 
+  ////////////////////////////////////////////////////////////////////////////////////////////
+  // The HTTP transport. It enters the engine on a queue of its own. These are defined in
+  // core/http, so a program that does not call them needs nothing of it.
+
+  // Answers on port() of every interface, in place of what an earlier start() opened. Throws
+  // MCPServerError::invalidPort for port 0 and std::system_error when the system gives no socket.
+  // A port that is taken or forbidden is no error here: see listeningError().
+  void start();
+
+  // Accepts no connection from now on; those accepted before are served. Does nothing when
+  // nothing was started.
+  void stop();
+
+  // What keeps the last start() from being reached; no error when nothing does, or after stop().
+  [[nodiscard]] std::error_code listeningError() const;
+
+  // Where clients of this computer find the transport, such as http://localhost:7384/mcp.
+  [[nodiscard]] std::string endpointURL() const;
+
  private:
   [[nodiscard]] MCPToolResult annotate(const AnyCodable& arguments);
   [[nodiscard]] std::string activityReport(Date day, std::int64_t limit);
@@ -69,6 +97,8 @@ class MCPServer {
   const std::uint16_t port_;
   const Clock& clock_;
   const Calendar& calendar_;
+  ThreadQueue queue_{"com.tessum.mcp-server"};
+  std::shared_ptr<HTTPTransport> transport_;  // destroyed first, as it enters all of the above
 };
 
 }  // namespace tessum

@@ -1,0 +1,137 @@
+// How a connection ends. Closing a socket while the peer's bytes wait in it unread makes the
+// system reset the connection, and a reset destroys what the peer has not read yet: the answer to
+// a peer that sent more than it declared would be lost. So the sending side is closed alone, which
+// tells the peer that the answer is complete, and what still arrives is thrown away until the
+// peer closes too, for a bounded moment.
+
+#include "core/http/http_connection.h"
+
+#include <asio/buffer.hpp>
+#include <asio/write.hpp>
+#include <chrono>
+#include <new>
+#include <utility>
+
+namespace tessum {
+namespace {
+
+// How long a peer may take to close, and an answer to leave when the server is gone.
+constexpr auto kLastMoment = std::chrono::seconds(1);
+
+bool wouldBlock(const asio::error_code& error) {
+  return error == asio::error::would_block || error == asio::error::try_again;
+}
+
+}  // namespace
+
+HTTPConnection::HTTPConnection(asio::ip::tcp::socket socket, std::shared_ptr<HTTPService> service)
+    : socket_(std::move(socket)),
+      lastMoment_(socket_.get_executor()),
+      service_(std::move(service)) {
+  service_->connections.insert(this);
+}
+
+HTTPConnection::~HTTPConnection() {
+  service_->connections.erase(this);
+}
+
+void HTTPConnection::start() {
+  asio::error_code error;
+  socket_.non_blocking(true, error);
+  if (!error) receive();
+}
+
+void HTTPConnection::serverIsGone() {
+  if (!isAnswered_) return close();
+  if (socket_.is_open()) closeAfterLastMoment();
+}
+
+void HTTPConnection::receiveWhenReadable() {
+  socket_.async_wait(asio::ip::tcp::socket::wait_read,
+                     [self = shared_from_this()](const asio::error_code& error) {
+                       if (!error) self->receive();
+                     });
+}
+
+void HTTPConnection::receive() {
+  asio::error_code error;
+  const std::size_t size =
+      socket_.read_some(asio::buffer(service_->received.data(), kReceiveSize), error);
+  if (wouldBlock(error)) return receiveWhenReadable();
+  if (error) return close();
+  try {
+    take({service_->received.data(), size});
+  } catch (const std::bad_alloc&) {
+    close();  // a message too large for this computer costs its sender the connection, no more
+  }
+}
+
+void HTTPConnection::take(std::string_view received) {
+  std::string_view bytes = received;
+  if (!bytes_.empty()) {
+    bytes_.resize(bytes_.size() - json::kPadding);
+    bytes_.append(received).append(json::kPadding, '\0');
+    bytes = std::string_view(bytes_).substr(0, bytes_.size() - json::kPadding);
+  }
+  if (const auto request = parser_.parse(bytes)) {
+    return answer(*request, bytes.data() + bytes.size() + json::kPadding);
+  }
+  if (parser_.isUnreadable()) {
+    bytes_ = {};  // the peer may go on, but nothing will come of it
+  } else if (bytes_.empty()) {
+    bytes_.append(received).append(json::kPadding, '\0');
+  }
+  receiveWhenReadable();
+}
+
+void HTTPConnection::answer(const HTTPRequest& request, const char* readableEnd) {
+  isAnswered_ = true;
+  const auto handleBody = service_->handleBody;  // a copy, as the call may end the server
+  HTTPResponse response = respond(request, [&](std::string_view body) {
+    const char* const bodyEnd = body.data() + body.size();
+    return handleBody({body, static_cast<std::size_t>(readableEnd - bodyEnd)});
+  });
+  bytes_ = {};
+  head_ = responseHead(response);
+  body_ = std::move(response.body);
+  sendAnswer();
+}
+
+void HTTPConnection::sendAnswer() {
+  const std::array<asio::const_buffer, 2> buffers = {asio::buffer(head_), asio::buffer(body_)};
+  asio::async_write(socket_, buffers,
+                    [self = shared_from_this()](const asio::error_code& error, std::size_t) {
+                      if (error) return self->close();
+                      self->head_ = {};
+                      self->body_ = {};
+                      self->closeAfterLastMoment();
+                      asio::error_code ignored;  // a peer that is gone is met by the next receive
+                      self->socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+                      self->drain();
+                    });
+}
+
+void HTTPConnection::drain() {
+  asio::error_code error;
+  socket_.read_some(asio::buffer(service_->received.data(), kReceiveSize), error);
+  if (error && !wouldBlock(error)) return close();
+  socket_.async_wait(asio::ip::tcp::socket::wait_read,
+                     [self = shared_from_this()](const asio::error_code& waitError) {
+                       if (!waitError) self->drain();
+                     });
+}
+
+void HTTPConnection::closeAfterLastMoment() {
+  lastMoment_.expires_after(kLastMoment);
+  lastMoment_.async_wait([self = shared_from_this()](const asio::error_code& cancelled) {
+    if (!cancelled) self->close();
+  });
+}
+
+void HTTPConnection::close() {
+  asio::error_code ignored;
+  socket_.close(ignored);
+  lastMoment_.cancel();
+}
+
+}  // namespace tessum

@@ -1,0 +1,90 @@
+#include "core/http/http_request.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <system_error>
+
+#include "core/base/text.h"
+
+namespace tessum {
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kHeadEnd = "\r\n\r\n";
+constexpr std::string_view kContentLength = "content-length:";
+
+// Of all letters only the capital ASCII ones become those of kContentLength when lower-cased.
+char lowerCased(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool isContentLength(std::string_view line) {
+  return line.size() >= kContentLength.size() &&
+         std::equal(kContentLength.begin(), kContentLength.end(), line.begin(),
+                    [](char wanted, char c) { return lowerCased(c) == wanted; });
+}
+
+std::string_view withoutBlanks(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+// The number of bytes that `text` announces. Whatever is not a decimal number of 64 bits announces
+// none, and neither does a negative one.
+std::size_t announcedSize(std::string_view text) {
+  if (text.starts_with('+')) {
+    text.remove_prefix(1);
+    if (text.starts_with('-')) return 0;
+  }
+  std::int64_t value = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || stop != end) return 0;
+  return static_cast<std::size_t>(std::max<std::int64_t>(value, 0));
+}
+
+}  // namespace
+
+std::optional<HTTPRequest> parseHTTPRequest(std::string_view bytes) {
+  return HTTPRequestParser().parse(bytes);
+}
+
+std::optional<HTTPRequest> HTTPRequestParser::parse(std::string_view bytes) {
+  if (state_ == State::inHead) {
+    const std::size_t end = bytes.find(kHeadEnd, searched_);
+    if (end == std::string_view::npos) {
+      searched_ = bytes.size() - std::min(bytes.size(), kHeadEnd.size() - 1);
+      return std::nullopt;
+    }
+    readHead(bytes.substr(0, end));
+    bodyStart_ = end + kHeadEnd.size();
+  }
+  if (state_ == State::unreadable || bytes.size() - bodyStart_ < bodySize_) return std::nullopt;
+  return HTTPRequest{bytes.substr(0, methodEnd_),
+                     bytes.substr(methodEnd_ + 1, pathEnd_ - methodEnd_ - 1),
+                     bytes.substr(bodyStart_, bodySize_)};
+}
+
+void HTTPRequestParser::readHead(std::string_view head) {
+  state_ = State::unreadable;
+  if (validUtf8(head) != head) return;
+
+  std::size_t lineEnd = std::min(head.find(kLineEnd), head.size());
+  const std::string_view requestLine = head.substr(0, lineEnd);
+  methodEnd_ = requestLine.find(' ');
+  if (methodEnd_ == std::string_view::npos) return;
+  pathEnd_ = std::min(requestLine.find(' ', methodEnd_ + 1), requestLine.size());
+
+  while (lineEnd < head.size()) {
+    const std::size_t start = lineEnd + kLineEnd.size();
+    lineEnd = std::min(head.find(kLineEnd, start), head.size());
+    const std::string_view line = head.substr(start, lineEnd - start);
+    if (!isContentLength(line)) continue;
+    bodySize_ = announcedSize(withoutBlanks(line.substr(kContentLength.size())));
+  }
+  state_ = State::inBody;
+}
+
+}  // namespace tessum

@@ -1,0 +1,46 @@
+#include "core/http/http_response.h"
+
+namespace tessum {
+namespace {
+
+constexpr std::string_view kJson = "application/json";
+constexpr std::string_view kPlainText = "text/plain";
+constexpr std::string_view kGreeting =
+    "Tessum MCP Server \xE2\x80\x93 POST /mcp with a JSON-RPC 2.0 request.";
+constexpr std::string_view kNotFound = "Not found";
+
+std::string_view reasonPhrase(int status) {
+  if (status == 204) return "No Content";
+  if (status == 404) return "Not Found";
+  return "OK";
+}
+
+}  // namespace
+
+std::string responseHead(const HTTPResponse& response) {
+  std::string head = "HTTP/1.1 " + std::to_string(response.status) + " ";
+  head += reasonPhrase(response.status);
+  head += "\r\nContent-Type: ";
+  head += response.contentType;
+  head += "; charset=utf-8\r\nContent-Length: " + std::to_string(response.body.size());
+  head +=
+      "\r\nAccess-Control-Allow-Origin: *"
+      "\r\nAccess-Control-Allow-Methods: POST, GET, OPTIONS"
+      "\r\nAccess-Control-Allow-Headers: Content-Type"
+      "\r\nConnection: close"
+      "\r\n\r\n";
+  return head;
+}
+
+HTTPResponse respond(const HTTPRequest& request, const AnswerMessage& answerMessage) {
+  if (request.method == "OPTIONS") return {204, kJson, ""};
+  if (request.method == "POST" && request.path == "/mcp") {
+    return {200, kJson, answerMessage(request.body).value_or("")};
+  }
+  if (request.method == "GET" && request.path == "/") {
+    return {200, kPlainText, std::string(kGreeting)};
+  }
+  return {404, kPlainText, std::string(kNotFound)};
+}
+
+}  // namespace tessum

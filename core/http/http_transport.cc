@@ -1,0 +1,88 @@
+#include "core/http/http_transport.h"
+
+#include <asio/executor_work_guard.hpp>
+#include <asio/io_context.hpp>
+#include <asio/post.hpp>
+#include <future>
+#include <utility>
+#include <vector>
+
+#include "core/http/http_connection.h"
+#include "core/http/http_listener.h"
+
+namespace tessum {
+
+struct HTTPTransport::State {
+  explicit State(SerialQueue& serialQueue)
+      : queue(serialQueue), context(1), work(context.get_executor()) {}
+
+  // Runs `task` on the queue and returns what it returns, or throws what it throws.
+  template <typename Task>
+  auto onQueue(Task task) {
+    if (queue.isCurrent()) return task();
+    std::packaged_task<decltype(task())()> packaged(std::move(task));
+    auto result = packaged.get_future();
+    asio::post(context, [packaged = std::move(packaged)]() mutable { packaged(); });
+    return result.get();
+  }
+
+  void listen(std::uint16_t port) {
+    const auto next =
+        std::make_shared<HTTPListener>(context, [shared = service](asio::ip::tcp::socket socket) {
+          std::make_shared<HTTPConnection>(std::move(socket), shared)->start();
+        });
+    stop();  // only now, as the one before stays when there can be no other
+    listener = next;
+    listener->listen(port);
+  }
+
+  void stop() {
+    if (listener) listener->close();
+    listener.reset();
+  }
+
+  // Nothing is left afterwards that keeps the loop running for long.
+  void shutDown() {
+    stop();
+    service->handleBody = nullptr;
+    std::vector<std::shared_ptr<HTTPConnection>> connections;
+    for (HTTPConnection* const connection : service->connections) {
+      connections.push_back(connection->shared_from_this());
+    }
+    for (const auto& connection : connections) connection->serverIsGone();
+    work.reset();
+  }
+
+  SerialQueue& queue;
+  const std::shared_ptr<HTTPService> service = std::make_shared<HTTPService>();
+  asio::io_context context;
+  asio::executor_work_guard<asio::io_context::executor_type> work;
+  std::shared_ptr<HTTPListener> listener;
+};
+
+HTTPTransport::HTTPTransport(SerialQueue& queue, HandleBody handleBody)
+    : state_(std::make_shared<State>(queue)) {
+  state_->service->handleBody = std::move(handleBody);
+  queue.post([state = state_] { state->context.run(); });
+}
+
+HTTPTransport::~HTTPTransport() {
+  state_->onQueue([this] { state_->shutDown(); });
+}
+
+void HTTPTransport::listen(std::uint16_t port) {
+  state_->onQueue([&] { state_->listen(port); });
+}
+
+void HTTPTransport::stop() {
+  state_->onQueue([this] { state_->stop(); });
+}
+
+std::error_code HTTPTransport::listeningError() const {
+  return state_->onQueue([this]() -> std::error_code {
+    if (!state_->listener) return {};
+    return state_->listener->error();
+  });
+}
+
+}  // namespace tessum

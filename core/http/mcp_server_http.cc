@@ -1,0 +1,31 @@
+// The part of MCPServer that serves HTTP, kept from programs that do not.
+
+#include <string>
+
+#include "core/http/http_transport.h"
+#include "core/mcp/mcp_server.h"
+
+namespace tessum {
+
+void MCPServer::start() {
+  if (port_ == 0) throw MCPServerError::invalidPort(port_);
+  if (!transport_) {
+    transport_ = std::make_shared<HTTPTransport>(
+        queue_, [this](json::PaddedView body) { return handleBody(body); });
+  }
+  transport_->listen(port_);
+}
+
+void MCPServer::stop() {
+  if (transport_) transport_->stop();
+}
+
+std::error_code MCPServer::listeningError() const {
+  return transport_ ? transport_->listeningError() : std::error_code();
+}
+
+std::string MCPServer::endpointURL() const {
+  return "http://localhost:" + std::to_string(port_) + "/mcp";
+}
+
+}  // namespace tessum

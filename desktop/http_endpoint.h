@@ -1,0 +1,31 @@
+// The record, offered to assistants over HTTP by a program that does something else besides.
+
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "core/mcp/mcp_server.h"
+#include "core/platform/calendar.h"
+#include "core/platform/clock.h"
+
+namespace tessum {
+
+// Open from its making to its end. It has a connection of its own to the store, and a thread of
+// its own that answers. Main thread only.
+class HTTPEndpoint {
+ public:
+  // Serves the store at `databasePath` on `port`. `clock` and `calendar` must outlive the endpoint,
+  // whose thread uses them: nobody else may use the calendar meanwhile. Throws DatabaseError,
+  // MCPServerError::invalidPort, and std::system_error that says why the port cannot be had.
+  HTTPEndpoint(const std::string& databasePath, std::uint16_t port, const Clock& clock,
+               const Calendar& calendar);
+
+  // Where clients of this computer find it.
+  [[nodiscard]] std::string url() const { return server_.endpointURL(); }
+
+ private:
+  MCPServer server_;
+};
+
+}  // namespace tessum

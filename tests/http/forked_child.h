@@ -1,0 +1,53 @@
+// A copy of the test program, for what must not happen to the test program itself.
+
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <optional>
+
+namespace tessum {
+
+// Forked, so make it before the test makes any thread.
+class ForkedChild {
+ public:
+  // The child's end.
+  class Link {
+   public:
+    Link(int in, int out) : in_(in), out_(out) {}
+
+    // Tells the parent a number.
+    void report(int number);
+
+    // Returns when the parent calls release() or goes.
+    void waitUntilReleased();
+
+   private:
+    int in_;
+    int out_;
+  };
+
+  // Runs `body` in a child, which then ends with status 0.
+  explicit ForkedChild(const std::function<void(Link&)>& body);
+  ~ForkedChild();
+  ForkedChild(const ForkedChild&) = delete;
+  ForkedChild& operator=(const ForkedChild&) = delete;
+
+  // The next number the child tells; absent when it has ended without.
+  [[nodiscard]] std::optional<int> reported();
+
+  // Lets the child go and gives its status; that of one that ended by a signal is negative.
+  int release();
+
+  // The processor time that a released child has used.
+  [[nodiscard]] double processorSeconds() const { return processorSeconds_; }
+
+ private:
+  pid_t process_ = -1;
+  int in_ = -1;
+  int out_ = -1;
+  double processorSeconds_ = 0;
+};
+
+}  // namespace tessum

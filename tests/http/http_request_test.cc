@@ -1,0 +1,182 @@
+#include "core/http/http_request.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessum {
+namespace {
+
+using std::string_literals::operator""s;
+
+struct Case {
+  std::string bytes;
+  std::optional<HTTPRequest> request;
+};
+
+std::string withLength(const std::string& line) {
+  return "POST /mcp HTTP/1.1\r\n" + line + "\r\n\r\nabcdef";
+}
+
+HTTPRequest post(std::string_view body) {
+  return {"POST", "/mcp", body};
+}
+
+const std::vector<Case>& cases() {
+  static const std::vector<Case> kCases = {
+      // Complete requests.
+      {"GET / HTTP/1.1\r\n\r\n", HTTPRequest{"GET", "/", ""}},
+      {"GET / HTTP/1.1\r\nHost: localhost\r\nAccept: */*\r\n\r\n", HTTPRequest{"GET", "/", ""}},
+      {"POST /mcp HTTP/1.1\r\nContent-Length: 4\r\n\r\nbody", post("body")},
+      {"POST /mcp HTTP/1.1\r\n\r\n", post("")},
+      {"\r\nGET / HTTP/1.1\r\n\r\n", std::nullopt},
+
+      // The request line.
+      {"get /Path?query=1#x HTTP/1.1\r\n\r\n", HTTPRequest{"get", "/Path?query=1#x", ""}},
+      {"GET /\r\n\r\n", HTTPRequest{"GET", "/", ""}},
+      {"GET  / HTTP/1.1\r\n\r\n", HTTPRequest{"GET", "", ""}},
+      {"GET \r\n\r\n", HTTPRequest{"GET", "", ""}},
+      {" GET / HTTP/1.1\r\n\r\n", HTTPRequest{"", "GET", ""}},
+      {" \r\n\r\n", HTTPRequest{"", "", ""}},
+      {"GET / HTTP/1.1 and more words\r\n\r\n", HTTPRequest{"GET", "/", ""}},
+      {"GET\t/ HTTP/1.1\r\n\r\n", HTTPRequest{"GET\t/", "HTTP/1.1", ""}},
+      {"GET /a\nb\rc HTTP/1.1\r\n\r\n", HTTPRequest{"GET", "/a\nb\rc", ""}},
+      {"GET /\xC3\xA9 HTTP/1.1\r\n\r\n", HTTPRequest{"GET", "/\xC3\xA9", ""}},
+      {"G\0T / HTTP/1.1\r\n\r\n"s, HTTPRequest{std::string_view("G\0T", 3), "/", ""}},
+      {"GET\r\n\r\n", std::nullopt},
+      {"\r\n\r\n", std::nullopt},
+      {"\r\n\r\nGET / HTTP/1.1\r\n\r\n", std::nullopt},
+      {"GET\r\n/ HTTP/1.1\r\n\r\n", std::nullopt},
+
+      // Heads that have not ended.
+      {"", std::nullopt},
+      {"GET / HTTP/1.1", std::nullopt},
+      {"GET / HTTP/1.1\r\n", std::nullopt},
+      {"GET / HTTP/1.1\r\n\r", std::nullopt},
+      {"GET / HTTP/1.1\n\n", std::nullopt},
+      {"GET / HTTP/1.1\r\n \r\n", std::nullopt},
+      {"GET / HTTP/1.1\r\r\n\n", std::nullopt},
+
+      // Text that is not UTF-8 makes the head unreadable; in the body it is welcome.
+      {"GET /\xFF HTTP/1.1\r\n\r\n", std::nullopt},
+      {"GET / HTTP/1.1\r\nName: \xC3\r\n\r\n", std::nullopt},
+      {"GET / HTTP/1.1\r\nName: \xED\xA0\x80\r\n\r\n", std::nullopt},
+      {"GET / HTTP/1.1\r\nName: \xEF\xBF\xBD\r\n\r\n", HTTPRequest{"GET", "/", ""}},
+      {"POST /mcp HTTP/1.1\r\nContent-Length: 2\r\n\r\n\xFF\xC3", post("\xFF\xC3")},
+
+      // The length of the body.
+      {withLength("Content-Length: 3"), post("abc")},
+      {withLength("Content-Length: 6"), post("abcdef")},
+      {withLength("Content-Length: 7"), std::nullopt},
+      {withLength("Content-Length: 0"), post("")},
+      {withLength("CONTENT-LENGTH: 3"), post("abc")},
+      {withLength("cOnTeNt-LeNgTh:3"), post("abc")},
+      {withLength("Content-Length: \t 3 \t "), post("abc")},
+      {withLength("Content-Length: +3"), post("abc")},
+      {withLength("Content-Length: 0003"), post("abc")},
+      {withLength("Content-Length: -3"), post("")},
+      {withLength("Content-Length: -0"), post("")},
+      {withLength("Content-Length: abc"), post("")},
+      {withLength("Content-Length: 3abc"), post("")},
+      {withLength("Content-Length: 3 3"), post("")},
+      {withLength("Content-Length: 3.0"), post("")},
+      {withLength("Content-Length: 0x3"), post("")},
+      {withLength("Content-Length: +"), post("")},
+      {withLength("Content-Length: -"), post("")},
+      {withLength("Content-Length: +-3"), post("")},
+      {withLength("Content-Length: ++3"), post("")},
+      {withLength("Content-Length: + 3"), post("")},
+      {withLength("Content-Length:"), post("")},
+      {withLength("Content-Length: \xD9\xA3"), post("")},  // an Arabic three
+      {withLength("Content-Length: 3\r"), post("")},
+      {withLength("Content-Length: 9223372036854775807"), std::nullopt},
+      {withLength("Content-Length: 9223372036854775808"), post("")},
+      {withLength("Content-Length: 18446744073709551615"), post("")},
+      {withLength("Content-Length: 99999999999999999999999999"), post("")},
+      {withLength("Content-Length: -9223372036854775808"), post("")},
+      {withLength("Content-Length: -9223372036854775809"), post("")},
+      {withLength("Content-Length : 3"), post("")},
+      {withLength(" Content-Length: 3"), post("")},
+      {withLength("X-Content-Length: 3"), post("")},
+      {withLength("Content-Lengt: 3"), post("")},
+      {withLength("Content_Length: 3"), post("")},
+      {withLength("Name: a\nContent-Length: 3"), post("")},
+      {"Content-Length: 3 HTTP/1.1\r\n\r\nabc", HTTPRequest{"Content-Length:", "3", ""}},
+
+      // The last length counts, also when it is none.
+      {withLength("Content-Length: 5\r\nContent-Length: 2"), post("ab")},
+      {withLength("Content-Length: 99\r\ncontent-length: 2"), post("ab")},
+      {withLength("Content-Length: 5\r\nContent-Length: none"), post("")},
+      {withLength("Content-Length: 5\r\nHost: x"), post("abcde")},
+
+      // Terminators inside the body are part of it.
+      {"POST /mcp HTTP/1.1\r\nContent-Length: 8\r\n\r\n\r\n\r\n\r\n\r\n", post("\r\n\r\n\r\n\r\n")},
+      {"POST /mcp HTTP/1.1\r\n\r\nGET / HTTP/1.1\r\n\r\n", post("")},
+  };
+  return kCases;
+}
+
+std::string described(const std::string& bytes) {
+  return testing::PrintToString(bytes);
+}
+
+TEST(ParseHTTPRequest, FindsTheRequestInTheBytes) {
+  for (const Case& each : cases()) {
+    EXPECT_EQ(parseHTTPRequest(each.bytes), each.request) << described(each.bytes);
+  }
+}
+
+// The bytes are moved before each call, as a growing buffer moves them.
+TEST(HTTPRequestParser, FindsTheSameWhereverTheBytesAreCut) {
+  for (const Case& each : cases()) {
+    for (std::size_t cut = 0; cut <= each.bytes.size(); ++cut) {
+      HTTPRequestParser parser;
+      const std::string first = each.bytes.substr(0, cut);
+      const std::string second = each.bytes;
+      const auto early = parser.parse(first);
+      EXPECT_EQ(early, parseHTTPRequest(first)) << described(first);
+      if (early) continue;
+      EXPECT_EQ(parser.parse(second), each.request) << described(second) << " cut at " << cut;
+    }
+  }
+}
+
+TEST(HTTPRequestParser, FindsTheSameByteByByte) {
+  for (const Case& each : cases()) {
+    HTTPRequestParser parser;
+    std::optional<HTTPRequest> found;
+    std::string arrived;
+    for (const char byte : each.bytes) {
+      arrived += byte;
+      found = parser.parse(arrived);
+      EXPECT_EQ(found, parseHTTPRequest(arrived)) << described(arrived);
+      if (found) break;
+    }
+    if (each.bytes.empty()) continue;
+    EXPECT_EQ(found.has_value(), each.request.has_value()) << described(each.bytes);
+    if (found && each.request) {
+      EXPECT_EQ(*found, *each.request);
+    }
+  }
+}
+
+TEST(HTTPRequestParser, KnowsWhenNoFurtherBytesHelp) {
+  const auto isUnreadable = [](std::string_view bytes) {
+    HTTPRequestParser parser;
+    EXPECT_EQ(parser.parse(bytes), std::nullopt);
+    return parser.isUnreadable();
+  };
+  EXPECT_TRUE(isUnreadable("GET\r\n\r\n"));
+  EXPECT_TRUE(isUnreadable("\r\n\r\n"));
+  EXPECT_TRUE(isUnreadable("GET / \xFF\r\n\r\n"));
+  EXPECT_FALSE(isUnreadable("GET / \xFF\r\n"));  // the head may hold anything until it ends
+  EXPECT_FALSE(isUnreadable(""));
+  EXPECT_FALSE(isUnreadable("POST / HTTP/1.1\r\nContent-Length: 1\r\n\r\n"));
+}
+
+}  // namespace
+}  // namespace tessum
