@@ -123,6 +123,8 @@ class Transfer {
   [[nodiscard]] SteadyClock::time_point lastActivity() const { return lastActivity_; }
 
   void end(CURLcode result) {
+    // An answer that breaks off within its headers is an empty one to libcurl.
+    if (result == CURLE_OK && !hasHeaders_) result = CURLE_PARTIAL_FILE;
     std::optional<std::string> failure;
     if (result != CURLE_OK) failure = thrown_ ? *thrown_ : curl_easy_strerror(result);
     const std::lock_guard lock(mutex_);
@@ -134,9 +136,15 @@ class Transfer {
   void close() { easy_.reset(); }
 
  private:
-  static std::size_t receiveHeader(char*, std::size_t size, std::size_t count, void* self) {
-    static_cast<Transfer*>(self)->lastActivity_ = SteadyClock::now();
-    return size * count;
+  // Called with each line, the empty one behind the headers included; those that may follow a
+  // body have no such end.
+  static std::size_t receiveHeader(char* line, std::size_t size, std::size_t count, void* self) {
+    auto* const transfer = static_cast<Transfer*>(self);
+    transfer->lastActivity_ = SteadyClock::now();
+    const std::string_view text(line, size * count);
+    if (text.starts_with("HTTP/")) transfer->hasHeaders_ = false;
+    if (text == "\r\n" || text == "\n") transfer->hasHeaders_ = true;
+    return text.size();
   }
 
   static std::size_t receiveBody(char* bytes, std::size_t size, std::size_t count, void* self) {
@@ -188,6 +196,7 @@ class Transfer {
 
   Easy easy_;
   SteadyClock::time_point lastActivity_;
+  bool hasHeaders_ = false;            // whether those of the last answer are complete
   std::optional<std::string> thrown_;  // by onData
   std::optional<HttpHead> head_;       // known once the body begins
 };

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <exception>
 #include <future>
 #include <map>
@@ -220,6 +221,7 @@ class UpdateChecker::Worker : public std::enable_shared_from_this<Worker> {
   [[nodiscard]] std::string stored(TemporaryFile& file, const HttpHead& head) const {
     const std::string path =
         updatesFolder() + "/" + suggestedFileName(head.url, head.contentDisposition);
+    std::remove(path.c_str());  // an empty folder, too, must not stand in the way
     file.moveTo(path);
     return fileUrl(path);
   }

@@ -142,7 +142,7 @@ bool HttpsConnection::respond(std::string_view body, std::string_view headers,
                               std::string_view status) {
   std::string answer = "HTTP/1.1 ";
   answer.append(status).append("\r\n").append(headers);
-  answer += "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n";
+  answer += "Connection: close\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n";
   return send(answer) && send(body);
 }
 

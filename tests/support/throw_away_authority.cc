@@ -72,11 +72,15 @@ std::string pemOf(const Certificate& certificate) {
 }  // namespace
 
 struct ThrowAwayAuthority::Keys {
-  Key key = newKey();
-  Certificate certificate = newCertificate(key, "Throw-away authority", 1, 30, nullptr);
+  explicit Keys(const std::string& name)
+      : key(newKey()), certificate(newCertificate(key, name, 1, 30, nullptr)) {}
+
+  const Key key;
+  const Certificate certificate;
 };
 
-ThrowAwayAuthority::ThrowAwayAuthority() : keys_(std::make_unique<Keys>()) {
+ThrowAwayAuthority::ThrowAwayAuthority(const std::string& name)
+    : keys_(std::make_unique<Keys>(name)) {
   X509* const own = keys_->certificate.get();
   addExtension(own, own, NID_basic_constraints, "critical,CA:TRUE");
   addExtension(own, own, NID_key_usage, "critical,keyCertSign,cRLSign");

@@ -16,7 +16,7 @@ class ThrowAwayAuthority {
     std::string key;
   };
 
-  ThrowAwayAuthority();
+  explicit ThrowAwayAuthority(const std::string& name = "Throw-away authority");
   ~ThrowAwayAuthority();
   ThrowAwayAuthority(const ThrowAwayAuthority&) = delete;
   ThrowAwayAuthority& operator=(const ThrowAwayAuthority&) = delete;
