@@ -7,6 +7,7 @@
 
 #include "desktop/client_commands.h"
 #include "desktop/command.h"
+#include "desktop/update_command.h"
 
 namespace tessum {
 namespace {
@@ -22,6 +23,7 @@ int runCommand(int argc, char** argv) {
                "Tessum");
   app.require_subcommand(1);
   addClientCommands(app, host);
+  addUpdateCommand(app, host);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

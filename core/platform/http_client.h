@@ -1,0 +1,78 @@
+// Fetches what lies at an HTTPS address.
+
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tessum {
+
+// What is known of an answer besides its body. Its status is not: whatever comes is the answer.
+struct HttpHead {
+  std::string url;  // the address that answered, which a redirect may have changed
+  std::optional<std::string> contentDisposition;  // the header's value as it was sent
+  std::optional<std::int64_t> contentLength;      // bytes of the whole body, when declared
+};
+
+// What hears of one transfer. Called on the client's own thread, which serves all transfers, so
+// neither may block.
+struct HttpEvents {
+  // The next bytes of the body, at least one. What it throws ends the transfer as a failure with
+  // the exception's text.
+  std::function<void(const HttpHead& head, std::string_view bytes)> onData;
+
+  // The end; nothing follows. `failure` describes what went wrong and is absent when the whole
+  // body came. Must not throw.
+  std::function<void(const HttpHead& head, const std::optional<std::string>& failure)> onEnd;
+};
+
+// One transfer. Destroying it ends it, with all that its events hold: once the destructor has
+// returned, none of them runs nor will. Any thread, but not from one of its own events.
+class HttpTransfer {
+ public:
+  virtual ~HttpTransfer() = default;
+};
+
+// Any thread. A client must outlive its transfers.
+class HttpClient {
+ public:
+  virtual ~HttpClient() = default;
+
+  // Starts a plain GET of `url`. Redirects are followed, to HTTPS addresses only.
+  [[nodiscard]] virtual std::unique_ptr<HttpTransfer> get(const std::string& url,
+                                                          HttpEvents events) = 0;
+};
+
+// The client over libcurl: HTTP/1.1, certificates checked, no headers but Host and Accept, proxies
+// as the environment names them. Failures are in libcurl's words. A thread of its own runs all
+// transfers; destroying the client ends it without waiting for the network.
+class CurlHttpClient final : public HttpClient {
+ public:
+  struct Settings {
+    // A file of certificates (PEM) of the authorities to trust instead of the system's, for a
+    // network with an authority of its own.
+    std::optional<std::string> authoritiesFile;
+
+    // How long a transfer may go without receiving anything, while connecting too.
+    double idleSeconds = 60;
+  };
+
+  CurlHttpClient() : CurlHttpClient(Settings()) {}
+  explicit CurlHttpClient(Settings settings);
+  ~CurlHttpClient() override;
+  CurlHttpClient(const CurlHttpClient&) = delete;
+  CurlHttpClient& operator=(const CurlHttpClient&) = delete;
+
+  [[nodiscard]] std::unique_ptr<HttpTransfer> get(const std::string& url,
+                                                  HttpEvents events) override;
+
+ private:
+  class Loop;
+  std::unique_ptr<Loop> loop_;
+};
+
+}  // namespace tessum

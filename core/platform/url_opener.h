@@ -1,0 +1,25 @@
+// Hands things to the user's own applications.
+
+#pragma once
+
+#include <string>
+
+namespace tessum {
+
+// Any thread.
+class UrlOpener {
+ public:
+  virtual ~UrlOpener() = default;
+
+  // Asks the user's desktop to open `url` with the application meant for it, and does not wait
+  // for that. Nobody learns whether it worked.
+  virtual void open(const std::string& url) const = 0;
+};
+
+// The desktop of this system.
+class SystemUrlOpener final : public UrlOpener {
+ public:
+  void open(const std::string& url) const override;
+};
+
+}  // namespace tessum

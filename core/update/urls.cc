@@ -1,0 +1,115 @@
+#include "core/update/urls.h"
+
+#include <cstddef>
+#include <optional>
+
+namespace tessum {
+namespace {
+
+constexpr std::string_view kLettersAndDigits =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+
+bool isLetterOrDigit(char c) {
+  return kLettersAndDigits.find(c) != std::string_view::npos;
+}
+
+// What may stand in a URL's path as it is, by RFC 3986, and the slash between its segments.
+bool isPathCharacter(char c) {
+  constexpr std::string_view kMarks = "-._~!$&'()*+,;=:@/";
+  return isLetterOrDigit(c) || kMarks.find(c) != std::string_view::npos;
+}
+
+void appendPercentEncoded(std::string& out, std::string_view path) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  for (const char c : path) {
+    if (isPathCharacter(c)) {
+      out += c;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(c);
+    out += '%';
+    out += kDigits[byte >> 4];
+    out += kDigits[byte & 15];
+  }
+}
+
+// `base` and the path `component` with exactly one slash between them.
+std::string appended(std::string_view base, std::string_view component) {
+  while (base.ends_with('/')) base.remove_suffix(1);
+  std::string url(base);
+  url += '/';
+  appendPercentEncoded(url, component);
+  return url;
+}
+
+std::optional<unsigned> hexDigit(char c) {
+  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
+  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
+  if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
+  return std::nullopt;
+}
+
+// The byte that the percent sign at `at` and the two characters behind it stand for.
+std::optional<char> encodedByte(std::string_view text, std::size_t at) {
+  if (text[at] != '%' || text.size() - at < 3) return std::nullopt;
+  const auto high = hexDigit(text[at + 1]);
+  const auto low = hexDigit(text[at + 2]);
+  if (!high || !low) return std::nullopt;
+  return static_cast<char>(static_cast<unsigned char>(*high << 4 | *low));
+}
+
+}  // namespace
+
+std::vector<std::string> configuredBaseUrls() {
+  return {TESSUM_UPDATE_PRIMARY_URL, TESSUM_UPDATE_FALLBACK_URL};
+}
+
+// cmake/TessumUpdateUrls.cmake refuses the same texts when the build is configured.
+bool isBaseUrl(std::string_view text) {
+  constexpr std::string_view kScheme = "https://";
+  if (!text.starts_with(kScheme)) return false;
+  text.remove_prefix(kScheme.size());
+  const std::string_view authority = text.substr(0, text.find('/'));
+  if (authority.empty() || !(isLetterOrDigit(authority.front()) || authority.front() == '[')) {
+    return false;
+  }
+  for (const char c : authority) {
+    if (!isLetterOrDigit(c) && std::string_view("-._~:[]").find(c) == std::string_view::npos) {
+      return false;
+    }
+  }
+  for (const char c : text.substr(authority.size())) {
+    if (!isPathCharacter(c) && c != '%') return false;
+  }
+  return true;
+}
+
+std::string latestReleaseUrl(std::string_view base) {
+  return appended(base, "releases/macos/latest");
+}
+
+std::string assetUrl(std::string_view base, std::string_view tag, std::string_view name) {
+  std::string component = "releases/macos/";
+  component += tag;
+  component += "/assets/";
+  component += name;
+  return appended(base, component);
+}
+
+std::string fileUrl(std::string_view path) {
+  std::string url = "file://";
+  appendPercentEncoded(url, path);
+  return url;
+}
+
+std::string percentDecoded(std::string_view text) {
+  std::string decoded;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = encodedByte(text, at);
+    decoded += byte.value_or(text[at]);
+    if (byte) at += 2;
+  }
+  return decoded;
+}
+
+}  // namespace tessum

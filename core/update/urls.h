@@ -1,0 +1,32 @@
+// The addresses of the release service, composed from a base URL.
+
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessum {
+
+// The service's base URLs that this build was made with: the primary one, then the fallback.
+[[nodiscard]] std::vector<std::string> configuredBaseUrls();
+
+// Whether `text` is an absolute HTTPS URL that a path can be appended to: a host, perhaps a port
+// and a path, and nothing behind them.
+[[nodiscard]] bool isBaseUrl(std::string_view text);
+
+// Where the newest release is described.
+[[nodiscard]] std::string latestReleaseUrl(std::string_view base);
+
+// Where the file `name` of the release `tag` lies. Slashes in either stay; what may not stand in
+// a URL's path is percent-encoded.
+[[nodiscard]] std::string assetUrl(std::string_view base, std::string_view tag,
+                                   std::string_view name);
+
+// The file URL of an absolute path.
+[[nodiscard]] std::string fileUrl(std::string_view path);
+
+// `text` with each "%" and two hexadecimal digits replaced by that byte; any other "%" stays.
+[[nodiscard]] std::string percentDecoded(std::string_view text);
+
+}  // namespace tessum

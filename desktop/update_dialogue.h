@@ -1,0 +1,63 @@
+// What the host program tells a person about new releases.
+
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "core/update/update_checker.h"
+
+namespace tessum {
+
+// One line of text, with its line end, for a person.
+using Say = std::function<void(std::string_view line)>;
+
+// The command "update": one check, and on wish the download of what it found. Main thread only.
+class UpdateDialogue {
+ public:
+  struct Output {
+    Say tell;      // results
+    Say complain;  // failures
+
+    // Shows `text` in place of what was shown before; empty where nobody watches.
+    std::function<void(std::string_view text)> showProgress;
+  };
+
+  // Takes the observer's place at `checker`, which must outlive this object. `onEnd` is called
+  // once, with the exit status.
+  UpdateDialogue(UpdateChecker& checker, bool downloads, Output output,
+                 std::function<void(int status)> onEnd);
+  ~UpdateDialogue();
+  UpdateDialogue(const UpdateDialogue&) = delete;
+  UpdateDialogue& operator=(const UpdateDialogue&) = delete;
+
+  void start();
+
+ private:
+  void on(const update_state::Idle&) {}
+  void on(const update_state::Checking&) {}
+  void on(const update_state::Available& found);
+  void on(const update_state::UpToDate&);
+  void on(const update_state::Downloading& download);
+  void on(const update_state::ReadyToInstall& image);
+  void on(const update_state::Error& error);
+  void clearProgress();
+
+  UpdateChecker& checker_;
+  const bool downloads_;
+  const Output output_;
+  const std::function<void(int)> onEnd_;
+  std::string version_;   // the running one
+  std::string progress_;  // as it is shown
+};
+
+// The progress of a download as text of one line, such as "[████      ]  40 %".
+[[nodiscard]] std::string progressText(double fraction);
+
+// Checks now and every six hours, and says in one line when a release appears that is newer than
+// the running version: once for each release. Failures are not worth a line. Takes the observer's
+// place at `checker`. Main thread only.
+void announceReleases(UpdateChecker& checker, Say say);
+
+}  // namespace tessum
