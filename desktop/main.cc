@@ -6,6 +6,7 @@
 #include <exception>
 
 #include "desktop/command.h"
+#include "desktop/record_command.h"
 
 namespace tessum {
 namespace {
@@ -19,6 +20,7 @@ int runCommand(int argc, char** argv) {
   CLI::App app("Keeps a record of your day on this computer, for you and your AI assistants.",
                "Tessum");
   app.require_subcommand(1);
+  addRecordCommand(app, host);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -145,8 +145,8 @@ void SystemMainLoop::post(Task task) {
 }
 
 MainLoop::TimerToken SystemMainLoop::startTimer(double seconds, Task task) {
-  const auto interval = std::chrono::duration_cast<SteadyClock::duration>(
-      std::chrono::duration<double>(seconds));
+  const auto interval =
+      std::chrono::duration_cast<SteadyClock::duration>(std::chrono::duration<double>(seconds));
   const TimerToken token{++state_->lastToken};
   state_->timers[token] = {interval, SteadyClock::now() + interval, std::move(task)};
   return token;

@@ -20,14 +20,14 @@ class WorkspaceUnavailable : public std::runtime_error {
 
 // What a workspace has to tell about itself.
 struct WorkspaceNotice {
-  std::string text;     // one sentence, for a person
+  std::string text;      // one sentence, for a person
   bool isFinal = false;  // the desktop is gone: no application will be seen any more
 };
 
 using WorkspaceNoticeHandler = std::function<void(const WorkspaceNotice&)>;
 
-// A workspace driven by `loop`, which must outlive it; `notice` is called from the loop. Throws
-// WorkspaceUnavailable. Main thread only.
+// A workspace driven by `loop`, which must outlive it; `notice` is called before this returns or
+// from the loop. Throws WorkspaceUnavailable. Main thread only.
 [[nodiscard]] std::unique_ptr<Workspace> openSystemWorkspace(SystemMainLoop& loop,
                                                              WorkspaceNoticeHandler notice);
 
