@@ -1,5 +1,6 @@
 #include "desktop/recorder.h"
 
+#include <signal.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -18,6 +19,12 @@ void say(const std::string& text) {
 // What goes well is of interest only while a person watches.
 void sayToPerson(const std::string& text) {
   if (isatty(STDERR_FILENO) != 0) say(text);
+}
+
+// Writing to a display that has gone away is to fail, not to end the program. A handler and not
+// SIG_IGN, which programs started from here would keep.
+void surviveBrokenPipes() {
+  signal(SIGPIPE, [](int) {});
 }
 
 std::string preparedFolder(const Host& host) {
@@ -43,6 +50,7 @@ Recorder::Recorder(const Host& host)
       monitor_(database_, host.clock, *workspace_, loop_) {}
 
 int Recorder::run() {
+  surviveBrokenPipes();
   monitor_.start();
   sayToPerson("Recording into " + database_->path() + ". Press Control-C to stop.");
   loop_.run();

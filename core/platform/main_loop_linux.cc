@@ -79,8 +79,10 @@ struct SystemMainLoop::State {
       if (errno == EINTR) return {};
       throw std::system_error(errno, std::generic_category(), "Cannot wait for events");
     }
-    eventfd_t ignored = 0;
-    eventfd_read(wakeUp.number(), &ignored);
+    if (descriptors.front().revents != 0) {
+      eventfd_t ignored = 0;
+      eventfd_read(wakeUp.number(), &ignored);
+    }
 
     std::vector<WatchToken> readable;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
