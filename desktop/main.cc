@@ -7,6 +7,7 @@
 
 #include "desktop/client_commands.h"
 #include "desktop/command.h"
+#include "desktop/record_command.h"
 #include "desktop/update_command.h"
 
 namespace tessum {
@@ -23,6 +24,7 @@ int runCommand(int argc, char** argv) {
                "Tessum");
   app.require_subcommand(1);
   addClientCommands(app, host);
+  addRecordCommand(app, host);
   addUpdateCommand(app, host);
   try {
     app.parse(argc, argv);

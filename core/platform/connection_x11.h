@@ -1,0 +1,95 @@
+// A connection to an X server, with the few requests that watching windows takes.
+
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct xcb_connection_t;
+
+namespace tessum {
+
+// The names of properties and types, as the server numbers them.
+struct X11Atoms {
+  std::uint32_t activeWindow;        // _NET_ACTIVE_WINDOW
+  std::uint32_t windowManagerCheck;  // _NET_SUPPORTING_WM_CHECK
+  std::uint32_t netName;             // _NET_WM_NAME
+  std::uint32_t process;             // _NET_WM_PID
+  std::uint32_t applicationId;       // _GTK_APPLICATION_ID
+  std::uint32_t desktopFile;         // _KDE_NET_WM_DESKTOP_FILE
+  std::uint32_t name;                // WM_NAME
+  std::uint32_t windowClass;         // WM_CLASS
+  std::uint32_t clientMachine;       // WM_CLIENT_MACHINE
+  std::uint32_t utf8String;          // types
+  std::uint32_t compoundText;
+};
+
+// The value of a property: of text, or of numbers, which are here as they lie in memory.
+struct X11Property {
+  std::uint32_t type;
+  int bitsPerItem;
+  std::string bytes;
+
+  // The first number; absent when there is none of 32 bits.
+  [[nodiscard]] std::optional<std::uint32_t> number() const;
+};
+
+struct X11Event {
+  enum class Kind { propertyChanged, windowDestroyed, other };
+
+  Kind kind;
+  std::uint32_t window;
+  std::uint32_t property;  // 0 but for propertyChanged
+};
+
+// Not thread-safe. Once the connection is lost, every request gives nothing.
+class X11Connection {
+ public:
+  // Connects to the server that `display` names, such as ":0". Throws WorkspaceUnavailable.
+  explicit X11Connection(const std::string& display);
+  ~X11Connection();
+  X11Connection(const X11Connection&) = delete;
+  X11Connection& operator=(const X11Connection&) = delete;
+
+  // Readable when events wait; owned by the connection.
+  [[nodiscard]] int descriptor() const;
+
+  [[nodiscard]] bool isLost() const;
+  [[nodiscard]] std::uint32_t rootWindow() const { return rootWindow_; }
+  [[nodiscard]] const X11Atoms& atoms() const { return atoms_; }
+
+  // Asks for the events of changed properties of `window`, or of its end.
+  void watchProperties(std::uint32_t window);
+  void watchDestruction(std::uint32_t window);
+
+  // The properties of `window` in the order of `names`, each absent where the window has none of
+  // that name; absent as a whole when there is no such window. One round trip.
+  [[nodiscard]] std::optional<std::vector<std::optional<X11Property>>> properties(
+      std::uint32_t window, const std::vector<std::uint32_t>& names);
+
+  // Whether an event came in with a reply: then the descriptor does not tell of it.
+  [[nodiscard]] bool hasReceivedEvent();
+
+  // The next event that is here, without waiting for one.
+  [[nodiscard]] std::optional<X11Event> nextEvent();
+
+ private:
+  struct Disconnect {
+    void operator()(xcb_connection_t* connection) const;
+  };
+  struct Free {
+    void operator()(void* memory) const;
+  };
+
+  void watch(std::uint32_t window, std::uint32_t eventMask);
+
+  std::unique_ptr<xcb_connection_t, Disconnect> connection_;
+  std::uint32_t rootWindow_ = 0;
+  X11Atoms atoms_{};
+  std::unique_ptr<void, Free> received_;  // an event that was looked at but not yet taken
+};
+
+}  // namespace tessum

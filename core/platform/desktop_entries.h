@@ -1,0 +1,74 @@
+// Desktop entries: the files in which applications give their names to a Linux desktop.
+
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tessum {
+
+// What a desktop entry says about its application.
+struct DesktopEntry {
+  std::string name;                           // in the user's language where it is given
+  std::optional<std::string> startupWMClass;  // class or instance of the application's windows
+
+  friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
+};
+
+// The keys' suffixes to look for, the best first, for the value of a variable such as LANG:
+// de_DE@euro, de_DE, de@euro and de for "de_DE.UTF-8@euro", none for "C".
+[[nodiscard]] std::vector<std::string> localeSuffixes(std::string_view locale);
+
+// Reads the text of a desktop entry. Absent when it is none of an application, is marked as
+// deleted or has no name.
+[[nodiscard]] std::optional<DesktopEntry> parseDesktopEntry(
+    std::string_view text, const std::vector<std::string>& localeSuffixes);
+
+// The folders that hold desktop entries, those that come first before the others: below
+// `dataHome`, then below each folder of `dataFolders`, which are separated by colons.
+[[nodiscard]] std::vector<std::string> applicationFolders(std::string_view dataHome,
+                                                          std::string_view dataFolders);
+
+// The desktop entries of some folders and those below them. An entry's id is its path below the
+// folder, with dashes for slashes and without ".desktop". Of entries with one id the first
+// folder's counts; if that is marked as deleted, there is none. Not thread-safe.
+class DesktopEntries {
+ public:
+  struct Match {
+    std::string id;
+    DesktopEntry entry;
+  };
+
+  // Reads nothing yet.
+  DesktopEntries(std::vector<std::string> folders, std::vector<std::string> localeSuffixes)
+      : folders_(std::move(folders)), localeSuffixes_(std::move(localeSuffixes)) {}
+
+  // Reads the folders again if files came or went since they were last read.
+  void refresh();
+
+  // The entry with that id; `id` may end in ".desktop", and may be a path, of which only the last
+  // part counts.
+  [[nodiscard]] std::optional<Match> withId(std::string_view id) const;
+
+  // The entry that claims windows of that instance or class, else the one whose id is one of them
+  // but for the case of its letters. The instance comes first: it tells applications apart that
+  // run inside another one.
+  [[nodiscard]] std::optional<Match> forWindowClass(const std::string& instance,
+                                                    const std::string& windowClass) const;
+
+ private:
+  void readFolder(const std::string& folder, const std::string& idPrefix, int depth);
+
+  std::vector<std::string> folders_;
+  std::vector<std::string> localeSuffixes_;
+  bool hasRead_ = false;
+  std::vector<std::pair<std::string, std::int64_t>> readFolders_;  // each with its time of change
+  std::map<std::string, std::optional<DesktopEntry>, std::less<>> entries_;  // by id
+};
+
+}  // namespace tessum

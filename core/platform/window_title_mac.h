@@ -1,0 +1,16 @@
+// Window titles of other applications on macOS.
+
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tessum {
+
+// The title of the focused window of the process, as it is. Absent when the process has none, its
+// title is no text, or the user has not let this program see it; it does not ask. Main thread
+// only.
+[[nodiscard]] std::optional<std::string> focusedWindowTitleOf(std::int32_t process);
+
+}  // namespace tessum

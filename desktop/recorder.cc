@@ -1,0 +1,70 @@
+#include "desktop/recorder.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <stdexcept>
+#include <utility>
+
+#include "core/platform/folders.h"
+
+namespace tessum {
+namespace {
+
+void say(const std::string& text) {
+  std::fprintf(stderr, "Tessum: %s\n", text.c_str());
+}
+
+// What goes well is of interest only while a person watches.
+void sayToPerson(const std::string& text) {
+  if (isatty(STDERR_FILENO) != 0) say(text);
+}
+
+// Writing to a display that has gone away is to fail, not to end the program. A handler and not
+// SIG_IGN, which programs started from here would keep.
+void surviveBrokenPipes() {
+  signal(SIGPIPE, [](int) {});
+}
+
+std::string preparedFolder(const Host& host) {
+  auto folder = host.locations.dataFolder();
+  createPrivateFolders(folder);
+  return folder;
+}
+
+FileLock lockOf(const std::string& folder) {
+  auto lock = FileLock::take(folder + "/recorder.lock");
+  if (!lock) throw std::runtime_error("Another recorder is already writing to " + folder + ".");
+  return std::move(*lock);
+}
+
+}  // namespace
+
+Recorder::Recorder(const Host& host)
+    : folder_(preparedFolder(host)),
+      lock_(lockOf(folder_)),
+      signals_(loop_, [this] { loop_.quit(); }),
+      database_(std::make_shared<Database>(folder_ + "/activities.db", host.calendar)),
+      workspace_(openSystemWorkspace(loop_, [this](const auto& notice) { handle(notice); })),
+      monitor_(database_, host.clock, *workspace_, loop_) {}
+
+int Recorder::run() {
+  surviveBrokenPipes();
+  monitor_.start();
+  sayToPerson("Recording into " + database_->path() + ". Press Control-C to stop.");
+  loop_.run();
+  monitor_.stop();
+  sayToPerson("Recording has stopped.");
+  return status_;
+}
+
+// A recorder of a desktop that is gone would only keep the next one from starting, so it ends.
+void Recorder::handle(const WorkspaceNotice& notice) {
+  say(notice.text);
+  if (!notice.isFinal) return;
+  status_ = kFailure;
+  loop_.quit();
+}
+
+}  // namespace tessum

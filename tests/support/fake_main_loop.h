@@ -1,0 +1,120 @@
+// A main loop that a test turns by hand, with the test's own clock.
+
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "core/platform/main_loop.h"
+#include "tests/support/fake_clock.h"
+
+namespace tessum {
+
+// Nothing runs by itself: the test's thread, which stands for the main thread, calls runPosted(),
+// runUntil() or advance(). Other threads may post.
+class FakeMainLoop final : public MainLoop {
+ public:
+  explicit FakeMainLoop(FakeClock& clock) : clock_(clock) {}
+
+  void post(Task task) override {
+    {
+      const std::lock_guard lock(mutex_);
+      posted_.push_back(std::move(task));
+    }
+    hasPosted_.notify_one();
+  }
+
+  TimerToken startTimer(double seconds, Task task) override {
+    const TimerToken token{++lastToken_};
+    timers_[token] = {seconds, movedBy(clock_.now(), seconds), std::move(task)};
+    return token;
+  }
+
+  void invalidateTimer(TimerToken token) override { timers_.erase(token); }
+
+  // Runs what was posted, also what that posts in turn. Returns how many tasks ran.
+  int runPosted() {
+    int count = 0;
+    while (Task task = takePosted(std::chrono::seconds(0))) {
+      task();
+      ++count;
+    }
+    return count;
+  }
+
+  // Runs what is posted, now or later by other threads, until `isDone`. False when a minute of
+  // real time went by in vain.
+  template <typename Predicate>
+  [[nodiscard]] bool runUntil(Predicate isDone) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!isDone()) {
+      if (std::chrono::steady_clock::now() > deadline) return false;
+      if (Task task = takePosted(std::chrono::milliseconds(20))) task();
+    }
+    return true;
+  }
+
+  // Moves the clock by `seconds`, not negative, and runs each timer at its time, those of one time
+  // in the order of their start; posted tasks run before the clock moves and after each timer.
+  void advance(double seconds) {
+    const Date end = movedBy(clock_.now(), seconds);
+    runPosted();
+    while (true) {
+      const auto next = std::min_element(timers_.begin(), timers_.end(), isDueEarlier);
+      if (next == timers_.end() || secondsBetween(next->second.due, end) < 0) break;
+      clock_.set(next->second.due);
+      next->second.due = movedBy(next->second.due, next->second.seconds);
+      const Task task = next->second.task;  // it may end its own timer
+      task();
+      runPosted();
+    }
+    clock_.set(end);
+  }
+
+  // The intervals of the timers that run, in the order of their start.
+  [[nodiscard]] std::vector<double> timerIntervals() const {
+    std::vector<double> intervals;
+    for (const auto& [token, timer] : timers_) intervals.push_back(timer.seconds);
+    return intervals;
+  }
+
+ private:
+  struct Timer {
+    double seconds;
+    Date due;
+    Task task;
+  };
+  using Timers = std::map<TimerToken, Timer>;
+
+  static bool isDueEarlier(const Timers::value_type& a, const Timers::value_type& b) {
+    return a.second.due.secondsSince1970 < b.second.due.secondsSince1970;
+  }
+
+  // The task posted first; none when `patience` ends without one.
+  template <typename Duration>
+  Task takePosted(Duration patience) {
+    std::unique_lock lock(mutex_);
+    hasPosted_.wait_for(lock, patience, [this] { return !posted_.empty(); });
+    if (posted_.empty()) return nullptr;
+    Task task = std::move(posted_.front());
+    posted_.pop_front();
+    return task;
+  }
+
+  FakeClock& clock_;
+  Timers timers_;
+  std::uint64_t lastToken_ = 0;
+  std::mutex mutex_;
+  std::condition_variable hasPosted_;
+  std::deque<Task> posted_;
+};
+
+}  // namespace tessum
