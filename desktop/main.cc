@@ -5,7 +5,12 @@
 #include <cstdio>
 #include <exception>
 
+#include "core/base/text.h"
+#include "core/store/database_error.h"
 #include "desktop/command.h"
+#include "desktop/note_command.h"
+#include "desktop/report_commands.h"
+#include "desktop/text_layout.h"
 
 namespace tessum {
 namespace {
@@ -19,6 +24,12 @@ int runCommand(int argc, char** argv) {
   CLI::App app("Keeps a record of your day on this computer, for you and your AI assistants.",
                "Tessum");
   app.require_subcommand(1);
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return "Tessum: " + printable(validUtf8(error.what())) +
+           "\nRun with --help for what can be given.\n";
+  });
+  addReportCommands(app, host);
+  addNoteCommand(app, host);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -33,6 +44,11 @@ int runCommand(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     return tessum::runCommand(argc, argv);
+  } catch (const tessum::DatabaseError& error) {
+    std::fprintf(stderr, "Tessum: %s\n", error.what());
+    std::fputs("\"Tessum doctor\" tells what is wrong with the record and how to mend it.\n",
+               stderr);
+    return tessum::kFailure;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "Tessum: %s\n", error.what());
     return tessum::kFailure;

@@ -1,0 +1,61 @@
+// Text laid out in columns for people, by the width that a terminal gives each character.
+
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessum {
+
+// What the reports are written on.
+struct Paper {
+  std::size_t columns = 0;  // 0 where lines may be as long as they like
+  bool hasColour = false;
+};
+
+// The columns that valid UTF-8 `text` takes up: none for marks that sit on the character before
+// them, two for East Asian wide characters and pictures, one for all others.
+[[nodiscard]] std::size_t displayWidth(std::string_view text);
+
+// `text` on one line and harmless to a terminal: line breaks and tabs become blanks, other control
+// characters, and those that turn the direction of writing, U+FFFD. A window's title comes from
+// anywhere: printed as it is, it could move the cursor or give the terminal commands.
+[[nodiscard]] std::string printable(std::string_view text);
+
+// `text` cut to at most `columns`, ending in an ellipsis where something was cut.
+[[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
+
+// A bar for `share` of `columns`, in eighths of a column; any share above 0 shows.
+[[nodiscard]] std::string bar(double share, std::size_t columns);
+
+// How a text is set off on paper that has colour; on other paper all look the same.
+enum class Tone { plain, strong, faint, accent, good, bad };
+
+[[nodiscard]] std::string toned(std::string_view text, Tone tone, const Paper& paper);
+
+// Rows of cells in columns as wide as their widest cell. The last column takes the rest of the
+// line and is cut where the paper ends. Not thread-safe.
+class Table {
+ public:
+  enum class Alignment { left, right };
+  struct Cell {
+    std::string text;  // made printable by the table
+    Tone tone = Tone::plain;
+  };
+
+  explicit Table(std::vector<Alignment> columns) : alignments_(std::move(columns)) {}
+
+  // Each row has one cell for each column.
+  void addRow(std::vector<Cell> cells);
+
+  // Each row as a line that is indented by two blanks, without blanks at its end.
+  [[nodiscard]] std::string text(const Paper& paper) const;
+
+ private:
+  std::vector<Alignment> alignments_;
+  std::vector<std::vector<Cell>> rows_;
+};
+
+}  // namespace tessum
