@@ -7,7 +7,10 @@
 
 #include "core/base/text.h"
 #include "core/store/database_error.h"
+#include "desktop/backup_command.h"
 #include "desktop/command.h"
+#include "desktop/export_command.h"
+#include "desktop/forget_command.h"
 #include "desktop/note_command.h"
 #include "desktop/report_commands.h"
 #include "desktop/text_layout.h"
@@ -30,6 +33,9 @@ int runCommand(int argc, char** argv) {
   });
   addReportCommands(app, host);
   addNoteCommand(app, host);
+  addExportCommand(app, host);
+  addForgetCommand(app, host);
+  addBackupCommand(app, host);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
