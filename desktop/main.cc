@@ -14,6 +14,7 @@
 #include "desktop/note_command.h"
 #include "desktop/report_commands.h"
 #include "desktop/text_layout.h"
+#include "desktop/timeline_command.h"
 
 namespace tessum {
 namespace {
@@ -33,6 +34,7 @@ int runCommand(int argc, char** argv) {
   });
   addReportCommands(app, host);
   addNoteCommand(app, host);
+  addTimelineCommand(app, host);
   addExportCommand(app, host);
   addForgetCommand(app, host);
   addBackupCommand(app, host);
