@@ -9,10 +9,13 @@
 #include "core/store/database_error.h"
 #include "desktop/backup_command.h"
 #include "desktop/command.h"
+#include "desktop/doctor_command.h"
 #include "desktop/export_command.h"
 #include "desktop/forget_command.h"
 #include "desktop/note_command.h"
+#include "desktop/record.h"
 #include "desktop/report_commands.h"
+#include "desktop/status_command.h"
 #include "desktop/text_layout.h"
 #include "desktop/timeline_command.h"
 
@@ -32,9 +35,11 @@ int runCommand(int argc, char** argv) {
     return "Tessum: " + printable(validUtf8(error.what())) +
            "\nRun with --help for what can be given.\n";
   });
+  addStatusCommand(app, host);
   addReportCommands(app, host);
   addNoteCommand(app, host);
   addTimelineCommand(app, host);
+  addDoctorCommand(app, host);
   addExportCommand(app, host);
   addForgetCommand(app, host);
   addBackupCommand(app, host);
@@ -54,8 +59,7 @@ int main(int argc, char** argv) {
     return tessum::runCommand(argc, argv);
   } catch (const tessum::DatabaseError& error) {
     std::fprintf(stderr, "Tessum: %s\n", error.what());
-    std::fputs("\"Tessum doctor\" tells what is wrong with the record and how to mend it.\n",
-               stderr);
+    std::fprintf(stderr, "%s\n", tessum::remedy(error).c_str());
     return tessum::kFailure;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "Tessum: %s\n", error.what());

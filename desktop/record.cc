@@ -89,6 +89,27 @@ std::string recordPath(const Locations& locations) {
   return locations.dataFolder() + "/activities.db";
 }
 
+// The message of an error ends with the text that SQLite has for its code.
+std::string remedy(const DatabaseError& error) {
+  const std::string& text = error.errorDescription();
+  if (text.ends_with(sqlite3_errstr(SQLITE_BUSY))) {
+    return "Another program is using the record. Try again; if that does not help, end it.";
+  }
+  if (text.ends_with(sqlite3_errstr(SQLITE_READONLY))) {
+    return "Give yourself the right to write to the record and its folder.";
+  }
+  if (text.ends_with(sqlite3_errstr(SQLITE_CANTOPEN))) {
+    return "Give yourself the right to read and write the record and its folder.";
+  }
+  if (text.ends_with(sqlite3_errstr(SQLITE_FULL))) return "Make room on the disk.";
+  return remedyForDamage();
+}
+
+std::string remedyForDamage() {
+  return "Stop recording and put a copy made with \"Tessum backup\" in its place. Without one, the "
+         "command .recover of the program sqlite3 saves what can be read.";
+}
+
 void Record::Close::operator()(sqlite3* db) const noexcept {
   sqlite3_close(db);
 }

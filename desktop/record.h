@@ -38,6 +38,10 @@ class NoRecord : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// What a person can do about `error`; one sentence or two.
+[[nodiscard]] std::string remedy(const DatabaseError& error);
+[[nodiscard]] std::string remedyForDamage();
+
 // Longer than any day: every moment there is.
 inline constexpr DayRange kAllTimes{{-std::numeric_limits<double>::infinity()},
                                     {std::numeric_limits<double>::infinity()}};
