@@ -5,9 +5,21 @@
 #include <cstdio>
 #include <exception>
 
+#include "core/base/text.h"
+#include "core/store/database_error.h"
+#include "desktop/backup_command.h"
 #include "desktop/client_commands.h"
 #include "desktop/command.h"
+#include "desktop/doctor_command.h"
+#include "desktop/export_command.h"
+#include "desktop/forget_command.h"
+#include "desktop/note_command.h"
+#include "desktop/record.h"
 #include "desktop/record_command.h"
+#include "desktop/report_commands.h"
+#include "desktop/status_command.h"
+#include "desktop/text_layout.h"
+#include "desktop/timeline_command.h"
 #include "desktop/update_command.h"
 
 namespace tessum {
@@ -23,8 +35,20 @@ int runCommand(int argc, char** argv) {
   CLI::App app("Keeps a record of your day on this computer, for you and your AI assistants.",
                "Tessum");
   app.require_subcommand(1);
-  addClientCommands(app, host);
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return "Tessum: " + printable(validUtf8(error.what())) +
+           "\nRun with --help for what can be given.\n";
+  });
   addRecordCommand(app, host);
+  addStatusCommand(app, host);
+  addReportCommands(app, host);
+  addNoteCommand(app, host);
+  addTimelineCommand(app, host);
+  addDoctorCommand(app, host);
+  addExportCommand(app, host);
+  addForgetCommand(app, host);
+  addBackupCommand(app, host);
+  addClientCommands(app, host);
   addUpdateCommand(app, host);
   try {
     app.parse(argc, argv);
@@ -40,6 +64,10 @@ int runCommand(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     return tessum::runCommand(argc, argv);
+  } catch (const tessum::DatabaseError& error) {
+    std::fprintf(stderr, "Tessum: %s\n", error.what());
+    std::fprintf(stderr, "%s\n", tessum::remedy(error).c_str());
+    return tessum::kFailure;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "Tessum: %s\n", error.what());
     return tessum::kFailure;

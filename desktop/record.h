@@ -1,0 +1,143 @@
+// The record as a person handles it: read in whole, checked, mended, copied, and cut.
+//
+// The programs that record and answer use `Database`, which never waits, never deletes and gives
+// what it could read. A person wants to know when something could not be read, so this connection
+// reports every failure; it waits a moment for a lock that another program holds; and it never
+// creates a file.
+//
+// The recorder does not wait for locks either: what it cannot write it loses. So no lock is ever
+// held while a person is asked or output is written, and long reads are done in short steps.
+
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "core/base/date.h"
+#include "core/platform/calendar.h"
+#include "core/platform/locations.h"
+#include "core/store/database_error.h"
+#include "core/store/records.h"
+
+struct sqlite3;
+
+namespace tessum {
+
+// Where the record lies; the file need not exist.
+[[nodiscard]] std::string recordPath(const Locations& locations);
+
+// There is no record yet.
+class NoRecord : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// What a person can do about `error`; one sentence or two.
+[[nodiscard]] std::string remedy(const DatabaseError& error);
+[[nodiscard]] std::string remedyForDamage();
+
+// Longer than any day: every moment there is.
+inline constexpr DayRange kAllTimes{{-std::numeric_limits<double>::infinity()},
+                                    {std::numeric_limits<double>::infinity()}};
+
+// What to forget: all that each present part allows. Notes are forgotten only by their day.
+struct Selection {
+  std::optional<DayRange> begun;         // begun within
+  std::optional<std::string> appName;    // of exactly this application
+  std::optional<std::string> titlePart;  // with this in the title, ASCII letters in either case
+
+  [[nodiscard]] bool includesNotes() const { return begun && !appName && !titlePart; }
+};
+
+// What a selection holds at one moment. Rows that are stored later do not belong to it.
+struct Selected {
+  std::int64_t sessions = 0;
+  std::int64_t notes = 0;
+  double seconds = 0;            // of the sessions that have ended
+  std::optional<Date> first;     // begin of the first session or note; absent when there is none
+  std::optional<Date> last;      // begin of the last one
+  std::int64_t lastSession = 0;  // row ids up to which the selection reaches
+  std::int64_t lastNote = 0;
+};
+
+// One connection to an existing record. Every call throws DatabaseError when it cannot be
+// completed, and then has changed nothing. Not thread-safe.
+class Record {
+ public:
+  enum class Access { read, write };
+
+  // Throws NoRecord when there is no file at `path`.
+  Record(const std::string& path, Access access);
+  ~Record();
+  Record(const Record&) = delete;
+  Record& operator=(const Record&) = delete;
+
+  ////////////////////////////////////////////////////////////////////////////////////////////
+  // Reading.
+
+  // The sessions that began in `range`, the oldest first.
+  [[nodiscard]] std::vector<Activity> sessionsBegunIn(const DayRange& range);
+
+  // The notes that overlap `range`, the oldest first.
+  [[nodiscard]] std::vector<Annotation> notesIn(const DayRange& range);
+
+  // The newest `limit` sessions whose application or title holds `query`, the newest first; "%"
+  // and "_" in it stand for any text and any character, as they do for the assistants.
+  [[nodiscard]] std::vector<Activity> search(const std::string& query, std::int64_t limit);
+
+  // The newest note that has not ended.
+  [[nodiscard]] std::optional<Annotation> currentNote();
+
+  // The sessions that have no end, the oldest first.
+  [[nodiscard]] std::vector<Activity> openSessions();
+
+  // Visits every session, or note, that began in `range`, the oldest first. No lock is held during
+  // a visit.
+  void visitSessions(const DayRange& range, const std::function<void(const Activity&)>& visit);
+  void visitNotes(const DayRange& range, const std::function<void(const Annotation&)>& visit);
+
+  ////////////////////////////////////////////////////////////////////////////////////////////
+  // Mending and copying.
+
+  // What SQLite finds wrong in the record, a sentence each; empty when it is sound.
+  [[nodiscard]] std::vector<std::string> damage();
+
+  // The beginning of the first session that began after `session`, which is stored; absent when
+  // it is the last.
+  [[nodiscard]] std::optional<Date> startOfNext(const Activity& session);
+
+  // Ends the session with row id `id` at `end`, if it has not ended yet.
+  void endSession(std::int64_t id, Date end);
+
+  // Makes the file at `path` a copy of the record as it is at one moment. There must be no file at
+  // `path` yet; when copying fails there is none afterwards. Throws std::system_error when it
+  // cannot be created.
+  void copyTo(const std::string& path);
+
+  ////////////////////////////////////////////////////////////////////////////////////////////
+  // Forgetting.
+
+  [[nodiscard]] Selected select(const Selection& selection);
+
+  // Deletes what `selected` found for `selection`, in one step. The bytes are overwritten.
+  void forget(const Selection& selection, const Selected& selected);
+
+ private:
+  struct Close {
+    void operator()(sqlite3* db) const noexcept;
+  };
+  using Connection = std::unique_ptr<sqlite3, Close>;
+
+  void copyInto(sqlite3* target);
+  void run(const char* sql);
+
+  Connection db_;
+};
+
+}  // namespace tessum
