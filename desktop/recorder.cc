@@ -5,9 +5,11 @@
 
 #include <cstdio>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "core/platform/folders.h"
+#include "desktop/update_dialogue.h"
 
 namespace tessum {
 namespace {
@@ -42,12 +44,20 @@ FileLock lockOf(const std::string& folder) {
 }  // namespace
 
 Recorder::Recorder(const Host& host)
-    : folder_(preparedFolder(host)),
+    : locations_(host.locations),
+      folder_(preparedFolder(host)),
       lock_(lockOf(folder_)),
       signals_(loop_, [this] { loop_.quit(); }),
       database_(std::make_shared<Database>(folder_ + "/activities.db", host.calendar)),
       workspace_(openSystemWorkspace(loop_, [this](const auto& notice) { handle(notice); })),
       monitor_(database_, host.clock, *workspace_, loop_) {}
+
+void Recorder::watchForReleases() {
+  updater_.emplace(loop_, locations_);
+  announceReleases(updater_->checker(), [](std::string_view line) {
+    std::fprintf(stderr, "%.*s", static_cast<int>(line.size()), line.data());
+  });
+}
 
 int Recorder::run() {
   surviveBrokenPipes();

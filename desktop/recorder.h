@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "core/monitor/activity_monitor.h"
@@ -12,6 +13,7 @@
 #include "core/platform/termination_signals.h"
 #include "core/store/database.h"
 #include "desktop/command.h"
+#include "desktop/updater.h"
 
 namespace tessum {
 
@@ -24,6 +26,10 @@ class Recorder {
   // DatabaseError.
   explicit Recorder(const Host& host);
 
+  // Looks for a newer version, now and every six hours while it records, and says in one line when
+  // one appears.
+  void watchForReleases();
+
   // Records until SIGINT, SIGTERM or SIGHUP, or until the desktop goes away, and closes the open
   // session. Returns the exit status.
   [[nodiscard]] int run();
@@ -31,6 +37,7 @@ class Recorder {
  private:
   void handle(const WorkspaceNotice& notice);
 
+  const Locations& locations_;
   const std::string folder_;
   FileLock lock_;
   SystemMainLoop loop_;
@@ -38,6 +45,7 @@ class Recorder {
   std::shared_ptr<Database> database_;
   std::unique_ptr<Workspace> workspace_;
   ActivityMonitor monitor_;
+  std::optional<Updater> updater_;
   int status_ = kSuccess;
 };
 

@@ -221,9 +221,8 @@ std::vector<std::string> HttpsServer::paths() const {
 }
 
 std::string unreachableUrl() {
-  const int socket = boundSocket();
-  const std::string url = urlOf(socket);
-  close(socket);
+  // Bound for the rest of the process but not listening, so that nobody else gets the port.
+  static const std::string url = urlOf(boundSocket());
   return url;
 }
 

@@ -1,0 +1,27 @@
+// A URL and, behind a line feed, a Content-Disposition header: the name is always a plain one.
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/base/check.h"
+#include "core/base/text.h"
+#include "core/update/file_name.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  const std::string_view url = text.substr(0, text.find('\n'));
+  std::optional<std::string> header;
+  if (url.size() < text.size()) header = text.substr(url.size() + 1);
+
+  const std::string name = tessum::suggestedFileName(url, header);
+  TESSUM_CHECK(!name.empty() && name.size() <= 255 && name.front() != '.', "no plain name");
+  TESSUM_CHECK(tessum::validUtf8(name) == name, "no valid UTF-8");
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    TESSUM_CHECK(byte >= 0x20 && byte != 0x7F && c != '/', "a name with a separator or control");
+  }
+  return 0;
+}
