@@ -16,7 +16,7 @@
 #include <time.h>
 #include <unistd.h>
 
-enum { kMaxConnections = 64, kRounds = 15, kRequestsPerRound = 4000 };
+enum { kMaxConnections = 64, kRounds = 7, kRequestsPerRound = 2000 };
 
 static void require(int isGood, const char* what) {
   if (isGood) return;
