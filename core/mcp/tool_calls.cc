@@ -57,7 +57,7 @@ JSONRPCResponse MCPServer::handleToolsCall(const JSONRPCRequest& request) {
   } catch (const std::exception& error) {
     result = failure("Error: " + validUtf8(error.what()));
   }
-  return {request.id, AnyCodable(toJson(std::move(result)))};
+  return {request.id, AnyCodable::encoded(encode(result))};
 }
 
 MCPToolResult MCPServer::callTool(std::string_view name, const AnyCodable& arguments) {
