@@ -21,7 +21,7 @@
 
 enum { kMostRounds = 3000, kFewestRounds = 7 };
 
-static const double kSecondsPerCase = 4;
+static const double kSecondsPerCase = 5;
 
 static const char* historyName;
 static const char* tessumProgram;
@@ -320,6 +320,8 @@ int main(int count, char** arguments) {
   measureRequest("`get_activities`", request, 1.1);
   measureRequest("`search_activities`", CALL("search_activities") "\"query\":\"moisture\"}}}\n",
                  1.1);
+  measureRequest("`search_activities`, nothing found",
+                 CALL("search_activities") "\"query\":\"no such words\"}}}\n", 1.1);
   measureRequest("an answer of 100,000 sessions, or all",
                  CALL("search_activities") "\"query\":\"\",\"limit\":100000}}}\n", 2.0);
   measureRequest("`initialize`", kInitialize, 2.0);
