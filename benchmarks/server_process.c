@@ -20,10 +20,20 @@ void require(int isGood, const char* what) {
   exit(1);
 }
 
-double nowInMicroseconds(void) {
+static double readClock(clockid_t clock) {
   struct timespec time;
-  clock_gettime(CLOCK_MONOTONIC, &time);
+  require(clock_gettime(clock, &time) == 0, "cannot read a clock");
   return (double)time.tv_sec * 1e6 + (double)time.tv_nsec / 1e3;
+}
+
+double nowInMicroseconds(void) {
+  return readClock(CLOCK_MONOTONIC);
+}
+
+double processorTime(const struct Server* server) {
+  clockid_t clock;
+  require(clock_getcpuclockid(server->process, &clock) == 0, "no clock of the server");
+  return readClock(clock);
 }
 
 struct Server startServer(const char* program, const char* dataHome) {

@@ -35,6 +35,9 @@ double ask(struct Server* server, const char* message, size_t size, struct Answe
 size_t residentMemory(const struct Server* server);
 size_t peakMemory(const struct Server* server);
 
+/* Microseconds that the server itself has computed since its start, in the system's calls too. */
+double processorTime(const struct Server* server);
+
 /* Microseconds from a fixed moment. */
 double nowInMicroseconds(void);
 

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace tessum::json {
 namespace {
@@ -29,6 +31,27 @@ void appendEscape(std::string& out, unsigned char byte) {
   out += "00";
   out += kHexDigits[byte >> 4];
   out += kHexDigits[byte & 0xF];
+}
+
+// How many bytes `text` begins with that need no escape, looked at eight at a time: there are few
+// that do. A byte of the word is below N when it borrows from its highest bit on subtracting N and
+// had that bit clear; it equals C when its difference from C is below 1.
+std::size_t plainPrefix(std::string_view text) {
+  constexpr std::uint64_t kEach = 0x0101010101010101;
+  constexpr std::uint64_t kHighBits = 0x80 * kEach;
+  const auto below = [](std::uint64_t word, std::uint64_t limit) {
+    return (word - limit * kEach) & ~word & kHighBits;
+  };
+  const auto equal = [&](std::uint64_t word, unsigned char wanted) {
+    return below(word ^ wanted * kEach, 1);
+  };
+  std::size_t at = 0;
+  for (std::uint64_t word = 0; at + sizeof word <= text.size(); at += sizeof word) {
+    std::memcpy(&word, text.data() + at, sizeof word);
+    if ((below(word, 0x20) | equal(word, '"') | equal(word, '\\') | equal(word, '/')) != 0) break;
+  }
+  while (at < text.size() && kEscapes[static_cast<unsigned char>(text[at])] == 0) ++at;
+  return at;
 }
 
 // Writes one value; with `isPretty`, breaks and indents lines.
@@ -88,16 +111,29 @@ class Printer {
 
 void appendString(std::string& out, std::string_view text) {
   out += '"';
-  std::size_t done = 0;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const auto byte = static_cast<unsigned char>(text[at]);
-    if (kEscapes[byte] == 0) continue;
-    out.append(text.substr(done, at - done));
-    appendEscape(out, byte);
-    done = at + 1;
+  for (;;) {
+    const std::size_t plain = plainPrefix(text);
+    out.append(text.substr(0, plain));
+    if (plain == text.size()) break;
+    appendEscape(out, static_cast<unsigned char>(text[plain]));
+    text.remove_prefix(plain + 1);
   }
-  out.append(text.substr(done));
   out += '"';
+}
+
+std::string& ObjectWriter::member(std::string_view key) {
+  if (out_.back() != '{') out_ += ',';
+  appendString(out_, key);
+  out_ += ':';
+  return out_;
+}
+
+void ObjectWriter::text(std::string_view key, std::string_view value) {
+  appendString(member(key), value);
+}
+
+void ObjectWriter::boolean(std::string_view key, bool value) {
+  member(key) += value ? "true" : "false";
 }
 
 void appendCompact(std::string& out, const Value& value) {

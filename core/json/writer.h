@@ -21,4 +21,27 @@ void appendCompact(std::string& out, const Value& value);
 // Appends `text` as a JSON string.
 void appendString(std::string& out, std::string_view text);
 
+// Writes one object as compact text, its members in the order of the calls. Unlike a Value it
+// takes no memory of its own: for texts that are large and objects that are made for each message.
+// Not thread-safe.
+class ObjectWriter {
+ public:
+  // Appends to `out`, which must outlive the writer.
+  explicit ObjectWriter(std::string& out) : out_(out) { out_ += '{'; }
+  ObjectWriter(const ObjectWriter&) = delete;
+  ObjectWriter& operator=(const ObjectWriter&) = delete;
+
+  void text(std::string_view key, std::string_view value);
+  void boolean(std::string_view key, bool value);
+
+  // Begins a member, whose value the caller appends to the returned text.
+  [[nodiscard]] std::string& member(std::string_view key);
+
+  // To be called once, after the last member.
+  void end() { out_ += '}'; }
+
+ private:
+  std::string& out_;
+};
+
 }  // namespace tessum::json

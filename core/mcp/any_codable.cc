@@ -1,7 +1,6 @@
 #include "core/mcp/any_codable.h"
 
 #include "core/json/number.h"
-#include "core/json/writer.h"
 
 namespace tessum {
 
@@ -9,8 +8,9 @@ AnyCodable::AnyCodable() : source_("null") {}
 
 AnyCodable::AnyCodable(json::PaddedView source) : source_(source.text()) {}
 
-AnyCodable::AnyCodable(const json::Value& value)
-    : source_(json::PaddedString::take(json::compact(value))) {}
+AnyCodable AnyCodable::encoded(std::string json) {
+  return AnyCodable(json::PaddedString::take(std::move(json)));
+}
 
 AnyCodable::Kind AnyCodable::kind() const {
   switch (json::kindOf(source_.view())) {

@@ -10,9 +10,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/json/reader.h"
-#include "core/json/value.h"
 
 namespace tessum {
 
@@ -27,8 +27,8 @@ class AnyCodable {
   // A copy of a value as the reader gave it.
   explicit AnyCodable(json::PaddedView source);
 
-  // The encoded form of `value`.
-  explicit AnyCodable(const json::Value& value);
+  // The value that our own writer has encoded as `json`.
+  [[nodiscard]] static AnyCodable encoded(std::string json);
 
   // What the value reads as. A number that is integral and fits 64 bits is an integer however it
   // is written; one too large for a double is null.
@@ -46,6 +46,8 @@ class AnyCodable {
   [[nodiscard]] std::string_view json() const { return source_.view().text(); }
 
  private:
+  explicit AnyCodable(json::PaddedString source) : source_(std::move(source)) {}
+
   json::PaddedString source_;
 };
 

@@ -1,80 +1,119 @@
 #include "core/mcp/mcp_records.h"
 
-#include <utility>
+#include "core/json/writer.h"
 
 namespace tessum {
 namespace {
 
-using json::Value;
+using json::ObjectWriter;
 
-// An object whose member values are moved into it.
-template <typename... Members>
-Value object(Members&&... members) {
-  Value::Object object;
-  (object.insert(std::forward<Members>(members)), ...);
-  return object;
+void appendJson(std::string& out, const MCPCapabilities& capabilities) {
+  ObjectWriter writer(out);
+  json::appendCompact(writer.member("resources"), capabilities.resources);
+  json::appendCompact(writer.member("tools"), capabilities.tools);
+  writer.end();
 }
 
-std::pair<std::string, Value> member(const char* key, Value value) {
-  return {key, std::move(value)};
+void appendJson(std::string& out, const MCPServerInfo& info) {
+  ObjectWriter writer(out);
+  writer.text("name", info.name);
+  writer.text("version", info.version);
+  writer.end();
 }
 
-Value toJson(MCPTool tool) {
-  return object(member("name", std::move(tool.name)),
-                member("description", std::move(tool.description)),
-                member("inputSchema", std::move(tool.inputSchema)));
+void appendJson(std::string& out, const MCPTool& tool) {
+  ObjectWriter writer(out);
+  writer.text("description", tool.description);
+  writer.member("inputSchema") += tool.inputSchema.json();
+  writer.text("name", tool.name);
+  writer.end();
 }
 
-Value toJson(MCPTextContent content) {
-  return object(member("type", std::move(content.type)), member("text", std::move(content.text)));
+void appendJson(std::string& out, const MCPTextContent& content) {
+  ObjectWriter writer(out);
+  writer.text("text", content.text);
+  writer.text("type", content.type);
+  writer.end();
 }
 
-Value toJson(MCPResource resource) {
-  return object(member("uri", std::move(resource.uri)), member("name", std::move(resource.name)),
-                member("description", std::move(resource.description)),
-                member("mimeType", std::move(resource.mimeType)));
+void appendJson(std::string& out, const MCPResource& resource) {
+  ObjectWriter writer(out);
+  writer.text("description", resource.description);
+  writer.text("mimeType", resource.mimeType);
+  writer.text("name", resource.name);
+  writer.text("uri", resource.uri);
+  writer.end();
 }
 
-Value toJson(MCPResourceContent content) {
-  return object(member("uri", std::move(content.uri)),
-                member("mimeType", std::move(content.mimeType)),
-                member("text", std::move(content.text)));
+void appendJson(std::string& out, const MCPResourceContent& content) {
+  ObjectWriter writer(out);
+  writer.text("mimeType", content.mimeType);
+  writer.text("text", content.text);
+  writer.text("uri", content.uri);
+  writer.end();
 }
 
 template <typename Record>
-Value array(std::vector<Record> records) {
-  Value::Array elements;
-  elements.reserve(records.size());
-  for (Record& record : records) elements.push_back(toJson(std::move(record)));
-  return elements;
+void appendJson(std::string& out, const std::vector<Record>& records) {
+  out += '[';
+  for (const Record& record : records) {
+    if (&record != &records.front()) out += ',';
+    appendJson(out, record);
+  }
+  out += ']';
+}
+
+// Makes room for a text that may be large. Of a report little more than the end of each line needs
+// an escape; a text that needs more of them makes the room grow.
+void reserveFor(std::string& out, const std::string& text) {
+  constexpr std::size_t kRestOfResult = 256;
+  out.reserve(text.size() + text.size() / 16 + kRestOfResult);
 }
 
 }  // namespace
 
-Value toJson(MCPInitializeResult result) {
-  return object(
-      member("protocolVersion", std::move(result.protocolVersion)),
-      member("capabilities", object(member("tools", std::move(result.capabilities.tools)),
-                                    member("resources", std::move(result.capabilities.resources)))),
-      member("serverInfo", object(member("name", std::move(result.serverInfo.name)),
-                                  member("version", std::move(result.serverInfo.version)))));
+std::string encode(const MCPInitializeResult& result) {
+  std::string out;
+  ObjectWriter writer(out);
+  appendJson(writer.member("capabilities"), result.capabilities);
+  writer.text("protocolVersion", result.protocolVersion);
+  appendJson(writer.member("serverInfo"), result.serverInfo);
+  writer.end();
+  return out;
 }
 
-Value toJson(MCPToolsListResult result) {
-  return object(member("tools", array(std::move(result.tools))));
+std::string encode(const MCPToolsListResult& result) {
+  std::string out;
+  ObjectWriter writer(out);
+  appendJson(writer.member("tools"), result.tools);
+  writer.end();
+  return out;
 }
 
-Value toJson(MCPToolResult result) {
-  return object(member("content", array(std::move(result.content))),
-                member("isError", result.isError));
+std::string encode(const MCPToolResult& result) {
+  std::string out;
+  reserveFor(out, result.content.front().text);
+  ObjectWriter writer(out);
+  appendJson(writer.member("content"), result.content);
+  writer.boolean("isError", result.isError);
+  writer.end();
+  return out;
 }
 
-Value toJson(MCPResourcesListResult result) {
-  return object(member("resources", array(std::move(result.resources))));
+std::string encode(const MCPResourcesListResult& result) {
+  std::string out;
+  ObjectWriter writer(out);
+  appendJson(writer.member("resources"), result.resources);
+  writer.end();
+  return out;
 }
 
-Value toJson(MCPResourceReadResult result) {
-  return object(member("contents", array(std::move(result.contents))));
+std::string encode(const MCPResourceReadResult& result) {
+  std::string out;
+  ObjectWriter writer(out);
+  appendJson(writer.member("contents"), result.contents);
+  writer.end();
+  return out;
 }
 
 }  // namespace tessum

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/json/value.h"
+#include "core/mcp/any_codable.h"
 
 namespace tessum {
 
@@ -29,7 +30,7 @@ struct MCPInitializeResult {
 struct MCPTool {
   std::string name;
   std::string description;  // for the model
-  json::Value inputSchema;  // JSON Schema of the arguments
+  AnyCodable inputSchema;   // JSON Schema of the arguments
 };
 
 struct MCPToolsListResult {
@@ -68,12 +69,11 @@ struct MCPResourceReadResult {
   std::vector<MCPResourceContent> contents;
 };
 
-// The JSON form of a record: its member names are the keys. Taken by value, since a text may be
-// large and is moved along.
-[[nodiscard]] json::Value toJson(MCPInitializeResult result);
-[[nodiscard]] json::Value toJson(MCPToolsListResult result);
-[[nodiscard]] json::Value toJson(MCPToolResult result);
-[[nodiscard]] json::Value toJson(MCPResourcesListResult result);
-[[nodiscard]] json::Value toJson(MCPResourceReadResult result);
+// The record as compact JSON: its member names are the keys.
+[[nodiscard]] std::string encode(const MCPInitializeResult& result);
+[[nodiscard]] std::string encode(const MCPToolsListResult& result);
+[[nodiscard]] std::string encode(const MCPToolResult& result);
+[[nodiscard]] std::string encode(const MCPResourcesListResult& result);
+[[nodiscard]] std::string encode(const MCPResourceReadResult& result);
 
 }  // namespace tessum

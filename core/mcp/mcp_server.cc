@@ -45,7 +45,7 @@ JSONRPCResponse MCPServer::handle(const JSONRPCRequest& request) {
 }
 
 JSONRPCResponse MCPServer::handleInitialize(const JSONRPCRequest& request) {
-  return {request.id, AnyCodable(toJson(MCPInitializeResult()))};
+  return {request.id, AnyCodable::encoded(encode(MCPInitializeResult()))};
 }
 
 }  // namespace tessum

@@ -1,6 +1,6 @@
 #include "core/mcp/reports.h"
 
-#include <cstddef>
+#include <utility>
 
 namespace tessum {
 namespace {
@@ -8,9 +8,6 @@ namespace {
 constexpr char kBullet[] = "\n\u2022 ";
 constexpr char kDash[] = " \u2013 ";
 constexpr char kArrow[] = " \u2192 ";
-
-// The room that a line needs besides its texts; more only costs a moment's memory.
-constexpr std::size_t kRestOfLine = 80;
 
 void appendSpan(std::string& out, Date start, const std::optional<Date>& end) {
   out += "  [";
@@ -26,26 +23,29 @@ void appendSpan(std::string& out, Date start, const std::optional<Date>& end) {
 
 }  // namespace
 
+void ActivityReport::add(const Activity& activity) {
+  count_ += 1;
+  lines_ += kBullet;
+  lines_ += activity.appName;
+  if (activity.title) {
+    lines_ += kDash;
+    lines_ += *activity.title;
+  }
+  appendSpan(lines_, activity.startTime, activity.endTime);
+  lines_ += activity.formattedDuration();
+  lines_ += ')';
+}
+
+std::string ActivityReport::finish() && {
+  if (count_ == 0) return "No activities found.";
+  lines_.insert(0, "Activities (" + std::to_string(count_) + " sessions):");
+  return std::move(lines_);
+}
+
 std::string formatActivities(std::span<const Activity> activities) {
-  if (activities.empty()) return "No activities found.";
-  std::string out = "Activities (" + std::to_string(activities.size()) + " sessions):";
-  std::size_t room = out.size();
-  for (const Activity& activity : activities) {
-    room += kRestOfLine + activity.appName.size() + (activity.title ? activity.title->size() : 0);
-  }
-  out.reserve(room);
-  for (const Activity& activity : activities) {
-    out += kBullet;
-    out += activity.appName;
-    if (activity.title) {
-      out += kDash;
-      out += *activity.title;
-    }
-    appendSpan(out, activity.startTime, activity.endTime);
-    out += activity.formattedDuration();
-    out += ')';
-  }
-  return out;
+  ActivityReport report;
+  for (const Activity& activity : activities) report.add(activity);
+  return std::move(report).finish();
 }
 
 std::string formatAnnotations(std::span<const Annotation> annotations, const Clock& clock) {

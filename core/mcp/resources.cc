@@ -19,12 +19,12 @@ constexpr char kPlainText[] = "text/plain";
 }  // namespace
 
 JSONRPCResponse MCPServer::handleResourcesList(const JSONRPCRequest& request) {
-  MCPResourcesListResult result{
+  const MCPResourcesListResult result{
       {{kToday, "Today's Activities", "All logged app sessions for today.", kPlainText},
        {kYesterday, "Yesterday's Activities", "All logged app sessions for yesterday.", kPlainText},
        {kUsageToday, "Today's App Usage Summary", "Time spent per application today.",
         kPlainText}}};
-  return {request.id, AnyCodable(toJson(std::move(result)))};
+  return {request.id, AnyCodable::encoded(encode(result))};
 }
 
 // A read that fails is an error of the request, unlike a tool that fails: there is no result that
@@ -36,7 +36,7 @@ JSONRPCResponse MCPServer::handleResourcesRead(const JSONRPCRequest& request) {
     return {request.id, JSONRPCError{error_code::kInvalidParams, "Invalid params: missing 'uri'"}};
   }
   try {
-    return {request.id, AnyCodable(toJson(readResource(*uri)))};
+    return {request.id, AnyCodable::encoded(encode(readResource(*uri)))};
   } catch (const std::exception& error) {
     return {request.id, JSONRPCError{error_code::kInternalError, validUtf8(error.what())}};
   }

@@ -57,7 +57,7 @@ JSONRPCResponse MCPServer::handleToolsCall(const JSONRPCRequest& request) {
   } catch (const std::exception& error) {
     result = failure("Error: " + validUtf8(error.what()));
   }
-  return {request.id, AnyCodable(toJson(std::move(result)))};
+  return {request.id, AnyCodable::encoded(encode(result))};
 }
 
 MCPToolResult MCPServer::callTool(std::string_view name, const AnyCodable& arguments) {
@@ -68,8 +68,10 @@ MCPToolResult MCPServer::callTool(std::string_view name, const AnyCodable& argum
   if (name == "search_activities") {
     const auto query = textArgument(arguments, "query");
     if (!query) return failure("Error: 'query' is required");
-    return success(formatActivities(database_->searchActivities(
-        *query, limitArgument(arguments, limits::kSearchResultsPerCall))));
+    ActivityReport report;
+    database_->searchActivities(*query, limitArgument(arguments, limits::kSearchResultsPerCall),
+                                [&](const Activity& activity) { report.add(activity); });
+    return success(std::move(report).finish());
   }
   if (name == "get_app_usage") {
     return success(formatUsage(database_->appUsage(dayArgument(arguments))));
@@ -97,9 +99,11 @@ MCPToolResult MCPServer::annotate(const AnyCodable& arguments) {
 }
 
 std::string MCPServer::activityReport(Date day, std::int64_t limit) {
-  const auto activities = database_->fetchActivities(day, limit);
+  ActivityReport activities;
+  database_->fetchActivities(day, limit,
+                             [&](const Activity& activity) { activities.add(activity); });
   const auto annotations = database_->fetchAnnotations(day, limits::kAnnotationsPerReport);
-  std::string report = formatActivities(activities);
+  std::string report = std::move(activities).finish();
   if (!annotations.empty()) report += "\n\n" + formatAnnotations(annotations, clock_);
   return report;
 }

@@ -31,17 +31,15 @@ CREATE TABLE IF NOT EXISTS annotations (
 CREATE INDEX IF NOT EXISTS idx_annotations_started ON annotations(started_at);)";
 
 // Columns: id, app_name, bundle_id, title, start_time, end_time.
-std::vector<Activity> readActivities(Statement& statement) {
-  std::vector<Activity> activities;
+void readActivities(Statement& statement, const ActivityVisitor& visit) {
   while (statement.nextRow()) {
-    activities.push_back({.id = statement.rowID(0),
-                          .appName = statement.text(1),
-                          .bundleID = statement.optionalText(2),
-                          .title = statement.optionalText(3),
-                          .startTime = statement.date(4),
-                          .endTime = statement.optionalDate(5)});
+    visit({.id = statement.rowID(0),
+           .appName = statement.text(1),
+           .bundleID = statement.optionalText(2),
+           .title = statement.optionalText(3),
+           .startTime = statement.date(4),
+           .endTime = statement.optionalDate(5)});
   }
-  return activities;
 }
 
 }  // namespace
@@ -114,10 +112,16 @@ ORDER BY start_time DESC
 LIMIT ?;)";
 
 std::vector<Activity> Database::fetchActivities(Date day, std::int64_t limit) {
+  std::vector<Activity> activities;
+  fetchActivities(day, limit, [&](const Activity& next) { activities.push_back(next); });
+  return activities;
+}
+
+void Database::fetchActivities(Date day, std::int64_t limit, const ActivityVisitor& visit) {
   const DayRange range = calendar_.dayOf(day);
   Statement statement(db_.get(), kActivitiesOfDay);
   statement.bind(range.start).bind(range.end).bindLimit(limit);
-  return readActivities(statement);
+  readActivities(statement, visit);
 }
 
 constexpr char kSearch[] =
@@ -128,12 +132,19 @@ ORDER BY start_time DESC
 LIMIT ?;)";
 
 std::vector<Activity> Database::searchActivities(std::string_view query, std::int64_t limit) {
+  std::vector<Activity> activities;
+  searchActivities(query, limit, [&](const Activity& next) { activities.push_back(next); });
+  return activities;
+}
+
+void Database::searchActivities(std::string_view query, std::int64_t limit,
+                                const ActivityVisitor& visit) {
   std::string pattern = "%";
   pattern += query;
   pattern += '%';
   Statement statement(db_.get(), kSearch);
   statement.bind(pattern).bind(pattern).bindLimit(limit);
-  return readActivities(statement);
+  readActivities(statement, visit);
 }
 
 constexpr char kUsageSummary[] =

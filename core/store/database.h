@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,6 +20,9 @@ struct sqlite3;
 namespace tessum {
 
 class Statement;
+
+// Takes one session of a query's result; it must not use the store.
+using ActivityVisitor = std::function<void(const Activity&)>;
 
 // An open store. Several processes may have one on the same file; SQLite's locking coordinates
 // them, and an operation that meets a lock fails at once. Not thread-safe.
@@ -50,13 +54,16 @@ class Database {
   void updateEndTime(std::int64_t id, Date end);
   void updateTitle(std::int64_t id, const std::string& title);
 
-  // The sessions that began on the local day of `day`, the newest first.
+  // The sessions that began on the local day of `day`, the newest first. Given a visitor, they
+  // are handed to it one by one: of many sessions a list takes several times their text's memory.
   [[nodiscard]] std::vector<Activity> fetchActivities(Date day, std::int64_t limit);
+  void fetchActivities(Date day, std::int64_t limit, const ActivityVisitor& visit);
 
   // The sessions of all days whose application name or title holds `query`, the newest first.
   // Case is ignored for ASCII letters; "%" and "_" in the query stand for any text and any
   // character.
   [[nodiscard]] std::vector<Activity> searchActivities(std::string_view query, std::int64_t limit);
+  void searchActivities(std::string_view query, std::int64_t limit, const ActivityVisitor& visit);
 
   // The total of each application of the local day of `day`, the largest first. An open session
   // counts up to now.

@@ -13,6 +13,36 @@ TEST(AppendString, EscapesSlashesQuotesAndControls) {
   EXPECT_EQ(out, "\"a\\/b\\\"\\\\\\b\\f\\n\\r\\t\\u0001\\u001f\x7f\\u0000é😀\"");
 }
 
+// Texts are looked at eight bytes at a time: every byte at every place among other bytes.
+TEST(AppendString, EscapesAByteWhereverItStands) {
+  for (int byte = 0; byte < 256; ++byte) {
+    std::string alone;
+    appendString(alone, std::string(1, static_cast<char>(byte)));
+    const std::string escaped = alone.substr(1, alone.size() - 2);
+    for (const char other : {' ', '\x7f', '\x80', '\xff', '!', '#', '.', '0', '[', ']'}) {
+      for (std::size_t at = 0; at < 20; ++at) {
+        std::string text(20, other);
+        text[at] = static_cast<char>(byte);
+        std::string out;
+        appendString(out, text);
+        EXPECT_EQ(out, "\"" + text.substr(0, at) + escaped + text.substr(at + 1) + "\"");
+      }
+    }
+  }
+}
+
+TEST(ObjectWriter, WritesMembersInTheOrderOfTheCalls) {
+  std::string out = "[";
+  ObjectWriter writer(out);
+  writer.text("b", "x/y");
+  writer.boolean("a", false);
+  ObjectWriter inner(writer.member("\""));
+  inner.end();
+  writer.boolean("c", true);
+  writer.end();
+  EXPECT_EQ(out, R"([{"b":"x\/y","a":false,"\"":{},"c":true})");
+}
+
 TEST(Compact, HasNoWhiteSpace) {
   const Value value(Value::Object{{"list", Value::Array{1, Value(), true, "x y", false}},
                                   {"none", Value::Array{}},

@@ -72,7 +72,7 @@ TEST(JSONRPCRequest, NeedsJsonrpcAndMethodAsTexts) {
 }
 
 TEST(JSONRPCResponse, CarriesAResult) {
-  const JSONRPCResponse response(JSONRPCID(std::int64_t{7}), AnyCodable(json::Value(true)));
+  const JSONRPCResponse response(JSONRPCID(std::int64_t{7}), AnyCodable::encoded("true"));
   EXPECT_EQ(response.encode(), R"({"jsonrpc":"2.0","id":7,"result":true})");
   EXPECT_EQ(response.error(), nullptr);
 }
