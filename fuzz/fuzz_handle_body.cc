@@ -1,0 +1,71 @@
+// The engine over a small store: a message gets the one answer it is owed, or none.
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+
+#include "core/base/check.h"
+#include "core/base/text.h"
+#include "core/mcp/mcp_server.h"
+#include "fuzz/small_store.h"
+#include "tests/support/fake_clock.h"
+
+namespace tessum {
+namespace {
+
+std::optional<JSONRPCRequest> decoded(json::PaddedView message) {
+  try {
+    return JSONRPCRequest::decode(message);
+  } catch (const json::DecodingError&) {
+    return std::nullopt;
+  }
+}
+
+// A limit beyond 32 bits stops the process by design.
+bool hasLimitThatStopsTheProcess(const JSONRPCRequest& request) {
+  if (!request.params) return false;
+  const auto arguments = request.params->member("arguments");
+  const auto limit = arguments ? arguments->member("limit") : std::nullopt;
+  const auto number = limit ? limit->integer() : std::nullopt;
+  using Range = std::numeric_limits<std::int32_t>;
+  return number && (*number < Range::min() || *number > Range::max());
+}
+
+void checkAnswer(const std::string& answer, const std::optional<JSONRPCRequest>& request) {
+  TESSUM_CHECK(validUtf8(answer) == answer, "an answer that is not UTF-8");
+  TESSUM_CHECK(answer.find('\n') == std::string::npos, "an answer of more than one line");
+  const json::Value value = json::parse(answer);
+  const auto& members = *value.object();
+  TESSUM_CHECK(members.at("jsonrpc") == json::Value("2.0"), "an answer of another protocol");
+  TESSUM_CHECK(members.contains("result") != members.contains("error"), "not one outcome");
+  if (!request) {
+    TESSUM_CHECK(members.size() == 2, "a parse error with an id");
+    TESSUM_CHECK(members.at("error").object()->at("code") == json::Value(-32700), answer);
+    return;
+  }
+  const auto* number = std::get_if<std::int64_t>(&*request->id);
+  const json::Value id =
+      number != nullptr ? json::Value(*number) : json::Value(std::get<std::string>(*request->id));
+  TESSUM_CHECK(members.at("id") == id, "the id of another request");
+}
+
+}  // namespace
+}  // namespace tessum
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace tessum;
+
+  const json::PaddedString message({reinterpret_cast<const char*>(data), size});
+  const auto request = decoded(message.view());
+  if (request && hasLimitThatStopsTheProcess(*request)) return 0;
+
+  const SystemCalendar calendar;
+  const FakeClock clock(kNow);
+  // Only what decodes comes near the store.
+  MCPServer server(request ? makeSmallStore(calendar) : nullptr, 0, clock, calendar);
+  const auto answer = server.handleBody(message.view());
+  TESSUM_CHECK(answer.has_value() == (!request || request->id), "owed another number of answers");
+  if (answer) checkAnswer(*answer, request);
+  return 0;
+}

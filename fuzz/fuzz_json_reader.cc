@@ -1,0 +1,60 @@
+// The JSON reader: what it accepts it reads alike in all its ways, and writing loses nothing.
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+#include "core/base/check.h"
+#include "core/json/reader.h"
+#include "core/json/writer.h"
+
+namespace tessum {
+namespace {
+
+std::optional<json::Value> parsed(json::PaddedView text) {
+  try {
+    return json::parse(text);
+  } catch (const json::DecodingError&) {
+    return std::nullopt;
+  }
+}
+
+// The object that the visited members make up; absent when the text is refused.
+std::optional<json::Value::Object> visited(json::PaddedView text) {
+  json::Value::Object members;
+  try {
+    json::forEachMember(text, [&](std::string_view key, json::PaddedView source) {
+      const json::Value value = json::parse(source);
+      TESSUM_CHECK((json::kindOf(source) == json::Kind::object) == (value.object() != nullptr),
+                   "the kind of a member is not that of its value");
+      if (json::kindOf(source) == json::Kind::text) {
+        TESSUM_CHECK(json::decodeString(source) == *value.text(), "a text is decoded in two ways");
+      }
+      members.insert_or_assign(std::string(key), value);
+    });
+  } catch (const json::DecodingError&) {
+    return std::nullopt;
+  }
+  return members;
+}
+
+}  // namespace
+}  // namespace tessum
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace tessum;
+
+  const json::PaddedString text({reinterpret_cast<const char*>(data), size});
+  const auto value = parsed(text.view());
+  const auto members = visited(text.view());
+  const auto* object = value ? value->object() : nullptr;
+  TESSUM_CHECK((object != nullptr) == members.has_value(), "an object is accepted only one way");
+  if (!value) return 0;
+  if (object != nullptr) TESSUM_CHECK(*object == *members, "an object is read in two ways");
+
+  const std::string written = json::compact(*value);
+  TESSUM_CHECK(json::parse(written) == *value, "the compact form reads as another value");
+  TESSUM_CHECK(json::compact(json::parse(written)) == written, "the compact form is not stable");
+  TESSUM_CHECK(json::parse(json::pretty(*value)) == *value, "the long form reads as another value");
+  return 0;
+}
