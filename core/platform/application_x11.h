@@ -15,12 +15,12 @@ namespace tessum {
 // What a window says about its application; texts as UTF-8, absent when it does not say.
 struct WindowDescription {
   std::uint32_t window = 0;
-  std::optional<std::string> applicationId;  // _GTK_APPLICATION_ID
-  std::optional<std::string> desktopFile;    // _KDE_NET_WM_DESKTOP_FILE
-  std::optional<std::string> instance;       // first part of WM_CLASS
-  std::optional<std::string> windowClass;    // second part of WM_CLASS
-  std::optional<std::int32_t> process;       // _NET_WM_PID
-  std::optional<std::string> clientMachine;  // WM_CLIENT_MACHINE: where that process runs
+  std::optional<std::string> applicationId = {};  // _GTK_APPLICATION_ID
+  std::optional<std::string> desktopFile = {};    // _KDE_NET_WM_DESKTOP_FILE
+  std::optional<std::string> instance = {};       // first part of WM_CLASS
+  std::optional<std::string> windowClass = {};    // second part of WM_CLASS
+  std::optional<std::int32_t> process = {};       // _NET_WM_PID
+  std::optional<std::string> clientMachine = {};  // WM_CLIENT_MACHINE: where that process runs
 };
 
 // Tells applications apart: two windows with equal keys belong to one application.

@@ -210,8 +210,8 @@ class CompoundText {
 
   // A length in two bytes of seven bits, then the name of the encoding, then the text.
   void readNamedSegment() {
-    if (rest_.size() < 2) return;
     const auto size = take(2);
+    if (size.size() < 2) return;
     const auto high = static_cast<unsigned char>(size[0]) & 0x7FU;
     const auto low = static_cast<unsigned char>(size[1]) & 0x7FU;
     const auto segment = take(high * 128 + low);

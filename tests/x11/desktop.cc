@@ -1,0 +1,162 @@
+#include "tests/x11/desktop.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+
+namespace tessum {
+namespace {
+
+void expect(bool happened, const char* what) {
+  if (!happened) throw std::runtime_error(std::string("in vain: ") + what);
+}
+
+}  // namespace
+
+Desktop::Desktop()
+    : server_("Xvfb",
+              {.arguments = {"-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "640x480x24"},
+               .environment = {},
+               .prepare = {}}) {
+  const auto number = server_.readLine();
+  expect(number.has_value(), "a display of the X server");
+  display_ = ":" + *number;
+  connection_ = xcb_connect(display_.c_str(), nullptr);
+  expect(xcb_connection_has_error(connection_) == 0, "a connection to the X server");
+  root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+}
+
+Desktop::~Desktop() {
+  xcb_disconnect(connection_);
+}
+
+std::unique_ptr<ChildProcess> Desktop::start(const std::string& program,
+                                             const std::vector<std::string>& arguments,
+                                             const std::vector<std::string>& environment) const {
+  std::vector<std::string> all = environment;
+  for (const auto& variable :
+       {"DISPLAY=" + display_, "HOME=" + home_.path(), "XDG_DATA_HOME=" + home_.file("data"),
+        "XDG_DATA_DIRS=" + home_.file("share"), "XDG_CONFIG_HOME=" + home_.file("config"),
+        std::string("WAYLAND_DISPLAY="), std::string("LC_ALL=C.UTF-8")}) {
+    all.push_back(variable);
+  }
+  return std::make_unique<ChildProcess>(
+      program, ChildProcess::Options{.arguments = arguments, .environment = all, .prepare = {}});
+}
+
+std::string Desktop::run(const std::string& program,
+                         const std::vector<std::string>& arguments) const {
+  const auto process = start(program, arguments);
+  std::string output = process->readRest();
+  const bool succeeded = process->finish() == kSuccess;
+  if (!succeeded) throw std::runtime_error(program + " failed: " + process->errors());
+  if (output.ends_with('\n')) output.pop_back();
+  return output;
+}
+
+void Desktop::startWindowManager() {
+  const xcb_window_t old = windowInProperty("_NET_SUPPORTING_WM_CHECK");
+  windowManager_ = start("openbox", {"--sm-disable"});
+  expect(eventually([&] {
+           const auto window = windowInProperty("_NET_SUPPORTING_WM_CHECK");
+           return window != 0 && window != old;
+         }),
+         "a window manager");
+}
+
+void Desktop::restartWindowManager() {
+  // The one that starts publishes anew what is taken away here.
+  const xcb_window_t active = activeWindow();
+  xcb_delete_property(connection_, root_, atom("_NET_CLIENT_LIST"));
+  run("openbox", {"--restart"});
+  expect(eventually([&] { return windowInProperty("_NET_CLIENT_LIST") != 0; }),
+         "a window manager that starts anew");
+  expect(eventually([&] { return activeWindow() == active; }), "the active window to come back");
+}
+
+xcb_window_t Desktop::addWindow(const std::string& windowClass) {
+  const xcb_window_t window = xcb_generate_id(connection_);
+  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 200, 100, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  using namespace std::string_literals;
+  if (!windowClass.empty()) {
+    setProperty(window, "WM_CLASS", "STRING", "instance\0"s + windowClass + "\0"s);
+  }
+  std::array<char, 256> host{};
+  gethostname(host.data(), host.size() - 1);
+  setProperty(window, "WM_CLIENT_MACHINE", "STRING", host.data());
+  const auto process = static_cast<std::uint32_t>(getpid());
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_PID"),
+                      XCB_ATOM_CARDINAL, 32, 1, &process);
+  xcb_map_window(connection_, window);
+  xcb_flush(connection_);
+  if (windowManager_) {
+    expect(eventually([&] { return activeWindow() == window; }), "a new window to be active");
+  }
+  return window;
+}
+
+void Desktop::removeWindow(xcb_window_t window) {
+  xcb_destroy_window(connection_, window);
+  xcb_flush(connection_);
+}
+
+void Desktop::setProperty(xcb_window_t window, const std::string& name, const std::string& type,
+                          const std::string& bytes) {
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(name), atom(type), 8,
+                      static_cast<std::uint32_t>(bytes.size()), bytes.data());
+  xcb_flush(connection_);
+}
+
+void Desktop::publishActiveWindow(xcb_window_t window) {
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, root_, atom("_NET_ACTIVE_WINDOW"),
+                      XCB_ATOM_WINDOW, 32, 1, &window);
+  static_cast<void>(activeWindow());  // a round trip: it has arrived
+}
+
+void Desktop::activate(xcb_window_t window) {
+  xcb_client_message_event_t event{};
+  event.response_type = XCB_CLIENT_MESSAGE;
+  event.format = 32;
+  event.window = window;
+  event.type = atom("_NET_ACTIVE_WINDOW");
+  event.data.data32[0] = 2;  // as a pager asks: not to be refused
+  xcb_send_event(connection_, 0, root_,
+                 XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                 reinterpret_cast<const char*>(&event));
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  while (activeWindow() != window) {
+    expect(std::chrono::steady_clock::now() < deadline, "a window to become active");
+  }
+}
+
+xcb_window_t Desktop::activeWindow() {
+  return windowInProperty("_NET_ACTIVE_WINDOW");
+}
+
+xcb_atom_t Desktop::atom(const std::string& name) {
+  const auto known = atoms_.find(name);
+  if (known != atoms_.end()) return known->second;
+  const auto cookie =
+      xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
+  const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
+      xcb_intern_atom_reply(connection_, cookie, nullptr), &std::free);
+  expect(reply != nullptr, "an atom");
+  return atoms_[name] = reply->atom;
+}
+
+xcb_window_t Desktop::windowInProperty(const std::string& name) {
+  const auto cookie = xcb_get_property(connection_, 0, root_, atom(name), XCB_ATOM_WINDOW, 0, 1);
+  const std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
+      xcb_get_property_reply(connection_, cookie, nullptr), &std::free);
+  xcb_window_t window = 0;
+  if (reply && xcb_get_property_value_length(reply.get()) >= static_cast<int>(sizeof window)) {
+    std::memcpy(&window, xcb_get_property_value(reply.get()), sizeof window);
+  }
+  return window;
+}
+
+}  // namespace tessum

@@ -1,0 +1,103 @@
+// An X11 desktop of a test's own.
+
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/child_process.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessum {
+
+// Whether `isDone` holds, now or within a minute.
+template <typename Predicate>
+[[nodiscard]] bool eventually(Predicate isDone) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  while (!isDone()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return true;
+}
+
+// An X server without a screen, with what is started on it. All of it ends with the object. Calls
+// that wait throw std::runtime_error after a minute.
+class Desktop {
+ public:
+  Desktop();
+  ~Desktop();
+  Desktop(const Desktop&) = delete;
+  Desktop& operator=(const Desktop&) = delete;
+
+  // The display's name, such as ":7".
+  [[nodiscard]] const std::string& display() const { return display_; }
+
+  // A folder that stands for the user's home and holds the data folder of the programs started.
+  [[nodiscard]] const TemporaryFolder& home() const { return home_; }
+  [[nodiscard]] std::string dataFolder() const { return home_.file("data/Tessum"); }
+
+  // Starts a program on this desktop.
+  std::unique_ptr<ChildProcess> start(const std::string& program,
+                                      const std::vector<std::string>& arguments,
+                                      const std::vector<std::string>& environment = {}) const;
+
+  // Runs a program to its end and returns its output, without the last line feed.
+  std::string run(const std::string& program, const std::vector<std::string>& arguments) const;
+
+  // Starts the window manager and waits until it manages.
+  void startWindowManager();
+
+  // Has it start itself anew, and waits until it manages again.
+  void restartWindowManager();
+
+  // Ends it as a crash would.
+  void killWindowManager() { windowManager_.reset(); }
+
+  // Ends the X server.
+  void killServer() { server_.kill(); }
+
+  //////////////////////////////////////////////////////////////////////////////////////////////
+  // Windows of the test's own, whose process is the test.
+
+  // Makes a window of that class and waits until it is active. Without a window manager it is
+  // only made.
+  xcb_window_t addWindow(const std::string& windowClass);
+
+  void removeWindow(xcb_window_t window);
+
+  // Sets a text property of a window.
+  void setProperty(xcb_window_t window, const std::string& name, const std::string& type,
+                   const std::string& bytes);
+
+  // Publishes an active window as a window manager does.
+  void publishActiveWindow(xcb_window_t window);
+
+  // Asks the window manager to make a window active, and waits until it has.
+  void activate(xcb_window_t window);
+
+  // The active window as the window manager publishes it; 0 when there is none.
+  [[nodiscard]] xcb_window_t activeWindow();
+
+ private:
+  [[nodiscard]] xcb_atom_t atom(const std::string& name);
+  [[nodiscard]] xcb_window_t windowInProperty(const std::string& name);
+
+  TemporaryFolder home_;
+  ChildProcess server_;
+  std::string display_;
+  std::unique_ptr<ChildProcess> windowManager_;
+  xcb_connection_t* connection_ = nullptr;
+  xcb_window_t root_ = 0;
+  std::map<std::string, xcb_atom_t> atoms_;
+};
+
+}  // namespace tessum
