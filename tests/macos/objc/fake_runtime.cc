@@ -47,7 +47,6 @@ struct BlockLayout {
 };
 
 enum BlockFlag : int { kOnHeap = 1 << 24, kCopiesAndDisposes = 1 << 25, kIsGlobal = 1 << 28 };
-enum CapturedKind : int { kObject = 3, kBlock = 7 };
 
 BlockLayout* copyBlock(BlockLayout* block) {
   if (block == nullptr || (block->flags & kIsGlobal) != 0) return block;
@@ -140,11 +139,7 @@ void objc_release(Object* object) {
   release(object);
 }
 
-Object* objc_autoreleaseReturnValue(Object* object) {
-  return autorelease(object);
-}
-
-Object* objc_retainAutoreleaseReturnValue(Object* object) {
+Object* objc_retainAutorelease(Object* object) {
   return autorelease(objc_retain(object));
 }
 
@@ -166,22 +161,7 @@ void objc_autoreleasePoolPop(void* pool) {
   delete static_cast<Pool*>(pool);
 }
 
-void* objc_retainBlock(void* block) {
-  return copyBlock(static_cast<BlockLayout*>(block));
-}
-
-void _Block_object_assign(void* place, void* value, int kind) {
-  *static_cast<void**>(place) =
-      kind == kBlock ? objc_retainBlock(value) : objc_retain(static_cast<Object*>(value));
-}
-
-void _Block_object_dispose(void* value, int kind) {
-  kind == kBlock ? releaseBlock(static_cast<BlockLayout*>(value))
-                 : release(static_cast<Object*>(value));
-}
-
 void* _NSConcreteStackBlock[32];
-void* _NSConcreteGlobalBlock[32];
 
 }  // extern "C"
 
