@@ -1,0 +1,5 @@
+#include <sys/epoll.h>
+
+int main() {
+  return epoll_create1(0);
+}

@@ -1,0 +1,5 @@
+#include <thread>
+
+int main() {
+  std::jthread worker([] {});
+}

@@ -1,0 +1,5 @@
+#import <AppKit/AppKit.h>
+
+int main() {
+  return [[[NSWorkspace sharedWorkspace] frontmostAplication] processIdentifier];
+}

@@ -1,0 +1,5 @@
+#include <pthread.h>
+
+int main() {
+  return pthread_setname_np(pthread_self(), "worker");
+}

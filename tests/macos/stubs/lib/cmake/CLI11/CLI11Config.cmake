@@ -1,0 +1,3 @@
+find_path(CLI11_headers CLI/CLI.hpp REQUIRED)
+add_library(CLI11::CLI11 INTERFACE IMPORTED)
+set_target_properties(CLI11::CLI11 PROPERTIES INTERFACE_INCLUDE_DIRECTORIES "${CLI11_headers}")

@@ -1,0 +1,43 @@
+# Builds for macOS 13 on Linux, as far as names go: the programs are linked against stubs and
+# cannot run. scripts/check-macos sets the environment variables.
+
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_PROCESSOR "$ENV{TESSUM_MACOS_CPU}")
+set(target "${CMAKE_SYSTEM_PROCESSOR}-macos.13.0")
+set(stubs "${CMAKE_CURRENT_LIST_DIR}/stubs")
+
+# CMake's own tests of a compiler ask its linker for what this one has no words for.
+foreach(language C CXX OBJCXX)
+  set(CMAKE_${language}_COMPILER_TARGET "${target}")
+  set(CMAKE_${language}_ABI_COMPILED TRUE)
+  set(CMAKE_${language}_COMPILER_WORKS TRUE)
+endforeach()
+set(CMAKE_C_COMPILER "$ENV{TESSUM_MACOS_COMPILERS}/cc")
+set(CMAKE_CXX_COMPILER "$ENV{TESSUM_MACOS_COMPILERS}/c++")
+set(CMAKE_OBJCXX_COMPILER "$ENV{TESSUM_MACOS_COMPILERS}/c++")
+set(CMAKE_SIZEOF_VOID_P 8)
+set(CMAKE_INSTALL_NAME_TOOL true)
+
+# -I, not -isystem: ahead of the compiler's own objc/ headers. The macro's absence lets the C++
+# library tell what macOS 13 lacks.
+set(CMAKE_C_FLAGS_INIT "-I${stubs}/include -fno-sanitize=undefined")
+string(JOIN " " CMAKE_CXX_FLAGS_INIT
+  ${CMAKE_C_FLAGS_INIT}
+  -U_LIBCPP_HAS_NO_VENDOR_AVAILABILITY_ANNOTATIONS
+  -Werror=unguarded-availability)
+string(JOIN " " CMAKE_OBJCXX_FLAGS_INIT
+  ${CMAKE_CXX_FLAGS_INIT}
+  -Werror=objc-method-access
+  -Werror=undeclared-selector
+  -Werror=incompatible-pointer-types
+  -Wno-unused-command-line-argument)
+# On a Mac Foundation brings libobjc along.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-F${stubs}/Frameworks -L${stubs}/lib -lobjc")
+
+# Libraries are found as stubs, and their headers one by one: /usr/include as a whole would bring
+# the C library of Linux along.
+set(CMAKE_FIND_ROOT_PATH "${stubs}" "$ENV{TESSUM_MACOS_HEADERS}")
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
