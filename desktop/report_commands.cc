@@ -7,6 +7,7 @@
 
 #include "core/base/limits.h"
 #include "core/base/text.h"
+#include "core/json/writer.h"
 #include "core/mcp/mcp_server.h"
 #include "core/store/database.h"
 #include "desktop/arguments.h"
@@ -34,7 +35,8 @@ void addPlainOption(CLI::App& command, ReportOptions& options, const std::string
 std::string toolText(const Host& host, const char* tool, json::Value::Object arguments) {
   auto database = std::make_shared<Database>(recordPath(host.locations), host.calendar);
   MCPServer server(std::move(database), limits::kDefaultPort, host.clock, host.calendar);
-  const auto result = server.callTool(tool, AnyCodable(json::Value(std::move(arguments))));
+  const auto result =
+      server.callTool(tool, AnyCodable::encoded(json::compact(std::move(arguments))));
   return result.content.front().text + "\n";
 }
 

@@ -24,7 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const FakeClock clock(kNow);
   MCPServer server(makeSmallStore(calendar), 0, clock, calendar);
   const json::Value::Object arguments{{"text", "x"}, {"duration", text}};
-  const MCPToolResult result = server.callTool("annotate", AnyCodable(json::Value(arguments)));
+  const MCPToolResult result =
+      server.callTool("annotate", AnyCodable::encoded(json::compact(arguments)));
 
   const std::string& answer = result.content.front().text;
   constexpr std::string_view kBeginning = "Annotation started: x (since ";
