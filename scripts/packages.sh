@@ -12,6 +12,7 @@ apt_packages() {
       echo chromium clang curl libgtest-dev libssl-dev openbox openssl strace x11-utils \
         xdotool xterm xvfb
       ;;
+    benchmark) echo libbenchmark-dev ;;
     sanitize) echo clang ;;
     format) echo clang-format git ;;
   esac
@@ -20,6 +21,7 @@ brew_packages() {
   case $1 in
     build) echo asio cli11 cmake ninja pkgconf simdjson ;;
     test) echo googletest node openssl ;;
+    benchmark) echo google-benchmark ;;
     sanitize) echo llvm ;;
     format) echo clang-format ;;
   esac
