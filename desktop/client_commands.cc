@@ -136,17 +136,15 @@ void listClients(const Host& host) {
 ////////////////////////////////////////////////////////////////////////////////////////////////
 // install and uninstall
 
-// Does `work` for each target. A file that cannot be read or written does not keep the others from
-// being done.
+// Does `work` on one file. One that cannot be read or written does not keep the others from being
+// done.
 template <typename Work>
-void forEachTarget(const std::vector<Target>& targets, Host& host, Work work) {
-  for (const Target& target : targets) {
-    try {
-      work(target);
-    } catch (const std::system_error& error) {
-      note("Tessum: " + shown(error.what()));
-      host.status = kFailure;
-    }
+void attempt(Host& host, Work work) {
+  try {
+    work();
+  } catch (const std::system_error& error) {
+    note("Tessum: " + shown(error.what()));
+    host.status = kFailure;
   }
 }
 
@@ -189,28 +187,37 @@ void install(const Target& target, bool useStdio, const Host& host) {
 }
 
 void installAll(const std::vector<Target>& targets, bool useStdio, Host& host) {
-  forEachTarget(targets, host, [&](const Target& target) { install(target, useStdio, host); });
+  for (const Target& target : targets) {
+    attempt(host, [&] { install(target, useStdio, host); });
+  }
   if (!useStdio) {
     note("\"Tessum record --http\" must be running whenever an application is to find Tessum.");
   }
 }
 
-void uninstall(const Target& target, Host& host) {
-  bool isUnknown = false;
-  bool wasRegistered = false;
-  for (const std::string& file : target.files) {
-    const ConfigFile config = lookAt(host.files, file);
-    if (config.isDamaged()) {
-      note("Tessum: " + shown(file) + " is not a JSON object. It was left as it is.");
-      host.status = kFailure;
-      isUnknown = true;
-    }
-    if (!config.object || tessumEntry(*config.object) == nullptr) continue;
-    installerFor(host).writeConfig(MCPInstaller::removeTessumEntry(*config.object), file);
-    wasRegistered = true;
-    print("Removed from " + shown(file) + ".\n");
+enum class Removal { removed, notRegistered, failed };
+
+Removal uninstallFrom(const std::string& file, Host& host) {
+  const ConfigFile config = lookAt(host.files, file);
+  if (config.isDamaged()) {
+    note("Tessum: " + shown(file) + " is not a JSON object. It was left as it is.");
+    host.status = kFailure;
+    return Removal::failed;
   }
-  if (!wasRegistered && !isUnknown) print("Not registered with " + shown(target.name()) + ".\n");
+  if (!config.object || tessumEntry(*config.object) == nullptr) return Removal::notRegistered;
+  installerFor(host).writeConfig(MCPInstaller::removeTessumEntry(*config.object), file);
+  print("Removed from " + shown(file) + ".\n");
+  return Removal::removed;
+}
+
+void uninstall(const Target& target, Host& host) {
+  bool isRegisteredNowhere = true;
+  for (const std::string& file : target.files) {
+    Removal removal = Removal::failed;
+    attempt(host, [&] { removal = uninstallFrom(file, host); });
+    isRegisteredNowhere &= removal == Removal::notRegistered;
+  }
+  if (isRegisteredNowhere) print("Not registered with " + shown(target.name()) + ".\n");
 }
 
 void addTargets(CLI::App& command, Targets& targets) {
@@ -269,8 +276,7 @@ void addClientCommands(CLI::App& app, Host& host) {
       "  Tessum uninstall cursor\n"
       "  Tessum uninstall --all");
   uninstalling->callback([&host, targets] {
-    forEachTarget(targetsArgument(*targets, host), host,
-                  [&host](const Target& target) { uninstall(target, host); });
+    for (const Target& target : targetsArgument(*targets, host)) uninstall(target, host);
   });
 }
 

@@ -58,6 +58,19 @@ TEST_F(ClientCommandsFaults, AFailureLeavesTheOldFileOrTheNewOneAndNothingElse) 
   EXPECT_GE(failures, 4 * 8);  // opening and reading, too
 }
 
+TEST_F(ClientCommandsFaults, InterruptedReadingIsNoFailure) {
+  int reads = 0;
+  for (const SystemCall& call : calls_) {
+    if (call.name != "openat" && call.name != "read") continue;
+    SCOPED_TRACE(call.name + " number " + std::to_string(call.occurrence));
+    reset();
+    EXPECT_EQ(program_.runWithFault(call, "error=EINTR"), kSuccess);
+    EXPECT_EQ(readFile(file_), new_);
+    ++reads;
+  }
+  EXPECT_GE(reads, 3);  // opening, reading, and the end of the file
+}
+
 TEST_F(ClientCommandsFaults, AKillLeavesTheOldFileOrTheNewOne) {
   for (const SystemCall& call : calls_) {
     SCOPED_TRACE(call.name + " number " + std::to_string(call.occurrence));

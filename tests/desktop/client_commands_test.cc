@@ -248,6 +248,15 @@ TEST_F(ClientCommands, UninstallLooksAtTheCataloguesPlaceToo) {
   EXPECT_EQ(config(kCataloguedContinueFile), R"({"mcpServers":{}})");
 }
 
+TEST_F(ClientCommands, UninstallLooksAtTheOtherPlaceWhenOneCannotBeRead) {
+  fs::create_symlink("tessum.json", user_.file(kContinueFile));
+  writeFile(user_.file(kCataloguedContinueFile), kHttpConfig);
+  const ClientRun run = user_.run({"uninstall", "continue"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.output, "Removed from " + user_.file(kCataloguedContinueFile) + ".\n");
+  EXPECT_EQ(config(kCataloguedContinueFile), R"({"mcpServers":{}})");
+}
+
 TEST_F(ClientCommands, UninstallSaysWhenItCannotTell) {
   writeFile(user_.file(kCursorFile), "// mine\n{\"mcpServers\":{\"tessum\":{}}}");
   const ClientRun run = user_.run({"uninstall", "cursor"});
