@@ -9,7 +9,9 @@ install(TARGETS ${tessum_libraries} TessumCore EXPORT TessumTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/core"
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessum COMPONENT development
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h"
+  PATTERN http_connection.h EXCLUDE
+  PATTERN http_listener.h EXCLUDE)
 install(EXPORT TessumTargets NAMESPACE Tessum::
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tessum COMPONENT development)
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "core/base/limits.h"
 #include "core/platform/folders.h"
 #include "desktop/update_dialogue.h"
 
@@ -57,6 +58,12 @@ void Recorder::watchForReleases() {
   announceReleases(updater_->checker(), [](std::string_view line) {
     std::fprintf(stderr, "%.*s", static_cast<int>(line.size()), line.data());
   });
+}
+
+void Recorder::serveHTTP(const Host& host) {
+  endpoint_.emplace(database_->path(), limits::kDefaultPort, host.clock, host.calendar);
+  std::printf("%s\n", endpoint_->url().c_str());
+  std::fflush(stdout);
 }
 
 int Recorder::run() {

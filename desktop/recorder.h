@@ -13,6 +13,7 @@
 #include "core/platform/termination_signals.h"
 #include "core/store/database.h"
 #include "desktop/command.h"
+#include "desktop/http_endpoint.h"
 #include "desktop/updater.h"
 
 namespace tessum {
@@ -30,6 +31,10 @@ class Recorder {
   // one appears.
   void watchForReleases();
 
+  // Also answers assistants over HTTP, with a connection of its own to the store, and prints where.
+  // Throws what HTTPEndpoint throws.
+  void serveHTTP(const Host& host);
+
   // Records until SIGINT, SIGTERM or SIGHUP, or until the desktop goes away, and closes the open
   // session. Returns the exit status.
   [[nodiscard]] int run();
@@ -45,6 +50,7 @@ class Recorder {
   std::shared_ptr<Database> database_;
   std::unique_ptr<Workspace> workspace_;
   ActivityMonitor monitor_;
+  std::optional<HTTPEndpoint> endpoint_;
   std::optional<Updater> updater_;
   int status_ = kSuccess;
 };

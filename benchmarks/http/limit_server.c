@@ -2,6 +2,8 @@
  * can do. It reads REQUEST_SIZE bytes, sends ANSWER_SIZE fixed ones and closes. It prints its port
  * and ends with its standard input. */
 
+#define _GNU_SOURCE /* accept4 */
+
 #include <arpa/inet.h>
 #include <errno.h>
 #include <netinet/in.h>
