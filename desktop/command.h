@@ -6,6 +6,7 @@
 #include "core/platform/clock.h"
 #include "core/platform/files.h"
 #include "core/platform/locations.h"
+#include "core/platform/url_opener.h"
 
 namespace tessum {
 
@@ -20,6 +21,7 @@ struct Host {
   const Calendar& calendar;
   const Locations& locations;
   const Files& files;
+  const UrlOpener& opener;
   int status = kSuccess;
 };
 

@@ -24,6 +24,9 @@ void examine(Host& host) {
   };
   add(checkFolder(host));
   add(checkRecord(host));
+  add(checkDesktop());
+  add(checkClients(host));
+  add(checkEndpoint());
 
   const Paper paper = standardOutputPaper();
   std::string text;

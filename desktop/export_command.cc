@@ -1,6 +1,7 @@
 #include "desktop/export_command.h"
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -49,13 +50,18 @@ std::string csvField(std::string_view text) {
   return field + '"';
 }
 
+// Thousandths of a second are more than anyone measured.
+std::string secondsText(double seconds) {
+  return json::numberText(std::round(seconds * 1000) / 1000);
+}
+
 std::string csvLine(std::string_view kind, Date start, const std::optional<Date>& end,
                     std::string_view appName, std::string_view bundleID, std::string_view text) {
   std::string line(kind);
   line += ',' + internetDateTime(start) + ',';
   if (end) line += internetDateTime(*end);
   line += ',';
-  if (end) line += json::numberText(secondsBetween(start, *end));
+  if (end) line += secondsText(secondsBetween(start, *end));
   line += ',' + csvField(appName) + ',' + csvField(bundleID) + ',' + csvField(text) + "\r\n";
   return line;
 }

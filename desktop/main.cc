@@ -30,7 +30,8 @@ int runCommand(int argc, char** argv) {
   const SystemCalendar calendar;
   const SystemLocations locations;
   const SystemFiles files;
-  Host host{clock, calendar, locations, files};
+  const SystemUrlOpener opener;
+  Host host{clock, calendar, locations, files, opener};
 
   CLI::App app("Keeps a record of your day on this computer, for you and your AI assistants.",
                "Tessum");

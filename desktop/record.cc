@@ -15,7 +15,7 @@
 namespace tessum {
 namespace {
 
-constexpr int kLockPatienceMilliseconds = 2000;
+constexpr int kLockPatienceMilliseconds = 1000;
 
 // Rows of one read when all of them are visited.
 constexpr std::int64_t kRowsPerStep = 2000;

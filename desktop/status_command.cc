@@ -6,6 +6,8 @@
 #include <string>
 
 #include "core/store/records.h"
+#include "desktop/entry_check.h"
+#include "desktop/finding.h"
 #include "desktop/record.h"
 #include "desktop/recorder_state.h"
 #include "desktop/standard_output.h"
@@ -45,6 +47,26 @@ std::string noteText(const std::optional<Annotation>& note, Date now) {
   return note ? note->text + ", " + sinceText(note->startedAt, now) : "none";
 }
 
+std::string clientsText(const Host& host) {
+  std::string text;
+  for (const std::string& name : registeredClients(host)) {
+    text += (text.empty() ? "" : ", ") + name;
+  }
+  return text.empty() ? "none; \"Tessum install\" registers them" : text;
+}
+
+std::string endpointText() {
+  switch (endpointState()) {
+    case EndpointState::answers:
+      return usualEndpointURL() + ", which answers";
+    case EndpointState::taken:
+      return usualEndpointURL() + ", where another program answers";
+    case EndpointState::silent:
+      break;
+  }
+  return usualEndpointURL() + ", which \"Tessum record --http\" opens";
+}
+
 void showStatus(const Host& host) {
   const Date now = host.clock.now();
   const std::string path = recordPath(host.locations);
@@ -67,6 +89,8 @@ void showStatus(const Host& host) {
   } catch (const NoRecord&) {
     add("Record", path + ", which does not exist yet");
   }
+  add("Clients", clientsText(host));
+  add("Endpoint", endpointText());
   Paper paper = standardOutputPaper();
   paper.columns = 0;  // a path that is cut is no use to anyone
   print(table.text(paper));

@@ -1,14 +1,12 @@
 #include "desktop/timeline_command.h"
 
-#include <sys/stat.h>
-
 #include <CLI/CLI.hpp>
-#include <cerrno>
-#include <fstream>
+#include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
-#include <system_error>
 
+#include "core/update/urls.h"
 #include "desktop/arguments.h"
 #include "desktop/day_report.h"
 #include "desktop/record.h"
@@ -23,28 +21,22 @@ struct TimelineOptions {
   std::string file;
 };
 
-// The page is for the user alone: it holds every title of the day.
-void writePage(const std::string& path, const std::string& page) {
-  const mode_t before = umask(S_IRWXG | S_IRWXO);
-  errno = 0;
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  umask(before);
-  out << page;
-  if (!out.flush()) throw std::system_error(errno, std::generic_category(), "cannot write " + path);
-}
-
 void showTimeline(const Host& host, const TimelineOptions& options) {
   const Date day = dayArgument(options.day, host);
   Record record(recordPath(host.locations), Record::Access::read);
   const std::string page = timelinePage(readDay(record, host, day));
   if (!options.file.empty()) {
-    writePage(options.file, page);
+    if (std::filesystem::exists(options.file) && !std::filesystem::is_regular_file(options.file)) {
+      throw std::runtime_error(options.file + " is not a file that can be replaced");
+    }
+    host.files.replace(options.file, page);
     print("The timeline is in " + options.file + ".\n");
     return;
   }
   const std::string path = host.locations.dataFolder() + "/timeline.html";
-  writePage(path, page);
+  host.files.replace(path, page);
   print("The timeline is in " + path + ".\n");
+  host.opener.open(fileUrl(path));
 }
 
 }  // namespace

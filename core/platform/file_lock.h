@@ -13,7 +13,8 @@ namespace tessum {
 // none can be left behind. The file stays. One thread at a time.
 class FileLock {
  public:
-  // Takes the lock on the file at `path`, which is created for the user alone where it is missing.
+  // Takes the lock on the file at `path`, which is created for the user alone where it is missing
+  // and gets the present moment for its time of modification.
   // Absent when another one holds it. Throws std::system_error with the path in the text.
   [[nodiscard]] static std::optional<FileLock> take(const std::string& path);
 

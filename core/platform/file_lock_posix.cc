@@ -20,6 +20,7 @@ std::optional<FileLock> FileLock::take(const std::string& path) {
     if (errno == EINTR) continue;
     throw std::system_error(errno, std::generic_category(), "Cannot lock " + path);
   }
+  futimens(file.number(), nullptr);  // whoever looks at the file sees since when it is held
   return FileLock(std::move(file));
 }
 

@@ -1,0 +1,34 @@
+# Completion of tessum for bash.
+
+_tessum() {
+  local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  local command=${COMP_WORDS[1]} words=
+  if [ "$COMP_CWORD" -eq 1 ]; then
+    words='record status day usage notes search note timeline clients install uninstall update
+      doctor export forget backup --help'
+  else
+    case $previous in
+      --from | --to) words='today yesterday' ;;
+      --format) words='csv json' ;;
+      -o | --output | --file) compopt -o default ;;
+      --for | --limit | --app | --title) ;;
+      *)
+        case $command in
+          day | usage | notes) words='today yesterday --plain --help' ;;
+          search) words='--plain --limit --help' ;;
+          note) words='--for --end --help' ;;
+          timeline) words='today yesterday --output --help' ;;
+          install) words='--all --file --http --help' ;;
+          uninstall) words='--all --file --help' ;;
+          doctor) words='--close-open --help' ;;
+          export) words='--from --to --format --help' ;;
+          forget) words='--from --to --app --title --yes --help' ;;
+          backup) compopt -o default ;;
+          *) words='--help' ;;
+        esac
+        ;;
+    esac
+  fi
+  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+}
+complete -F _tessum tessum Tessum

@@ -1,0 +1,36 @@
+# Completion of tessum for fish.
+
+function __tessum_add
+    complete -c tessum -n "__fish_seen_subcommand_from $argv[1]" $argv[2..]
+end
+
+complete -c tessum -f
+complete -c tessum -l help -d 'Show help'
+for command in record status day usage notes search note timeline clients install uninstall \
+        update doctor export forget backup
+    complete -c tessum -n __fish_use_subcommand -a $command
+end
+for command in day usage notes
+    __tessum_add $command -a 'today yesterday' -l plain -d 'The text that assistants get'
+end
+__tessum_add search -l plain -d 'The text that assistants get'
+__tessum_add search -l limit -x -d 'The most sessions'
+__tessum_add note -l for -x -d 'How long already'
+__tessum_add note -l end -d 'End the note'
+__tessum_add timeline -a 'today yesterday' -s o -l output -r -F -d 'Write to a file'
+__tessum_add install -l all -d 'Every application'
+__tessum_add install -l http -d 'Point at the endpoint'
+__tessum_add install -l file -r -F -d 'A configuration file'
+__tessum_add uninstall -l all -d 'Every application'
+__tessum_add uninstall -l file -r -F -d 'A configuration file'
+__tessum_add doctor -l close-open -d 'End sessions left open'
+for command in export forget
+    __tessum_add $command -l from -x -a 'today yesterday' -d 'The first day'
+    __tessum_add $command -l to -x -a 'today yesterday' -d 'The last day'
+end
+__tessum_add export -l format -x -a 'csv json' -d 'The format'
+__tessum_add forget -l app -x -d 'Sessions of this application'
+__tessum_add forget -l title -x -d 'Sessions with this in the title'
+__tessum_add forget -l yes -d 'Do not ask'
+__tessum_add backup -F
+functions -e __tessum_add

@@ -1,0 +1,241 @@
+// What holds for every command that works on the record: bad days, and a record that is missing,
+// locked, damaged or read-only.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "tests/desktop/user.h"
+#include "tests/support/child_process.h"
+#include "tests/support/sql.h"
+
+namespace tessum {
+namespace {
+
+struct Command {
+  const char* name;
+  std::vector<std::string> arguments;
+};
+
+const Command kReaders[] = {
+    {"day", {"day", "2025-03-04"}},     {"dayPlain", {"day", "2025-03-04", "--plain"}},
+    {"usage", {"usage", "2025-03-04"}}, {"notes", {"notes", "2025-03-04"}},
+    {"search", {"search", "x"}},        {"timeline", {"timeline", "2025-03-04"}},
+    {"exportCsv", {"export"}},          {"exportJson", {"export", "--format", "json"}},
+};
+
+const Command kWriters[] = {
+    {"note", {"note", "x"}},
+    {"forget", {"forget", "--app", "Editor", "--yes"}},
+    {"closeOpen", {"doctor", "--close-open", "10m"}},
+};
+
+std::vector<Command> readersAnd(std::vector<Command> others) {
+  others.insert(others.end(), std::begin(kReaders), std::end(kReaders));
+  return others;
+}
+
+std::string nameOf(const testing::TestParamInfo<Command>& info) {
+  return info.param.name;
+}
+
+void fill(const User& user) {
+  Database record = user.record();
+  record.insert({.id = {},
+                 .appName = "Editor",
+                 .bundleID = {},
+                 .title = "x",
+                 .startTime = at("2025-03-04T09:00:00Z"),
+                 .endTime = {}});
+  for (int i = 0; i < 500; ++i) {
+    const double start = at("2025-03-04T10:00:00Z").secondsSince1970 + i;
+    record.insert({.id = {},
+                   .appName = "Editor",
+                   .bundleID = {},
+                   .title = std::string(100, 'x'),
+                   .startTime = {start},
+                   .endTime = Date{start + 1}});
+  }
+}
+
+void expectFailure(const Outcome& outcome, const char* complaint) {
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_TRUE(outcome.errors.starts_with("Tessum: ")) << outcome.errors;
+  EXPECT_NE(outcome.errors.find(complaint), std::string::npos) << outcome.errors;
+}
+
+class NeedsARecord : public testing::TestWithParam<Command> {};
+
+TEST_P(NeedsARecord, SaysThatThereIsNoneAndMakesNone) {
+  const User user;
+  const Outcome outcome = user.run(GetParam().arguments);
+  expectFailure(outcome, "there is no record yet");
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_FALSE(std::filesystem::exists(user.dataFolder()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, NeedsARecord,
+                         testing::ValuesIn(readersAnd({{"backup", {"backup", "/dev/null/copy"}},
+                                                       {"forget", {"forget", "--app", "x"}},
+                                                       {"endNote", {"note", "--end"}},
+                                                       {"closeOpen", {"doctor", "--close-open"}}})),
+                         nameOf);
+
+class MeetsALock : public testing::TestWithParam<Command> {};
+
+TEST_P(MeetsALock, SaysSoAndChangesNothing) {
+  const User user;
+  fill(user);
+  Sql other(user.recordPath());
+  other.run("BEGIN EXCLUSIVE;");
+  expectFailure(user.run(GetParam().arguments), "database is locked");
+  EXPECT_EQ(other.row("SELECT COUNT(*) FROM activities WHERE end_time IS NULL"), "1");
+  EXPECT_EQ(other.row("SELECT COUNT(*) FROM activities"), "501");
+  EXPECT_EQ(other.row("SELECT COUNT(*) FROM annotations"), "0");
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, MeetsALock,
+                         testing::ValuesIn(readersAnd({std::begin(kWriters), std::end(kWriters)})),
+                         nameOf);
+
+class MeetsDamage : public testing::TestWithParam<Command> {};
+
+// The rows lie on pages behind the first ones, which still tell the tables.
+TEST_P(MeetsDamage, SaysSoInsteadOfShowingARest) {
+  const User user;
+  fill(user);
+  std::string bytes = readFile(user.recordPath());
+  constexpr std::size_t kPage = 4096;
+  ASSERT_GT(bytes.size(), 12 * kPage);
+  for (std::size_t i = kPage; i < bytes.size(); ++i) bytes[i] = '\x5a';
+  writeFile(user.recordPath(), bytes);
+  expectFailure(user.run(GetParam().arguments), "malformed");
+  EXPECT_EQ(readFile(user.recordPath()), bytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, MeetsDamage,
+                         testing::ValuesIn(readersAnd({std::begin(kWriters), std::end(kWriters)})),
+                         nameOf);
+
+class MeetsAnotherFile : public testing::TestWithParam<Command> {};
+
+TEST_P(MeetsAnotherFile, LeavesWhatIsNoDatabaseAlone) {
+  const User user;
+  std::filesystem::create_directories(user.dataFolder());
+  const std::string letter(5000, 'a');
+  writeFile(user.recordPath(), letter);
+  expectFailure(user.run(GetParam().arguments), "not a database");
+  EXPECT_EQ(readFile(user.recordPath()), letter);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, MeetsAnotherFile,
+                         testing::ValuesIn(readersAnd({std::begin(kWriters), std::end(kWriters)})),
+                         nameOf);
+
+class ReadsWhatIsReadOnly : public testing::TestWithParam<Command> {};
+
+TEST_P(ReadsWhatIsReadOnly, LikeAnyOther) {
+  const User user;
+  fill(user);
+  chmod(user.recordPath().c_str(), 0400);
+  chmod(user.dataFolder().c_str(), 0500);
+  const Outcome outcome = user.runWithoutPowers(GetParam().arguments);
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_NE(outcome.output, "");
+  chmod(user.dataFolder().c_str(), 0700);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, ReadsWhatIsReadOnly, testing::ValuesIn(kReaders), nameOf);
+
+class WritesToWhatIsReadOnly : public testing::TestWithParam<Command> {};
+
+TEST_P(WritesToWhatIsReadOnly, SaysSoAndChangesNothing) {
+  const User user;
+  fill(user);
+  const std::string before = readFile(user.recordPath());
+  chmod(user.recordPath().c_str(), 0400);
+  chmod(user.dataFolder().c_str(), 0500);
+  expectFailure(user.runWithoutPowers(GetParam().arguments), "readonly database");
+  chmod(user.dataFolder().c_str(), 0700);
+  EXPECT_EQ(readFile(user.recordPath()), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, WritesToWhatIsReadOnly, testing::ValuesIn(kWriters), nameOf);
+
+class UnknownDay : public testing::TestWithParam<Command> {};
+
+TEST_P(UnknownDay, IsAMistakeInTheCommandLine) {
+  const User user;
+  fill(user);
+  for (const char* day : {"2025-02-30", "04/03/2025", "tomorrow", "", "2025-3-4x", "Today"}) {
+    auto arguments = GetParam().arguments;
+    arguments.push_back(day);
+    const Outcome outcome = user.run(arguments);
+    if (GetParam().arguments.size() > 1 && *day == '\0') continue;  // an option left open
+    EXPECT_EQ(outcome.status, 2) << day;
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_TRUE(outcome.errors.starts_with("Tessum: unknown date")) << outcome.errors;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, UnknownDay,
+                         testing::Values(Command{"day", {"day"}}, Command{"usage", {"usage"}},
+                                         Command{"notes", {"notes"}},
+                                         Command{"timeline", {"timeline"}},
+                                         Command{"exportFrom", {"export", "--from"}},
+                                         Command{"exportTo", {"export", "--to"}},
+                                         Command{"forget", {"forget", "--from", "today", "--to"}}),
+                         nameOf);
+
+TEST(CommandLine, AnsweringForHelpGivesExamplesForEveryCommand) {
+  const User user;
+  const std::string all = user.run({"--help"}).output;
+  const auto lines = linesOf(all);
+  bool isCommand = false;
+  int count = 0;
+  for (const std::string& line : lines) {
+    if (isCommand && line.starts_with("  ") && line[2] != ' ') {
+      const std::string name = line.substr(2, line.find(' ', 2) - 2);
+      const Outcome help = user.run({name, "--help"});
+      EXPECT_EQ(help.status, 0) << name;
+      EXPECT_NE(help.output.find("Example"), std::string::npos) << name;
+      EXPECT_NE(help.output.find("  Tessum " + name), std::string::npos) << name;
+      ++count;
+    }
+    if (line == "Subcommands:") isCommand = true;
+  }
+  EXPECT_GE(count, 10);
+}
+
+TEST(CommandLine, WhatIsUnknownIsAMistake) {
+  const User user;
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
+                                                    {"bogus"},
+                                                    {"day", "--bogus"},
+                                                    {"day", "today", "today"},
+                                                    {"search"},
+                                                    {"search", "x", "--limit", "0"},
+                                                    {"search", "x", "--limit", "many"},
+                                                    {"export", "--format", "xml"},
+                                                    {"backup"}}) {
+    const Outcome outcome = user.run(arguments);
+    EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_TRUE(outcome.errors.starts_with("Tessum: ")) << outcome.errors;
+  }
+}
+
+TEST(CommandLine, OutputThatCannotBeWrittenIsAFailure) {
+  const User user;
+  fill(user);
+  for (const char* command : {"day 2025-03-04", "export", "export --format json", "status"}) {
+    const std::string line = "\"" + hostProgram() + "\" " + command + " > /dev/full";
+    ChildProcess shell("sh", {.arguments = {"-c", line}, .environment = user.environment()});
+    EXPECT_EQ(shell.finish(), (ExitStatus{.code = 1, .signal = {}})) << command;
+    EXPECT_NE(shell.errors().find("cannot write to standard output"), std::string::npos);
+  }
+}
+
+}  // namespace
+}  // namespace tessum

@@ -1,0 +1,83 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "tests/desktop/user.h"
+#include "tests/support/sql.h"
+
+namespace tessum {
+namespace {
+
+class Backup : public testing::Test {
+ protected:
+  Backup() { add(300); }
+
+  void add(int count) {
+    Database record = user.record();
+    for (int i = 0; i < count; ++i) {
+      record.insert({.id = {},
+                     .appName = "Editor",
+                     .bundleID = {},
+                     .title = std::string(500, 'x'),
+                     .startTime = {1000.0 + i},
+                     .endTime = {}});
+    }
+  }
+
+  User user;
+};
+
+TEST_F(Backup, IsTheWholeRecordForTheUserAlone) {
+  const std::string copy = user.file("copy.db");
+  const Outcome outcome = user.run({"backup", copy});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  Sql sql(copy);
+  EXPECT_EQ(sql.row("SELECT COUNT(*) FROM activities"), "300");
+  EXPECT_EQ(sql.row("PRAGMA integrity_check"), "ok");
+  struct stat status {};
+  ASSERT_EQ(stat(copy.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600U);
+}
+
+TEST_F(Backup, GoesOnWhileAnotherOneReadsAndIsInTheMiddleOfWriting) {
+  Sql other(user.recordPath());
+  other.run("BEGIN IMMEDIATE; DELETE FROM activities;");
+  const std::string copy = user.file("copy.db");
+  EXPECT_EQ(user.run({"backup", copy}).status, 0);
+  EXPECT_EQ(Sql(copy).row("SELECT COUNT(*) FROM activities"), "300");
+}
+
+TEST_F(Backup, LeavesAFileThatExistsAlone) {
+  const std::string copy = user.file("copy.db");
+  writeFile(copy, "precious");
+  const Outcome outcome = user.run({"backup", copy});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.errors.find("File exists"), std::string::npos) << outcome.errors;
+  EXPECT_EQ(readFile(copy), "precious");
+  EXPECT_EQ(user.run({"backup", user.recordPath()}).status, 1);
+  EXPECT_EQ(Sql(user.recordPath()).row("SELECT COUNT(*) FROM activities"), "300");
+}
+
+TEST_F(Backup, LeavesNothingBehindWhenItFails) {
+  const std::string copy = user.file("copy.db");
+  {
+    Sql other(user.recordPath());
+    other.run("BEGIN EXCLUSIVE;");
+    const Outcome outcome = user.run({"backup", copy});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.errors.find("database is locked"), std::string::npos) << outcome.errors;
+  }
+  EXPECT_FALSE(std::filesystem::exists(copy));
+
+  std::string bytes = readFile(user.recordPath());
+  for (std::size_t i = 4096; i < bytes.size(); ++i) bytes[i] = '\x5a';
+  writeFile(user.recordPath(), bytes);
+  EXPECT_EQ(user.run({"backup", copy}).status, 1);
+  EXPECT_FALSE(std::filesystem::exists(copy));
+
+  EXPECT_EQ(user.run({"backup", user.file("missing/copy.db")}).status, 1);
+}
+
+}  // namespace
+}  // namespace tessum

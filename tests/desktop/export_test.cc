@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include "core/json/reader.h"
+#include "core/store/records.h"
+#include "tests/desktop/user.h"
+
+namespace tessum {
+namespace {
+
+class Export : public testing::Test {
+ protected:
+  Export() {
+    Database record = user.record();
+    record.insert({.id = {},
+                   .appName = "Editor, \"the best\"",
+                   .bundleID = "org.example.editor",
+                   .title = "two\nlines",
+                   .startTime = at("2025-03-04T09:00:00Z"),
+                   .endTime = Date{at("2025-03-04T09:00:30Z").secondsSince1970 + 0.25}});
+    record.insert({.id = {},
+                   .appName = "Browser",
+                   .bundleID = {},
+                   .title = {},
+                   .startTime = at("2025-03-05T23:00:00Z"),
+                   .endTime = {}});
+    record.insertAnnotation(
+        {.id = {}, .text = "Work", .startedAt = at("2025-03-05T08:00:00Z"), .endedAt = {}});
+  }
+
+  User user;
+};
+
+TEST_F(Export, CsvHasALineForEachSessionAndNote) {
+  const Outcome outcome = user.run({"export"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output,
+            "kind,start,end,seconds,application,bundle_id,text\r\n"
+            "session,2025-03-04T09:00:00Z,2025-03-04T09:00:30Z,30.25,\"Editor, \"\"the "
+            "best\"\"\",org.example.editor,\"two\nlines\"\r\n"
+            "session,2025-03-05T23:00:00Z,,,Browser,,\r\n"
+            "note,2025-03-05T08:00:00Z,,,,,Work\r\n");
+}
+
+TEST_F(Export, JsonIsOneObjectOfTheRecords) {
+  const Outcome outcome = user.run({"export", "--format", "json"});
+  EXPECT_EQ(outcome.status, 0);
+  const json::Value document = json::parse(outcome.output);
+  const auto& activities = *document.object()->at("activities").array();
+  ASSERT_EQ(activities.size(), 2U);
+  EXPECT_EQ(activityFromJson(activities[0]).title, "two\nlines");
+  EXPECT_EQ(activityFromJson(activities[1]).endTime, std::nullopt);
+  const auto& annotations = *document.object()->at("annotations").array();
+  ASSERT_EQ(annotations.size(), 1U);
+  EXPECT_EQ(annotationFromJson(annotations[0]).text, "Work");
+}
+
+TEST_F(Export, AnEmptyRecordIsStillAnObject) {
+  const User other;
+  { const Database made = other.record(); }
+  const json::Value document = json::parse(other.run({"export", "--format", "json"}).output);
+  EXPECT_TRUE(document.object()->at("activities").array()->empty());
+  EXPECT_TRUE(document.object()->at("annotations").array()->empty());
+}
+
+TEST_F(Export, DaysAreWholeLocalDaysAndBothEndsBelongToIt) {
+  const auto count = [&](const std::vector<std::string>& arguments) {
+    std::vector<std::string> all{"export"};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    std::size_t lines = 0;
+    for (const auto& line : linesOf(user.run(all).output)) {
+      if (line.starts_with("session,") || line.starts_with("note,")) ++lines;
+    }
+    return lines;
+  };
+  EXPECT_EQ(count({}), 3U);
+  EXPECT_EQ(count({"--from", "2025-03-05"}), 2U);
+  EXPECT_EQ(count({"--to", "2025-03-04"}), 1U);
+  EXPECT_EQ(count({"--from", "2025-03-05", "--to", "2025-03-05"}), 2U);
+  EXPECT_EQ(count({"--from", "2025-03-06"}), 0U);
+  user.set("TZ", "Asia/Tokyo");  // 23:00 is 08:00 of the next day
+  EXPECT_EQ(count({"--from", "2025-03-06"}), 1U);
+}
+
+TEST_F(Export, ALastDayBeforeTheFirstIsAMistake) {
+  const Outcome outcome = user.run({"export", "--from", "2025-03-05", "--to", "2025-03-04"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.output, "");
+}
+
+// More rows than one step reads, many of them with the same begin.
+TEST_F(Export, EveryRowOfALongRecordComesOnce) {
+  {
+    Database record = user.record();
+    for (int i = 0; i < 4500; ++i) {
+      record.insert({.id = {},
+                     .appName = "A" + std::to_string(i),
+                     .bundleID = {},
+                     .title = {},
+                     .startTime = {at("2025-04-01T00:00:00Z").secondsSince1970 + i / 1500},
+                     .endTime = {}});
+    }
+  }
+  const auto lines = linesOf(user.run({"export", "--from", "2025-04-01"}).output);
+  ASSERT_EQ(lines.size(), 4501U);
+  for (int i = 0; i < 4500; ++i) {
+    const std::string name = ",A" + std::to_string(i) + ",";
+    EXPECT_NE(lines[static_cast<std::size_t>(i) + 1].find(name), std::string::npos) << i;
+  }
+}
+
+}  // namespace
+}  // namespace tessum

@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include "tests/desktop/user.h"
+#include "tests/support/sql.h"
+
+namespace tessum {
+namespace {
+
+class Forget : public testing::Test {
+ protected:
+  Forget() {
+    Database record = user.record();
+    const auto add = [&](const char* app, const char* title, const char* start, const char* end) {
+      record.insert({.id = {},
+                     .appName = app,
+                     .bundleID = {},
+                     .title = title,
+                     .startTime = at(start),
+                     .endTime = at(end)});
+    };
+    add("Editor", "Secret_plan", "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
+    add("Editor", "other", "2025-03-05T09:00:00Z", "2025-03-05T09:30:00Z");
+    add("Browser", "the SECRET_PLAN", "2025-03-05T10:00:00Z", "2025-03-05T10:30:00Z");
+    add("Browser", "SecretXplan", "2025-03-06T10:00:00Z", "2025-03-06T10:30:00Z");
+    record.insertAnnotation(
+        {.id = {}, .text = "Work", .startedAt = at("2025-03-05T08:00:00Z"), .endedAt = {}});
+  }
+
+  // What is left: the numbers of sessions and of notes.
+  std::string left() {
+    return Sql(user.recordPath())
+        .row("SELECT (SELECT COUNT(*) FROM activities), (SELECT COUNT(*) FROM annotations)");
+  }
+
+  User user;
+};
+
+TEST_F(Forget, SaysWhatAndAsksFirst) {
+  const Outcome no = user.run({"forget", "--from", "2025-03-05", "--to", "2025-03-05"}, "n\n");
+  EXPECT_EQ(no.status, 1);
+  EXPECT_EQ(no.output,
+            "This deletes 2 sessions (1h 0m) and 1 note, begun on 2025-03-05.\n"
+            "It cannot be undone. Delete? [y/N] Nothing was deleted.\n");
+  EXPECT_EQ(left(), "4|1");
+  const Outcome yes = user.run({"forget", "--from", "2025-03-05", "--to", "2025-03-05"}, "y\n");
+  EXPECT_EQ(yes.status, 0);
+  EXPECT_EQ(left(), "2|0");
+}
+
+TEST_F(Forget, TheEndOfTheInputSaysNo) {
+  EXPECT_EQ(user.run({"forget", "--app", "Editor"}).status, 1);
+  EXPECT_EQ(left(), "4|1");
+}
+
+TEST_F(Forget, AnApplicationIsMeantByItsExactName) {
+  EXPECT_EQ(user.run({"forget", "--app", "edit", "--yes"}).output,
+            "Nothing of that kind is in the record.\n");
+  const Outcome outcome = user.run({"forget", "--app", "Editor", "--yes"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output,
+            "This deletes 2 sessions (1h 30m) of Editor, begun from 2025-03-04 to 2025-03-05.\n"
+            "Deleted.\n");
+  EXPECT_EQ(left(), "2|1");
+}
+
+TEST_F(Forget, ATitleIsMeantAsItIsWritten) {
+  EXPECT_EQ(user.run({"forget", "--title", "secret_plan", "--yes"}).status, 0);
+  EXPECT_EQ(left(), "2|1");
+  EXPECT_EQ(Sql(user.recordPath()).row("SELECT title FROM activities WHERE app_name = 'Browser'"),
+            "SecretXplan");
+}
+
+TEST_F(Forget, ConditionsNarrowEachOther) {
+  EXPECT_EQ(user.run({"forget", "--from", "2025-03-05", "--to", "2025-03-06", "--app", "Browser",
+                      "--title", "secret_", "--yes"})
+                .status,
+            0);
+  EXPECT_EQ(left(), "3|1");
+}
+
+TEST_F(Forget, NoByteOfItStaysInTheFile) {
+  ASSERT_NE(readFile(user.recordPath()).find("Secret_plan"), std::string::npos);
+  ASSERT_EQ(user.run({"forget", "--app", "Editor", "--yes"}).status, 0);
+  EXPECT_EQ(readFile(user.recordPath()).find("Secret_plan"), std::string::npos);
+}
+
+TEST_F(Forget, NothingIsForgottenUnlessItIsNamed) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"forget", "--yes"},
+        {"forget", "--from", "today", "--yes"},
+        {"forget", "--to", "today", "--yes"},
+        {"forget", "--app", "", "--yes"},
+        {"forget", "--from", "2025-03-06", "--to", "2025-03-05", "--yes"}}) {
+    const Outcome outcome = user.run(arguments);
+    EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments);
+    EXPECT_TRUE(outcome.errors.starts_with("Tessum: ")) << outcome.errors;
+  }
+  EXPECT_EQ(left(), "4|1");
+}
+
+}  // namespace
+}  // namespace tessum

@@ -1,0 +1,234 @@
+// The reports for people, and the reports of the tools behind --plain.
+
+#include <gtest/gtest.h>
+
+#include "tests/desktop/user.h"
+#include "tests/support/sql.h"
+
+namespace tessum {
+namespace {
+
+using testing::AssertionResult;
+
+AssertionResult contains(const std::string& text, const std::string& part) {
+  if (text.find(part) != std::string::npos) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << '"' << part << "\" is not in:\n" << text;
+}
+
+// A day with three sessions of two applications and a note, and a session on the day after.
+class Reports : public testing::Test {
+ protected:
+  Reports() {
+    Database record = user.record();
+    record.insert({.id = {},
+                   .appName = "Editor",
+                   .bundleID = "org.example.editor",
+                   .title = "main.cc",
+                   .startTime = at("2025-03-04T09:15:00Z"),
+                   .endTime = at("2025-03-04T10:15:00Z")});
+    record.insert({.id = {},
+                   .appName = "Browser",
+                   .bundleID = {},
+                   .title = "Pull request 42",
+                   .startTime = at("2025-03-04T10:15:00Z"),
+                   .endTime = at("2025-03-04T10:45:00Z")});
+    record.insert({.id = {},
+                   .appName = "Editor",
+                   .bundleID = "org.example.editor",
+                   .title = {},
+                   .startTime = at("2025-03-04T23:50:00Z"),
+                   .endTime = at("2025-03-05T00:20:00Z")});
+    record.insert({.id = {},
+                   .appName = "Terminal",
+                   .bundleID = {},
+                   .title = "make",
+                   .startTime = at("2025-03-05T08:00:00Z"),
+                   .endTime = at("2025-03-05T08:00:42Z")});
+    record.insertAnnotation({.id = {},
+                             .text = "Review of the budget",
+                             .startedAt = at("2025-03-04T09:00:00Z"),
+                             .endedAt = {}});
+    record.endCurrentAnnotation(at("2025-03-04T10:30:00Z"));
+  }
+
+  User user;
+};
+
+TEST_F(Reports, DayShowsNotesSharesAndSessionsInTheirOrder) {
+  const Outcome outcome = user.run({"day", "2025-03-04"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.errors, "");
+  EXPECT_EQ(outcome.output,
+            "Tuesday, 4 March 2025  2h 0m in 3 sessions\n"
+            "\n"
+            "Notes\n"
+            "  09:00  10:30  1h 30m  Review of the budget\n"
+            "\n"
+            "Applications\n"
+            "  Editor   1h 30m  75%  2 sessions  ██████████████████\n"
+            "  Browser     30m  25%   1 session  ██████\n"
+            "\n"
+            "Sessions\n"
+            "  09:15  10:15   1h 0m  Editor   main.cc\n"
+            "  10:15  10:45  30m 0s  Browser  Pull request 42\n"
+            "  23:50  00:20  30m 0s  Editor\n");
+}
+
+TEST_F(Reports, UsageShowsABarForEachShare) {
+  const Outcome outcome = user.run({"usage", "2025-03-04"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output,
+            "Tuesday, 4 March 2025  2h 0m in 3 sessions\n"
+            "\n"
+            "  Editor   1h 30m  75%  2 sessions  ██████████████████\n"
+            "  Browser     30m  25%   1 session  ██████\n");
+}
+
+TEST_F(Reports, NotesOfADayThatTheyReachIntoSayTheirDate) {
+  EXPECT_EQ(user.run({"notes", "2025-03-04"}).output,
+            "Tuesday, 4 March 2025\n"
+            "\n"
+            "  09:00  10:30  1h 30m  Review of the budget\n");
+  user.set("TZ", "Etc/GMT-14");  // 14 hours east: 10:00 is midnight
+  EXPECT_EQ(user.run({"notes", "2025-03-05"}).output,
+            "Wednesday, 5 March 2025\n"
+            "\n"
+            "  2025-03-04 23:00  00:30  1h 30m  Review of the budget\n");
+}
+
+TEST_F(Reports, SearchFindsTitlesAndApplicationsOfAllDays) {
+  const Outcome outcome = user.run({"search", "PULL"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(
+      contains(outcome.output, "  2025-03-04  10:15  10:45  30m 0s  Browser  Pull request 42\n"));
+  EXPECT_EQ(linesOf(user.run({"search", "e", "--limit", "2"}).output).front(),
+            "Found  30m in 2 sessions");
+  EXPECT_EQ(user.run({"search", "no such thing"}).output, "Nothing was found.\n");
+}
+
+TEST_F(Reports, TimesAndDaysAreThoseOfTheZone) {
+  user.set("TZ", "Asia/Kolkata");  // five and a half hours ahead
+  EXPECT_TRUE(contains(user.run({"day", "2025-03-04"}).output,
+                       "  14:45  15:45   1h 0m  Editor   main.cc\n"));
+  EXPECT_TRUE(contains(user.run({"day", "2025-03-05"}).output, "  05:20  05:50  30m 0s  Editor"));
+}
+
+TEST_F(Reports, PlainGivesTheTextOfTheTools) {
+  EXPECT_EQ(user.run({"day", "2025-03-04", "--plain"}).output,
+            "Activities (3 sessions):\n"
+            "• Editor  [2025-03-04T23:50:00 → 2025-03-05T00:20:00]  (30m 0s)\n"
+            "• Browser – Pull request 42  [2025-03-04T10:15:00 → 2025-03-04T10:45:00]  (30m 0s)\n"
+            "• Editor – main.cc  [2025-03-04T09:15:00 → 2025-03-04T10:15:00]  (1h 0m)\n"
+            "\n"
+            "Annotations (1):\n"
+            "• Review of the budget  [2025-03-04T09:00:00 → 2025-03-04T10:30:00]  (1h 30m)\n");
+  EXPECT_EQ(user.run({"usage", "2025-03-04", "--plain"}).output,
+            "App usage summary (2 apps):\n"
+            "• Editor: 1h 30m across 2 session(s)\n"
+            "• Browser: 30m across 1 session(s)\n");
+  EXPECT_EQ(user.run({"notes", "2025-03-04", "--plain"}).output,
+            "Annotations (1):\n"
+            "• Review of the budget  [2025-03-04T09:00:00 → 2025-03-04T10:30:00]  (1h 30m)\n");
+  EXPECT_EQ(user.run({"search", "make", "--plain"}).output,
+            "Activities (1 sessions):\n"
+            "• Terminal – make  [2025-03-05T08:00:00 → 2025-03-05T08:00:42]  (42s)\n");
+}
+
+TEST_F(Reports, ADayWithoutRecordsSaysSo) {
+  EXPECT_TRUE(contains(user.run({"day", "2024-01-01"}).output, "Nothing was recorded"));
+  EXPECT_TRUE(contains(user.run({"usage", "2024-01-01"}).output, "Nothing was recorded"));
+  EXPECT_TRUE(contains(user.run({"notes", "2024-01-01"}).output, "no notes"));
+  EXPECT_EQ(user.run({"day", "2024-01-01"}).status, 0);
+}
+
+TEST_F(Reports, TodayIsTheDayUnlessAnotherIsNamed) {
+  Database record = user.record();
+  const Date now = SystemClock().now();
+  record.insert({.id = {},
+                 .appName = "Ongoing",
+                 .bundleID = {},
+                 .title = {},
+                 .startTime = now,
+                 .endTime = {}});
+  EXPECT_TRUE(contains(user.run({"day"}).output, "now"));
+  EXPECT_TRUE(contains(user.run({"day", "today"}).output, "Ongoing"));
+  EXPECT_FALSE(contains(user.run({"day", "yesterday"}).output, "Ongoing"));
+}
+
+TEST_F(Reports, ColumnsLineUpUnderWideAndCombiningCharacters) {
+  Database record = user.record();
+  const auto add = [&](const char* name, const char* start, const char* end) {
+    record.insert({.id = {},
+                   .appName = name,
+                   .bundleID = {},
+                   .title = {},
+                   .startTime = at(start),
+                   .endTime = at(end)});
+  };
+  add("日本", "2025-06-01T08:00:00Z", "2025-06-01T09:00:00Z");
+  add("Cafe\u0301", "2025-06-01T09:00:00Z", "2025-06-01T09:30:00Z");
+  EXPECT_EQ(user.run({"usage", "2025-06-01"}).output,
+            "Sunday, 1 June 2025  1h 30m in 2 sessions\n"
+            "\n"
+            "  日本  1h 0m  67%  1 session  ████████████████\n"
+            "  Cafe\u0301    30m  33%  1 session  ████████\n");
+}
+
+TEST_F(Reports, ATitleCannotCommandTheTerminal) {
+  user.record().insert({.id = {},
+                        .appName = "Evil",
+                        .bundleID = {},
+                        .title = "a\x1b[2Jb\nc\x07\u202Ed",
+                        .startTime = at("2025-06-01T08:00:00Z"),
+                        .endTime = at("2025-06-01T09:00:00Z")});
+  const std::string output = user.run({"day", "2025-06-01"}).output;
+  EXPECT_TRUE(contains(output, "Evil  a\uFFFD[2Jb c\uFFFD\uFFFDd\n"));
+}
+
+TEST_F(Reports, ATerminalGetsColourAndLinesThatFit) {
+  user.record().insert({.id = {},
+                        .appName = "Long",
+                        .bundleID = {},
+                        .title = std::string(200, 'x'),
+                        .startTime = at("2025-06-01T08:00:00Z"),
+                        .endTime = at("2025-06-01T09:00:00Z")});
+  const Outcome coloured = user.runOnTerminal({"day", "2025-06-01"}, 60);
+  EXPECT_EQ(coloured.status, 0);
+  EXPECT_TRUE(contains(coloured.output, "\x1b[1mLong\x1b[0m"));
+
+  user.set("NO_COLOR", "1");
+  const Outcome plain = user.runOnTerminal({"day", "2025-06-01"}, 60);
+  EXPECT_FALSE(contains(plain.output, "\x1b["));
+  EXPECT_EQ(linesOf(plain.output).back(),
+            "  08:00  09:00  1h 0m  Long  " + std::string(30, 'x') + "…\r");
+
+  const Outcome piped = user.run({"day", "2025-06-01"});
+  EXPECT_TRUE(contains(piped.output, std::string(200, 'x')));
+}
+
+TEST_F(Reports, UsageAgreesWithTheToolsOnADayOfManyApplications) {
+  {
+    Database record = user.record();
+    for (int i = 0; i < 60; ++i) {
+      const double start = at("2025-07-01T08:00:00Z").secondsSince1970 + i * 600.0;
+      record.insert({.id = {},
+                     .appName = "App" + std::to_string(i % 7),
+                     .bundleID = i % 2 == 0 ? std::optional<std::string>("id") : std::nullopt,
+                     .title = {},
+                     .startTime = {start},
+                     .endTime = Date{start + 60.0 * (i % 11)}});
+    }
+  }
+  const auto people = linesOf(user.run({"usage", "2025-07-01"}).output);
+  const auto tools = linesOf(user.run({"usage", "2025-07-01", "--plain"}).output);
+  EXPECT_EQ(people.size() - 2, tools.size() - 1);
+  EXPECT_EQ(tools.size() - 1, 14U);
+  for (std::size_t i = 1; i < tools.size(); ++i) {
+    const std::string duration = tools[i].substr(
+        tools[i].find(": ") + 2, tools[i].find(" across") - tools[i].find(": ") - 2);
+    EXPECT_TRUE(contains(people[i + 1], " " + duration + " ")) << i;
+  }
+}
+
+}  // namespace
+}  // namespace tessum

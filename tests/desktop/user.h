@@ -1,0 +1,67 @@
+// A person at a computer of their own, who runs the host program.
+
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/base/date.h"
+#include "core/store/database.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessum {
+
+// What a program left behind.
+struct Outcome {
+  int status = -1;  // -1 when it was stopped by a signal
+  std::string output;
+  std::string errors;
+};
+
+// Has an empty home folder and the time zone UTC. Not thread-safe.
+class User {
+ public:
+  User();
+
+  // Sets a variable for the programs that are run from now on.
+  void set(const std::string& variable, const std::string& value) { variables_[variable] = value; }
+
+  [[nodiscard]] std::string file(std::string_view name) const { return home_.file(name); }
+  [[nodiscard]] std::string dataFolder() const { return file("data/Tessum"); }
+  [[nodiscard]] std::string recordPath() const { return dataFolder() + "/activities.db"; }
+
+  // The user's record, made where it is missing.
+  [[nodiscard]] Database record() const;
+
+  // Runs the host program with `arguments` and `input` until it ends.
+  [[nodiscard]] Outcome run(const std::vector<std::string>& arguments,
+                            std::string_view input = "") const;
+
+  // The same without the power to pass over the permissions of files, which tests may have.
+  [[nodiscard]] Outcome runWithoutPowers(const std::vector<std::string>& arguments) const;
+
+  // The same with its standard output on a terminal of `columns`.
+  [[nodiscard]] Outcome runOnTerminal(const std::vector<std::string>& arguments,
+                                      unsigned short columns) const;
+
+  // The variables as a started program takes them.
+  [[nodiscard]] std::vector<std::string> environment() const;
+
+ private:
+  TemporaryFolder home_;
+  std::map<std::string, std::string> variables_;
+};
+
+// The host program as this build made it.
+[[nodiscard]] std::string hostProgram();
+
+// The moment that `text` names, such as 2025-03-04T09:00:00Z.
+[[nodiscard]] Date at(std::string_view text);
+
+// The lines of `text`.
+[[nodiscard]] std::vector<std::string> linesOf(const std::string& text);
+
+}  // namespace tessum
