@@ -17,9 +17,8 @@ class PropertyList {
  public:
   explicit PropertyList(std::string_view text) : rest_(text) {
     skip(R"(<?xml version="1.0" encoding="UTF-8"?>)");
-    skip(
-        R"(<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" )"
-        R"("http://www.apple.com/DTDs/PropertyList-1.0.dtd">)");
+    skip(R"(<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" )"
+         R"("http://www.apple.com/DTDs/PropertyList-1.0.dtd">)");
     skip(R"(<plist version="1.0">)");
     skip("<dict>");
     while (trySkip("<key>")) {
