@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BadNote{"UnitTwice", {"note", "x", "--for", "1h1h"}, "unknown duration"},
                     BadNote{"Millennia", {"note", "x", "--for", "99999999h"}, "too long"},
                     BadNote{"TextAndEnd", {"note", "x", "--end"}, "--end"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& note) { return note.param.name; });
 
 TEST(Note, KeepsTextThatIsNotUtf8Readable) {
   const User user;
