@@ -111,7 +111,7 @@ TEST(Record, ASecondRecorderOfTheSameDataIsRefused) {
   desktop.addWindow("App");
   auto recorder = std::make_unique<Recorder>(desktop);
   ASSERT_TRUE(recorder->comesTo({"App|NULL|NULL|open"}));
-  const auto second = desktop.start(TESSUM_PROGRAM, {"record"});
+  const auto second = desktop.start(TESSUM_PROGRAM, {"record", "--no-update-check"});
   EXPECT_EQ(second->wait(), kFailed);
   EXPECT_EQ(second->errors(),
             "Tessum: Another recorder is already writing to " + desktop.dataFolder() + ".\n");
@@ -167,7 +167,8 @@ TEST(Record, SaysWhyItCannotStart) {
         Case{{"DISPLAY=", "WAYLAND_DISPLAY=wayland-0"},
              "This is a Wayland session without X11: the focused window cannot be seen here."},
         Case{{"DISPLAY=nonsense"}, "Cannot connect to the X11 display nonsense."}}) {
-    const auto process = desktop.start(TESSUM_PROGRAM, {"record"}, environment);
+    const auto process =
+        desktop.start(TESSUM_PROGRAM, {"record", "--no-update-check"}, environment);
     EXPECT_EQ(process->wait(), kFailed);
     EXPECT_EQ(process->errors(), "Tessum: " + message + "\n");
   }

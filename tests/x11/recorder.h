@@ -21,7 +21,7 @@ class Recorder {
   // Starts it, and waits until it has made the store.
   explicit Recorder(const Desktop& desktop)
       : desktop_(desktop),
-        process_(desktop.start(TESSUM_PROGRAM, {"record"},
+        process_(desktop.start(TESSUM_PROGRAM, {"record", "--no-update-check"},
                                {"XDG_DATA_DIRS=" + desktop.home().file("share")})) {
     if (!eventually([&] { return std::filesystem::exists(store()); })) {
       throw std::runtime_error("no store was made");
