@@ -39,8 +39,8 @@ std::unique_ptr<ChildProcess> Desktop::start(const std::string& program,
   std::vector<std::string> all = environment;
   for (const auto& variable :
        {"DISPLAY=" + display_, "HOME=" + home_.path(), "XDG_DATA_HOME=" + home_.file("data"),
-        "XDG_DATA_DIRS=" + home_.file("share"), "XDG_CONFIG_HOME=" + home_.file("config"),
-        std::string("WAYLAND_DISPLAY="), std::string("LC_ALL=C.UTF-8")}) {
+        "XDG_CONFIG_HOME=" + home_.file("config"), std::string("WAYLAND_DISPLAY="),
+        std::string("LC_ALL=C.UTF-8")}) {
     all.push_back(variable);
   }
   return std::make_unique<ChildProcess>(

@@ -1,4 +1,5 @@
-// `Tessum record`, running on a test's desktop, and what it has written.
+// `Tessum record`, running on a test's desktop, and what it has written. The desktop entries it
+// sees are those that the test puts into the folder "share" of the desktop's home.
 
 #pragma once
 
@@ -19,7 +20,9 @@ class Recorder {
 
   // Starts it, and waits until it has made the store.
   explicit Recorder(const Desktop& desktop)
-      : desktop_(desktop), process_(desktop.start(TESSUM_PROGRAM, {"record"})) {
+      : desktop_(desktop),
+        process_(desktop.start(TESSUM_PROGRAM, {"record"},
+                               {"XDG_DATA_DIRS=" + desktop.home().file("share")})) {
     if (!eventually([&] { return std::filesystem::exists(store()); })) {
       throw std::runtime_error("no store was made");
     }
