@@ -93,9 +93,12 @@ xcb_window_t Desktop::addWindow(const std::string& windowClass) {
                       XCB_ATOM_CARDINAL, 32, 1, &process);
   xcb_map_window(connection_, window);
   xcb_flush(connection_);
-  if (windowManager_) {
-    expect(eventually([&] { return activeWindow() == window; }), "a new window to be active");
-  }
+  // A window manager that has only just started may miss a window: it is shown again until then.
+  const auto isActive = [&] {
+    xcb_map_window(connection_, window);
+    return activeWindow() == window;
+  };
+  if (windowManager_) expect(eventually(isActive), "a new window to be active");
   return window;
 }
 
