@@ -111,7 +111,7 @@ void Desktop::setProperty(xcb_window_t window, const std::string& name, const st
                           const std::string& bytes) {
   xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(name), atom(type), 8,
                       static_cast<std::uint32_t>(bytes.size()), bytes.data());
-  xcb_flush(connection_);
+  static_cast<void>(activeWindow());  // a round trip: it has arrived
 }
 
 void Desktop::publishActiveWindow(xcb_window_t window) {
