@@ -93,9 +93,12 @@ xcb_window_t Desktop::addWindow(const std::string& windowClass) {
                       XCB_ATOM_CARDINAL, 32, 1, &process);
   xcb_map_window(connection_, window);
   xcb_flush(connection_);
-  if (windowManager_) {
-    expect(eventually([&] { return activeWindow() == window; }), "a new window to be active");
-  }
+  // A window manager that has only just started may miss a window: it is shown again until then.
+  const auto isActive = [&] {
+    xcb_map_window(connection_, window);
+    return activeWindow() == window;
+  };
+  if (windowManager_) expect(eventually(isActive), "a new window to be active");
   return window;
 }
 
@@ -108,7 +111,7 @@ void Desktop::setProperty(xcb_window_t window, const std::string& name, const st
                           const std::string& bytes) {
   xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(name), atom(type), 8,
                       static_cast<std::uint32_t>(bytes.size()), bytes.data());
-  xcb_flush(connection_);
+  static_cast<void>(activeWindow());  // a round trip: it has arrived
 }
 
 void Desktop::publishActiveWindow(xcb_window_t window) {
