@@ -21,8 +21,7 @@ struct Command {
 const Command kReaders[] = {
     {"day", {"day", "2025-03-04"}},     {"dayPlain", {"day", "2025-03-04", "--plain"}},
     {"usage", {"usage", "2025-03-04"}}, {"notes", {"notes", "2025-03-04"}},
-    {"search", {"search", "x"}},        {"timeline", {"timeline", "2025-03-04"}},
-    {"exportCsv", {"export"}},          {"exportJson", {"export", "--format", "json"}},
+    {"search", {"search", "x"}},        {"exportCsv", {"export"}},          {"exportJson", {"export", "--format", "json"}},
 };
 
 const Command kWriters[] = {
@@ -31,7 +30,9 @@ const Command kWriters[] = {
     {"closeOpen", {"doctor", "--close-open", "10m"}},
 };
 
+// The picture is drawn into the folder of the record, so it needs more than reading.
 std::vector<Command> readersAnd(std::vector<Command> others) {
+  others.push_back({"timeline", {"timeline", "2025-03-04"}});
   others.insert(others.end(), std::begin(kReaders), std::end(kReaders));
   return others;
 }
