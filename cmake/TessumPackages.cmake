@@ -3,8 +3,8 @@
 #   cpack -G DEB, cpack -G TGZ      both programs with all that belongs to them
 #   cmake --build . --target mcpb   the stdio server as a bundle that an assistant installs
 #
-# Nothing starts by itself after an installation: recording begins when the user says so, by the
-# unit, by the autostart entry copied into their own folder, or by hand.
+# A package has the paths of the build that it is made from: one for a system is configured with
+# -DCMAKE_INSTALL_PREFIX=/usr.
 
 if(NOT APPLE)
   # "tessum" is what people type. A file system that ignores case has it already.
@@ -13,14 +13,6 @@ if(NOT APPLE)
   install(FILES "${PROJECT_BINARY_DIR}/packaging/tessum"
     DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
 
-  # Packages go to /usr, whatever this build's own prefix is.
-  set(CMAKE_INSTALL_FULL_BINDIR "/usr/${CMAKE_INSTALL_BINDIR}")
-  configure_file(packaging/linux/tessum.service.in packaging/tessum.service @ONLY)
-  configure_file(packaging/linux/tessum.desktop.in packaging/tessum.desktop @ONLY)
-  install(FILES "${PROJECT_BINARY_DIR}/packaging/tessum.service"
-    DESTINATION lib/systemd/user COMPONENT programs)
-  install(FILES "${PROJECT_BINARY_DIR}/packaging/tessum.desktop"
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/tessum/autostart COMPONENT programs)
   install(FILES packaging/icons/tessum.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT programs)
 endif()
@@ -57,7 +49,7 @@ set(CPACK_COMPONENTS_ALL programs)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_PACKAGING_INSTALL_PREFIX "${CMAKE_INSTALL_PREFIX}")
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)

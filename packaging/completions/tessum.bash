@@ -14,6 +14,7 @@ _tessum() {
       --for | --limit | --app | --title) ;;
       *)
         case $command in
+          record) words='--http --no-update-check --help' ;;
           day | usage | notes) words='today yesterday --plain --help' ;;
           search) words='--plain --limit --help' ;;
           note) words='--for --end --help' ;;

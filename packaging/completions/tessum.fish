@@ -10,6 +10,8 @@ for command in record status day usage notes search note timeline clients instal
         update doctor export forget backup
     complete -c tessum -n __fish_use_subcommand -a $command
 end
+__tessum_add record -l http -d 'Answer over HTTP'
+__tessum_add record -l no-update-check -d 'Look for no newer release'
 for command in day usage notes
     __tessum_add $command -a 'today yesterday' -l plain -d 'The text that assistants get'
 end

@@ -19,10 +19,13 @@ struct Command {
 };
 
 const Command kReaders[] = {
-    {"day", {"day", "2025-03-04"}},     {"dayPlain", {"day", "2025-03-04", "--plain"}},
-    {"usage", {"usage", "2025-03-04"}}, {"notes", {"notes", "2025-03-04"}},
-    {"search", {"search", "x"}},        {"timeline", {"timeline", "2025-03-04"}},
-    {"exportCsv", {"export"}},          {"exportJson", {"export", "--format", "json"}},
+    {"day", {"day", "2025-03-04"}},
+    {"dayPlain", {"day", "2025-03-04", "--plain"}},
+    {"usage", {"usage", "2025-03-04"}},
+    {"notes", {"notes", "2025-03-04"}},
+    {"search", {"search", "x"}},
+    {"exportCsv", {"export"}},
+    {"exportJson", {"export", "--format", "json"}},
 };
 
 const Command kWriters[] = {
@@ -31,7 +34,9 @@ const Command kWriters[] = {
     {"closeOpen", {"doctor", "--close-open", "10m"}},
 };
 
+// The picture is drawn into the folder of the record, so it needs more than reading.
 std::vector<Command> readersAnd(std::vector<Command> others) {
+  others.push_back({"timeline", {"timeline", "2025-03-04"}});
   others.insert(others.end(), std::begin(kReaders), std::end(kReaders));
   return others;
 }
@@ -48,15 +53,12 @@ void fill(const User& user) {
                  .title = "x",
                  .startTime = at("2025-03-04T09:00:00Z"),
                  .endTime = {}});
-  for (int i = 0; i < 500; ++i) {
-    const double start = at("2025-03-04T10:00:00Z").secondsSince1970 + i;
-    record.insert({.id = {},
-                   .appName = "Editor",
-                   .bundleID = {},
-                   .title = std::string(100, 'x'),
-                   .startTime = {start},
-                   .endTime = Date{start + 1}});
-  }
+  Sql(user.recordPath())
+      .run(
+          "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 499) "
+          "INSERT INTO activities (app_name, title, start_time, end_time) "
+          "SELECT 'Editor', printf('%.100c', 'x'), strftime('%s', '2025-03-04') + 36000 + i, "
+          "strftime('%s', '2025-03-04') + 36001 + i FROM n;");
 }
 
 void expectFailure(const Outcome& outcome, const char* complaint) {

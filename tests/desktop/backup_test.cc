@@ -11,18 +11,13 @@ namespace {
 
 class Backup : public testing::Test {
  protected:
-  Backup() { add(300); }
-
-  void add(int count) {
-    Database record = user.record();
-    for (int i = 0; i < count; ++i) {
-      record.insert({.id = {},
-                     .appName = "Editor",
-                     .bundleID = {},
-                     .title = std::string(500, 'x'),
-                     .startTime = {1000.0 + i},
-                     .endTime = {}});
-    }
+  Backup() {
+    { const Database made = user.record(); }
+    Sql(user.recordPath())
+        .run(
+            "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 299) "
+            "INSERT INTO activities (app_name, title, start_time) "
+            "SELECT 'Editor', printf('%.500c', 'x'), 1000 + i FROM n;");
   }
 
   User user;

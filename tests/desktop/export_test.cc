@@ -3,6 +3,7 @@
 #include "core/json/reader.h"
 #include "core/store/records.h"
 #include "tests/desktop/user.h"
+#include "tests/support/sql.h"
 
 namespace tessum {
 namespace {
@@ -89,17 +90,11 @@ TEST_F(Export, ALastDayBeforeTheFirstIsAMistake) {
 
 // More rows than one step reads, many of them with the same begin.
 TEST_F(Export, EveryRowOfALongRecordComesOnce) {
-  {
-    Database record = user.record();
-    for (int i = 0; i < 4500; ++i) {
-      record.insert({.id = {},
-                     .appName = "A" + std::to_string(i),
-                     .bundleID = {},
-                     .title = {},
-                     .startTime = {at("2025-04-01T00:00:00Z").secondsSince1970 + i / 1500},
-                     .endTime = {}});
-    }
-  }
+  Sql(user.recordPath())
+      .run(
+          "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 4499) "
+          "INSERT INTO activities (app_name, start_time) "
+          "SELECT 'A' || i, strftime('%s', '2025-04-01') + i / 1500 FROM n;");
   const auto lines = linesOf(user.run({"export", "--from", "2025-04-01"}).output);
   ASSERT_EQ(lines.size(), 4501U);
   for (int i = 0; i < 4500; ++i) {
