@@ -64,7 +64,11 @@ TEST_F(WindowTitle, HasAQuestionMarkForHalfACharacter) {
 }
 
 TEST_F(WindowTitle, IsAbsentForEachFailureToTellTheWindow) {
-  for (const int error : kErrors) EXPECT_EQ(titleWith({error, nullptr}, {}), std::nullopt) << error;
+  for (const int error : kErrors) {
+    fake::Object* title = fake::makeText(u"Notes");
+    EXPECT_EQ(titleWith({error, nullptr}, {0, title}), std::nullopt) << error;
+    fake::release(title);  // nobody asked for it
+  }
 }
 
 TEST_F(WindowTitle, IsAbsentForEachFailureToTellTheTitle) {
