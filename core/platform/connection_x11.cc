@@ -105,6 +105,10 @@ void X11Connection::watchDestruction(std::uint32_t window) {
   watch(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
 }
 
+void X11Connection::unwatch(std::uint32_t window) {
+  watch(window, XCB_EVENT_MASK_NO_EVENT);
+}
+
 // A window that is gone gives an error event, which nextEvent() passes on as none of the others.
 void X11Connection::watch(std::uint32_t window, std::uint32_t eventMask) {
   xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &eventMask);

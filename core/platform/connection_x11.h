@@ -65,6 +65,9 @@ class X11Connection {
   void watchProperties(std::uint32_t window);
   void watchDestruction(std::uint32_t window);
 
+  // Asks for no more events of `window`.
+  void unwatch(std::uint32_t window);
+
   // The properties of `window` in the order of `names`, each absent where the window has none of
   // that name; absent as a whole when there is no such window. One round trip.
   [[nodiscard]] std::optional<std::vector<std::optional<X11Property>>> properties(

@@ -132,8 +132,7 @@ class X11Workspace final : public Workspace {
         return event.property == connection_.atoms().activeWindow ||
                event.property == connection_.atoms().windowManagerCheck;
       case X11Event::Kind::windowDestroyed:
-        if (event.window != managerWindow_) return false;
-        managerLives_ = false;
+        if (event.window == managerWindow_) managerLives_ = false;
         return true;
       case X11Event::Kind::other:
         return false;
@@ -149,7 +148,16 @@ class X11Workspace final : public Workspace {
     const auto& [active, check] = std::tie((*found)[0], (*found)[1]);
     checkManager(check ? check->number().value_or(0) : 0, active.has_value());
     const std::uint32_t window = active && managerLives_ ? active->number().value_or(0) : 0;
+    watchOnly(window);
     tracker_.show(window == 0 ? std::nullopt : describe(window));
+  }
+
+  // Some window managers go on publishing the last window after its end.
+  void watchOnly(std::uint32_t window) {
+    if (window == watchedWindow_) return;
+    if (watchedWindow_ != 0) connection_.unwatch(watchedWindow_);
+    if (window != 0) connection_.watchDestruction(window);
+    watchedWindow_ = window;
   }
 
   // Some window managers have no window for this check; they live as long as they publish.
@@ -222,6 +230,7 @@ class X11Workspace final : public Workspace {
   SystemMainLoop::WatchToken watch_{};
   std::uint32_t managerWindow_ = 0;  // the one checked last
   bool managerLives_ = false;
+  std::uint32_t watchedWindow_ = 0;  // the active one
   bool hasToldLoss_ = false;
   std::map<ObserverToken, ActivationHandler> observers_;
   std::uint64_t lastToken_ = 0;

@@ -57,22 +57,18 @@ std::string Desktop::run(const std::string& program,
   return output;
 }
 
+// A window manager that starts publishes anew what is taken away before.
 void Desktop::startWindowManager() {
-  const xcb_window_t old = windowInProperty("_NET_SUPPORTING_WM_CHECK");
+  xcb_delete_property(connection_, root_, atom("_NET_SUPPORTED"));
   windowManager_ = start("openbox", {"--sm-disable"});
-  expect(eventually([&] {
-           const auto window = windowInProperty("_NET_SUPPORTING_WM_CHECK");
-           return window != 0 && window != old;
-         }),
-         "a window manager");
+  expect(eventually([&] { return firstNumber("_NET_SUPPORTED") != 0; }), "a window manager");
 }
 
 void Desktop::restartWindowManager() {
-  // The one that starts publishes anew what is taken away here.
   const xcb_window_t active = activeWindow();
-  xcb_delete_property(connection_, root_, atom("_NET_CLIENT_LIST"));
+  xcb_delete_property(connection_, root_, atom("_NET_SUPPORTED"));
   run("openbox", {"--restart"});
-  expect(eventually([&] { return windowInProperty("_NET_CLIENT_LIST") != 0; }),
+  expect(eventually([&] { return firstNumber("_NET_SUPPORTED") != 0; }),
          "a window manager that starts anew");
   expect(eventually([&] { return activeWindow() == active; }), "the active window to come back");
 }
@@ -137,7 +133,7 @@ void Desktop::activate(xcb_window_t window) {
 }
 
 xcb_window_t Desktop::activeWindow() {
-  return windowInProperty("_NET_ACTIVE_WINDOW");
+  return firstNumber("_NET_ACTIVE_WINDOW");
 }
 
 xcb_atom_t Desktop::atom(const std::string& name) {
@@ -151,8 +147,8 @@ xcb_atom_t Desktop::atom(const std::string& name) {
   return atoms_[name] = reply->atom;
 }
 
-xcb_window_t Desktop::windowInProperty(const std::string& name) {
-  const auto cookie = xcb_get_property(connection_, 0, root_, atom(name), XCB_ATOM_WINDOW, 0, 1);
+std::uint32_t Desktop::firstNumber(const std::string& name) {
+  const auto cookie = xcb_get_property(connection_, 0, root_, atom(name), XCB_ATOM_ANY, 0, 1);
   const std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
       xcb_get_property_reply(connection_, cookie, nullptr), &std::free);
   xcb_window_t window = 0;

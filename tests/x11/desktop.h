@@ -89,7 +89,7 @@ class Desktop {
 
  private:
   [[nodiscard]] xcb_atom_t atom(const std::string& name);
-  [[nodiscard]] xcb_window_t windowInProperty(const std::string& name);
+  [[nodiscard]] std::uint32_t firstNumber(const std::string& name);
 
   TemporaryFolder home_;
   ChildProcess server_;
