@@ -10,7 +10,7 @@ apt_packages() {
       ;;
     test)
       echo chromium clang curl libgtest-dev libssl-dev openbox openssl strace x11-utils \
-        xdotool xterm xvfb
+        xdotool xterm xvfb zenity
       ;;
     benchmark) echo libbenchmark-dev ;;
     sanitize) echo clang ;;
