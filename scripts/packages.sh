@@ -5,12 +5,12 @@
 apt_packages() {
   case $1 in
     build)
-      echo g++ cmake ninja-build pkg-config libasio-dev libcli11-dev libcurl4-openssl-dev \
-        libsimdjson-dev libsqlite3-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb1-dev
+      echo g++ cmake ninja-build libasio-dev libcli11-dev libcurl4-openssl-dev libsimdjson-dev \
+        libsqlite3-dev libxcb1-dev
       ;;
     test)
-      echo chromium clang curl libgtest-dev libssl-dev openbox openssl strace x11-utils \
-        xdotool xterm xvfb zenity
+      echo clang curl libgtest-dev libssl-dev openbox openssl strace x11-utils xdotool \
+        xterm xvfb zenity
       ;;
     benchmark) echo libbenchmark-dev ;;
     sanitize) echo clang ;;
@@ -19,7 +19,7 @@ apt_packages() {
 }
 brew_packages() {
   case $1 in
-    build) echo asio cli11 cmake ninja pkgconf simdjson ;;
+    build) echo asio cli11 cmake ninja simdjson ;;
     test) echo googletest node openssl ;;
     benchmark) echo google-benchmark ;;
     sanitize) echo llvm ;;
@@ -80,6 +80,10 @@ need() {
       install_apt $(apt_packages "$job")
       # Node.js may have come from elsewhere, and then brought its npm along.
       [ "$job" != test ] || command -v npm >/dev/null || install_apt nodejs npm
+      # Ubuntu has Chromium in another form only; its tests are then skipped.
+      [ "$job" != test ] || ! apt-cache show chromium >/dev/null 2>&1 || install_apt chromium
+      # The sanitizers' runtime is named for its compiler's version.
+      ! command -v clang >/dev/null || install_apt "libclang-rt-$(clang -dumpversion | cut -d. -f1)-dev"
     elif command -v brew >/dev/null; then
       install_brew $(brew_packages "$job")
     else
