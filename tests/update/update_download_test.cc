@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -7,9 +10,15 @@
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
+
+#ifdef __linux__
+#include <sched.h>
+#endif
 
 #include "tests/update/update_checker_fixture.h"
 
@@ -248,29 +257,65 @@ TEST_F(UpdateDownloadTest, FailsWhenItsFolderCannotBeMade) {
                                                    updatesFolder() + ": Not a directory"}}));
 }
 
-using UpdateDownloadDeathTest = UpdateDownloadTest;
+constexpr int kNoDiskOfItsOwn = 77;
 
-// The system refuses to let a file grow, as a full disk does: here by a limit on the process.
-TEST_F(UpdateDownloadDeathTest, FailsWhenTheFileCannotGrow) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  const auto body = [this] {
+class UpdateDownloadDeathTest : public UpdateDownloadTest {
+ protected:
+  // The status that a child of the test ends with after a download for which `makeRoomScarce` has
+  // left too little room: 0 when it failed for `reason` and left nothing behind.
+  int failedDownload(const std::function<int()>& makeRoomScarce, std::string_view reason) {
+    if (const int status = makeRoomScarce()) return status;
     const auto server = serve(Routes(kImagePath, answering(std::string(300'000, 'x'))));
-    constexpr rlimit kLimit = {100'000, 100'000};
-    std::signal(SIGXFSZ, SIG_IGN);
-    if (setrlimit(RLIMIT_FSIZE, &kLimit) != 0) return 2;
     makeChecker(unreachableUrl(), server->url());
     checker_->downloadAndInstall(kRelease);
     if (!waitForDownload()) return 3;
     const auto* error = std::get_if<Error>(&states_.back());
     if (error == nullptr || !error->message.starts_with("Download failed: Cannot write ") ||
-        !error->message.ends_with(": File too large")) {
+        !error->message.ends_with(reason)) {
       return 4;
     }
     settle();
     return storedNames().empty() && opener_.urls().empty() ? 0 : 5;
+  }
+};
+
+// The system refuses to let a file grow: here by a limit on the process.
+TEST_F(UpdateDownloadDeathTest, FailsWhenTheFileCannotGrow) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const auto limitFiles = [] {
+    constexpr rlimit kLimit = {100'000, 100'000};
+    std::signal(SIGXFSZ, SIG_IGN);
+    return setrlimit(RLIMIT_FSIZE, &kLimit) == 0 ? 0 : 2;
   };
-  EXPECT_EXIT(std::_Exit(body()), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(std::_Exit(failedDownload(limitFiles, ": File too large")),
+              testing::ExitedWithCode(0), "");
 }
+
+#ifdef __linux__
+
+// A small disk that only the child sees. Where it may not mount one the test is skipped.
+TEST_F(UpdateDownloadDeathTest, FailsWhenTheDiskIsFull) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const auto mountSmallDisk = [this] {
+    const int scope = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
+    const std::string disk = locations_.dataFolder();
+    std::filesystem::create_directories(disk);
+    const bool isMounted = unshare(scope) == 0 &&
+                           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                           mount("tessum", disk.c_str(), "tmpfs", 0, "size=64k") == 0;
+    return isMounted ? 0 : kNoDiskOfItsOwn;
+  };
+  int code = -1;
+  const auto succeedsOrHasNoDisk = [&code](int status) {
+    code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return code == 0 || code == kNoDiskOfItsOwn;
+  };
+  EXPECT_EXIT(std::_Exit(failedDownload(mountSmallDisk, ": No space left on device")),
+              succeedsOrHasNoDisk, "");
+  if (code == kNoDiskOfItsOwn) GTEST_SKIP() << "no disk of its own";
+}
+
+#endif
 
 struct NameCase {
   std::string header;
