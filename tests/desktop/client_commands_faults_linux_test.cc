@@ -32,7 +32,7 @@ class ClientCommandsFaults : public testing::Test {
     writeFile(user_.file(".cursor/mcp.json"), kOld);
   }
 
-  const ClientUser user_;
+  const ClientUser user_{};
   const std::string file_ = user_.file(".cursor/mcp.json");
   const TracedProgram program_{TESSUM_PROGRAM, {"install", "cursor"}, user_.environment()};
   std::vector<SystemCall> calls_;

@@ -68,7 +68,7 @@ class ClientCommands : public testing::Test {
     return "";
   }
 
-  const ClientUser user_;
+  const ClientUser user_{};
 };
 
 ////////////////////////////////////////////////////////////////////////////////////////////////
