@@ -17,8 +17,8 @@ class HTTPEndpointTest : public testing::Test {
   TemporaryFolder folder_;
   const std::string path_ = folder_.file("activities.db");
   const std::uint16_t port_ = freePort();
-  const SystemClock clock_;
-  const SystemCalendar calendar_;
+  const SystemClock clock_{};
+  const SystemCalendar calendar_{};
 };
 
 TEST_F(HTTPEndpointTest, IsOpenFromItsMakingToItsEnd) {
