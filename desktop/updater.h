@@ -23,7 +23,7 @@ class Updater {
 
  private:
   const SystemAppInfo appInfo_;
-  const SystemUrlOpener opener_;
+  const SystemUrlOpener opener_{};
   ThreadQueue queue_{"com.tessum.update"};
   CurlHttpClient http_;
   UpdateChecker checker_;

@@ -21,8 +21,8 @@ std::optional<std::string> textOf(NSString* text) {
 
 std::optional<RunningApplication> describe(NSRunningApplication* application) {
   if (application == nil) return std::nullopt;
-  return RunningApplication{textOf(application.localizedName),
-                            textOf(application.bundleIdentifier), application.processIdentifier};
+  return RunningApplication{textOf(application.localizedName), textOf(application.bundleIdentifier),
+                            application.processIdentifier};
 }
 
 class MacWorkspace final : public Workspace {

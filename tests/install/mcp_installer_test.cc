@@ -47,7 +47,7 @@ class MCPInstallerTest : public testing::Test {
 
   const TemporaryFolder folder_;
   const std::string path_ = folder_.file("mcp.json");
-  const SystemFiles files_;
+  const SystemFiles files_{};
   FakeLocations locations_;
   const MCPInstaller installer_{kURL, files_, locations_};
 };

@@ -58,7 +58,7 @@ class FilesTest : public testing::Test {
  protected:
   const TemporaryFolder folder_;
   const std::string path_ = folder_.file("settings.json");
-  const SystemFiles files_;
+  const SystemFiles files_{};
 };
 
 TEST_F(FilesTest, ReadsEveryByte) {
