@@ -84,12 +84,13 @@ std::string Statement::text(int column) {
   return *std::move(text);
 }
 
+// Each look at a column takes SQLite's lock. So the value is asked for first, and its type only
+// where the value leaves open whether there is one.
 std::optional<std::string> Statement::optionalText(int column) {
-  if (sqlite3_column_type(statement_.get(), column) == SQLITE_NULL) return std::nullopt;
-  const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
-  const auto length = static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column));
-  if (bytes == nullptr) throw std::bad_alloc();
-  return validUtf8({bytes, length});
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+  if (text != nullptr) return validUtf8(text);
+  if (sqlite3_column_type(statement_.get(), column) != SQLITE_NULL) throw std::bad_alloc();
+  return std::nullopt;
 }
 
 Date Statement::date(int column) {
@@ -97,8 +98,11 @@ Date Statement::date(int column) {
 }
 
 std::optional<Date> Statement::optionalDate(int column) {
-  if (sqlite3_column_type(statement_.get(), column) == SQLITE_NULL) return std::nullopt;
-  return date(column);
+  const Date value = date(column);
+  if (value == Date{} && sqlite3_column_type(statement_.get(), column) == SQLITE_NULL) {
+    return std::nullopt;
+  }
+  return value;
 }
 
 std::int64_t Statement::rowID(int column) {
