@@ -12,9 +12,13 @@ namespace {
 
 constexpr int kNotFound = 127;
 
-bool managesMemory(const std::string& call) {
-  static const std::set<std::string> kCalls{"brk",     "mmap",  "munmap", "mprotect", "mremap",
-                                            "madvise", "prctl", "futex",  "exit",     "exit_group"};
+// Calls that are not about files: those that manage memory, and the drawing of random numbers,
+// which the C library repeats by chance (one temporary name in twenty takes a second number), so
+// that the calls of one run are not those of the next.
+bool isLeftAlone(const std::string& call) {
+  static const std::set<std::string> kCalls{"brk",    "mmap",       "munmap",   "mprotect",
+                                            "mremap", "madvise",    "prctl",    "futex",
+                                            "exit",   "exit_group", "getrandom"};
   return kCalls.contains(call);
 }
 
@@ -61,7 +65,7 @@ std::vector<SystemCall> TracedProgram::callsFrom(std::string_view text) const {
     const std::string name = line.substr(0, parenthesis);
     const int occurrence = ++occurrences[name];
     isMentioned |= line.find(text) != std::string::npos;
-    if (isMentioned && !managesMemory(name)) calls.push_back({name, occurrence});
+    if (isMentioned && !isLeftAlone(name)) calls.push_back({name, occurrence});
   }
   return calls;
 }

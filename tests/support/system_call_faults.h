@@ -27,7 +27,7 @@ struct TracedProgram {
   std::vector<std::string> environment;
 
   // The calls that it makes from the first that mentions `text` to its end, but for those that
-  // manage its memory.
+  // manage its memory or draw random numbers.
   [[nodiscard]] std::vector<SystemCall> callsFrom(std::string_view text) const;
 
   // Runs it with one call replaced by `fault`: "error=ENOSPC" or "signal=KILL", say.
