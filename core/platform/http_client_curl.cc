@@ -3,6 +3,9 @@
 // Only that thread touches libcurl, but for curl_multi_wakeup(). A transfer is shared between its
 // owner and the thread; its mutex is held while an event runs, so that an owner who lets go of it
 // waits for that one call, and no other follows.
+//
+// libcurl hands out a body in records of TLS, 16 KiB at most. What comes without a pause is gathered
+// and handed on in larger pieces, since each may wake other threads.
 
 #include <curl/curl.h>
 #include <pthread.h>
@@ -26,6 +29,7 @@ namespace {
 using SteadyClock = std::chrono::steady_clock;
 
 constexpr long kMostRedirects = 20;
+constexpr std::size_t kLargestPiece = std::size_t{256} << 10;
 
 struct MultiCloser {
   void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
@@ -125,11 +129,30 @@ class Transfer {
   void end(CURLcode result) {
     // An answer that breaks off within its headers is an empty one to libcurl.
     if (result == CURLE_OK && !hasHeaders_) result = CURLE_PARTIAL_FILE;
+    if (!handOn() && result == CURLE_OK) result = CURLE_WRITE_ERROR;
     std::optional<std::string> failure;
     if (result != CURLE_OK) failure = thrown_ ? *thrown_ : curl_easy_strerror(result);
     const std::lock_guard lock(mutex_);
     if (!isCancelled_) events_.onEnd(head(), failure);
     events_ = {};
+  }
+
+  [[nodiscard]] bool hasGathered() const { return !gathered_.empty(); }
+
+  // Hands on what was gathered. Whether the transfer is to go on.
+  bool handOn() {
+    const std::lock_guard lock(mutex_);
+    if (isCancelled_ || thrown_) return false;
+    if (gathered_.empty()) return true;
+    try {
+      events_.onData(head(), gathered_);
+      gathered_.clear();
+      lastActivity_ = SteadyClock::now();  // now, as the event may have waited for the disk
+      return true;
+    } catch (const std::exception& error) {  // libcurl is C: nothing may be thrown through it
+      thrown_ = error.what();
+      return false;
+    }
   }
 
   // Gives the handle back, which the multi handle must no longer know.
@@ -154,17 +177,9 @@ class Transfer {
 
   // Whether the transfer is to go on.
   bool receive(std::string_view bytes) {
-    const std::lock_guard lock(mutex_);
-    if (isCancelled_) return false;
-    if (bytes.empty()) return true;
-    try {
-      events_.onData(head(), bytes);
-      lastActivity_ = SteadyClock::now();  // now, as the event may have waited for the disk
-      return true;
-    } catch (const std::exception& error) {  // libcurl is C: nothing may be thrown through it
-      thrown_ = error.what();
-      return false;
-    }
+    lastActivity_ = SteadyClock::now();
+    gathered_.append(bytes);
+    return gathered_.size() < kLargestPiece || handOn();
   }
 
   const HttpHead& head() {
@@ -197,6 +212,7 @@ class Transfer {
   Easy easy_;
   SteadyClock::time_point lastActivity_;
   bool hasHeaders_ = false;            // whether those of the last answer are complete
+  std::string gathered_;               // of the body, not handed on yet
   std::optional<std::string> thrown_;  // by onData
   std::optional<HttpHead> head_;       // known once the body begins
 };
@@ -244,7 +260,9 @@ class CurlHttpClient::Loop {
       endFinished();
       dropCancelled();
       endIdle();
-      curl_multi_poll(multi_.get(), nullptr, 0, patience(), nullptr);
+      int ready = 0;
+      curl_multi_poll(multi_.get(), nullptr, 0, patience(), &ready);
+      if (ready == 0) handOnGathered();
     }
     while (!running_.empty()) remove(running_.back());
   }
@@ -271,6 +289,14 @@ class CurlHttpClient::Loop {
           *std::find_if(running_.begin(), running_.end(),
                         [easy](const auto& transfer) { return transfer->easy() == easy; });
       end(finished, result);
+    }
+  }
+
+  // The network makes a pause.
+  void handOnGathered() {
+    const auto running = running_;
+    for (const auto& transfer : running) {
+      if (transfer->hasGathered() && !transfer->handOn()) end(transfer, CURLE_WRITE_ERROR);
     }
   }
 
@@ -307,6 +333,10 @@ class CurlHttpClient::Loop {
 
   // How long, in milliseconds, the network may stay silent before there is something to do.
   [[nodiscard]] int patience() const {
+    if (std::any_of(running_.begin(), running_.end(),
+                    [](const auto& transfer) { return transfer->hasGathered(); })) {
+      return 0;
+    }
     constexpr std::chrono::milliseconds kLongest = std::chrono::hours(1);
     auto left = kLongest;
     for (const auto& transfer : running_) {
