@@ -40,9 +40,8 @@ class Statement {
   // the read fails: a read never reports an error but ends early.
   [[nodiscard]] bool nextRow();
 
-  // The columns of the current row. A text is made valid UTF-8 and ends
-  // at its first NUL, as bound texts do. NULL in a column that is never
-  // NULL stops the process.
+  // The columns of the current row. A text is made valid UTF-8 and ends at its first NUL, as bound
+  // texts do. NULL in a column that is never NULL stops the process.
   [[nodiscard]] std::string text(int column);
   [[nodiscard]] std::optional<std::string> optionalText(int column);
   [[nodiscard]] Date date(int column);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "core/store/database.h"
 #include "tests/support/environment.h"
 #include "tests/support/sql.h"
@@ -83,6 +85,27 @@ TEST_F(QueriesTest, FetchActivitiesGivesTheDayNewestFirst) {
   add("last", kNoon + 12 * kHour - 1);
   add("tomorrow", kNoon + 12 * kHour);
   EXPECT_EQ(appsOf(database_.fetchActivities({kNoon + 100}, 100)), (Apps{"last", "noon", "first"}));
+}
+
+TEST_F(QueriesTest, AVisitorGetsWhatAListWouldHold) {
+  for (int i = 0; i < 5; ++i)
+    add("A", kNoon + i, i % 2 == 0 ? std::optional("even") : std::nullopt);
+  std::vector<Activity> visited;
+  const ActivityVisitor keep = [&](const Activity& activity) { visited.push_back(activity); };
+  database_.fetchActivities({kNoon}, 3, keep);
+  EXPECT_EQ(visited, database_.fetchActivities({kNoon}, 3));
+  visited.clear();
+  database_.searchActivities("even", 2, keep);
+  EXPECT_EQ(visited, database_.searchActivities("even", 2));
+}
+
+TEST_F(QueriesTest, AVisitorThatThrowsEndsTheReadAndReleasesTheFile) {
+  add("A", kNoon);
+  add("B", kNoon + 1);
+  EXPECT_THROW(database_.fetchActivities(
+                   {kNoon}, 10, [](const Activity&) { throw std::runtime_error("enough"); }),
+               std::runtime_error);
+  EXPECT_EQ(sql_.row("UPDATE activities SET title = 'free' RETURNING title"), "free");
 }
 
 TEST_F(QueriesTest, ASessionAcrossMidnightBelongsWhollyToTheDayItBeganOn) {
