@@ -1,4 +1,4 @@
-// UTF-8 text from outside: made valid, and trimmed.
+// Text from outside as UTF-8: converted, made valid, and trimmed.
 
 #pragma once
 
@@ -13,6 +13,9 @@ void appendValidUtf8(std::string& out, std::string_view bytes);
 
 // `bytes` made valid in the same way.
 [[nodiscard]] std::string validUtf8(std::string_view bytes);
+
+// `bytes` of ISO 8859-1 as UTF-8.
+[[nodiscard]] std::string utf8FromLatin1(std::string_view bytes);
 
 // The part of valid UTF-8 `text` without leading and trailing white space: tab, U+000A to
 // U+000D, U+0085, U+2028, U+2029 and the space separators. It refers into `text`.

@@ -249,20 +249,6 @@ class CompoundText {
 
 }  // namespace
 
-std::string utf8FromLatin1(std::string_view bytes) {
-  std::string out;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      out += c;
-    } else {
-      out += static_cast<char>(0xC0U | (byte >> 6U));
-      out += static_cast<char>(0x80U | (byte & 0x3FU));
-    }
-  }
-  return out;
-}
-
 std::string utf8FromCompoundText(std::string_view bytes) {
   return CompoundText(bytes).toUtf8();
 }

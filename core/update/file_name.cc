@@ -68,20 +68,6 @@ std::string unquoted(std::string_view value) {
   return text;
 }
 
-std::string utf8FromLatin1(std::string_view text) {
-  std::string utf8;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      utf8 += c;
-      continue;
-    }
-    utf8 += static_cast<char>(0xC0 | byte >> 6);
-    utf8 += static_cast<char>(0x80 | (byte & 0x3F));
-  }
-  return utf8;
-}
-
 // The text of an extended value such as UTF-8'en'%C3%A9.dmg; absent when it has another form or a
 // character set other than the two that RFC 5987 names.
 std::optional<std::string> extendedText(std::string_view value) {

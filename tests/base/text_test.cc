@@ -54,5 +54,11 @@ INSTANTIATE_TEST_SUITE_P(
                     TrimCase{"\u200Bx\u200B", "\u200Bx\u200B"},  // zero width space is none
                     TrimCase{"\uFEFFx", "\uFEFFx"}, TrimCase{"é", "é"}));
 
+TEST(Utf8FromLatin1, TurnsEachByteIntoItsCharacter) {
+  EXPECT_EQ(utf8FromLatin1(""), "");
+  EXPECT_EQ(utf8FromLatin1("plain ~"), "plain ~");
+  EXPECT_EQ(utf8FromLatin1("caf\xE9 \x80\xFF"), "caf\u00E9 \u0080\u00FF");
+}
+
 }  // namespace
 }  // namespace tessum

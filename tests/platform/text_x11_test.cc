@@ -9,12 +9,6 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(Utf8FromLatin1, TurnsEachByteIntoItsCharacter) {
-  EXPECT_EQ(utf8FromLatin1(""), "");
-  EXPECT_EQ(utf8FromLatin1("plain ~"), "plain ~");
-  EXPECT_EQ(utf8FromLatin1("caf\xE9 \x80\xFF"), "caf\u00E9 \u0080\u00FF");
-}
-
 struct CompoundCase {
   std::string bytes;
   std::string text;
