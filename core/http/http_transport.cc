@@ -21,9 +21,14 @@ struct HTTPTransport::State {
   auto onQueue(Task task) {
     if (queue.isCurrent()) return task();
     std::packaged_task<decltype(task())()> packaged(std::move(task));
-    auto result = packaged.get_future();
-    asio::post(context, [packaged = std::move(packaged)]() mutable { packaged(); });
-    return result.get();
+    // The queue has let go of an exception before it is thrown here: nobody shares it.
+    const auto hasRun = std::make_shared<std::promise<void>>();
+    asio::post(context, [&packaged, hasRun] {
+      packaged();
+      hasRun->set_value();
+    });
+    hasRun->get_future().get();
+    return packaged.get_future().get();
   }
 
   void listen(std::uint16_t port) {
