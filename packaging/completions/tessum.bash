@@ -21,6 +21,7 @@ _tessum() {
           timeline) words='today yesterday --output --help' ;;
           install) words='--all --file --http --help' ;;
           uninstall) words='--all --file --help' ;;
+          update) words='--download --help' ;;
           doctor) words='--close-open --help' ;;
           export) words='--from --to --format --help' ;;
           forget) words='--from --to --app --title --yes --help' ;;
