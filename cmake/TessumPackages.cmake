@@ -49,13 +49,13 @@ if(NOT APPLE)
       -P "${CMAKE_CURRENT_LIST_DIR}/CopyLibraries.cmake"
     VERBATIM)
 endif()
+set(bundle "${PROJECT_BINARY_DIR}/tessum-${PROJECT_VERSION}-${system_and_processor}.mcpb")
 add_custom_target(mcpb
-  COMMAND "${CMAKE_COMMAND}" -E tar cf
-    "${PROJECT_BINARY_DIR}/tessum-${PROJECT_VERSION}-${system_and_processor}.mcpb"
-    --format=zip manifest.json server
+  COMMAND "${CMAKE_COMMAND}" -D BUNDLE=${bundle} -P "${CMAKE_CURRENT_LIST_DIR}/MakeBundle.cmake"
   WORKING_DIRECTORY "${bundle_folder}"
   DEPENDS tessum_bundled_server
   VERBATIM)
+set_target_properties(mcpb PROPERTIES BUNDLE_FILE "${bundle}")
 
 set(CPACK_PACKAGE_NAME tessum)
 set(CPACK_PACKAGE_VENDOR Tessum)

@@ -48,6 +48,14 @@ constexpr Elsewhere kElsewhere[] = {
     {"cmake -B build -DTESSUM_UPDATE_PRIMARY_URL=https://updates.example/ \\\n"
      "               -DTESSUM_UPDATE_FALLBACK_URL=https://mirror.example/tessum",
      "tests/update/check-update-urls"},
+    // What installs something, and the test of that.
+    {"scripts/package", "tests/package/installed-debian"},
+    {"sudo apt install ./build/package/tessum_1.0.0_amd64.deb", "tests/package/installed-debian"},
+    {"sudo apt remove tessum", "tests/package/installed-debian"},
+    {"sudo tar -xzf build/package/tessum-1.0.0-linux-x86_64.tar.gz -C /usr/local",
+     "tests/package/installed-debian"},
+    {"sudo debootstrap --variant=minbase bookworm root", "tests/package/installed-debian"},
+    {"sudo tests/package/installed-debian build/package root", "tests/package/installed-debian"},
     // Measurements, which are made by hand.
     {"benchmarks/run", "benchmarks/run"},
     {"benchmarks/run year", "benchmarks/run"},
