@@ -321,8 +321,9 @@ void Record::copyTo(const std::string& path) {
     throw DatabaseError::openFailed(copy == nullptr ? "out of memory" : sqlite3_errmsg(copy));
   }
   copyInto(copy);
-  const auto findings = checkIntegrity(copy);
-  if (!findings.empty()) throw DatabaseError::executionFailed(findings.front());
+  if (!checkIntegrity(copy).empty()) {
+    throw DatabaseError::executionFailed(sqlite3_errstr(SQLITE_CORRUPT));
+  }
   unfinished.isKept = true;
 }
 

@@ -8,7 +8,6 @@
 #include <stdexcept>
 
 #include "core/platform/calendar.h"
-#include "tests/support/child_process.h"
 #include "tests/support/terminal.h"
 
 #if defined(__linux__)
@@ -56,19 +55,21 @@ std::vector<std::string> User::environment() const {
   return environment;
 }
 
+std::unique_ptr<ChildProcess> User::start(const std::vector<std::string>& arguments) const {
+  return std::make_unique<ChildProcess>(
+      hostProgram(), ChildProcess::Options{.arguments = arguments, .environment = environment()});
+}
+
 Outcome User::run(const std::vector<std::string>& arguments, std::string_view input) const {
-  ChildProcess program(hostProgram(), {.arguments = arguments, .environment = environment()});
-  program.write(input);
-  program.closeInput();
-  std::string output = program.readRest();
-  return finish(program, std::move(output));
+  const auto program = start(arguments);
+  program->write(input);
+  return outcomeOf(*program);
 }
 
 Outcome User::runWithoutPowers(const std::vector<std::string>& arguments) const {
   ChildProcess program(
       hostProgram(), {.arguments = arguments, .environment = environment(), .prepare = dropPowers});
-  std::string output = program.readRest();
-  return finish(program, std::move(output));
+  return outcomeOf(program);
 }
 
 Outcome User::runOnTerminal(const std::vector<std::string>& arguments,
@@ -79,6 +80,12 @@ Outcome User::runOnTerminal(const std::vector<std::string>& arguments,
                                        .environment = environment(),
                                        .prepare = [screen] { dup2(screen, STDOUT_FILENO); }});
   std::string output = terminal.readAll();
+  return finish(program, std::move(output));
+}
+
+Outcome outcomeOf(ChildProcess& program) {
+  program.closeInput();
+  std::string output = program.readRest();
   return finish(program, std::move(output));
 }
 
