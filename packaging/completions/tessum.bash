@@ -5,7 +5,7 @@ _tessum() {
   local command=${COMP_WORDS[1]} words=
   if [ "$COMP_CWORD" -eq 1 ]; then
     words='record status day usage notes search note timeline clients install uninstall update
-      doctor export forget backup --help'
+      doctor export forget backup --help --version'
   else
     case $previous in
       --from | --to) words='today yesterday' ;;

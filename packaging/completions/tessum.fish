@@ -6,6 +6,7 @@ end
 
 complete -c tessum -f
 complete -c tessum -l help -d 'Show help'
+complete -c tessum -n __fish_use_subcommand -l version -d 'Show the version'
 for command in record status day usage notes search note timeline clients install uninstall \
         update doctor export forget backup
     complete -c tessum -n __fish_use_subcommand -a $command

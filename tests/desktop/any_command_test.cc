@@ -249,6 +249,12 @@ TEST(CommandLine, AnsweringForHelpGivesExamplesForEveryCommand) {
   EXPECT_GE(count, 10);
 }
 
+TEST(CommandLine, TellsTheVersion) {
+  const Outcome outcome = User().run({"--version"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output, "Tessum " TESSUM_VERSION "\n");
+}
+
 TEST(CommandLine, WhatIsUnknownIsAMistake) {
   const User user;
   for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
