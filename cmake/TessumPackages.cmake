@@ -31,27 +31,22 @@ set(system_and_processor "${system}-${CMAKE_SYSTEM_PROCESSOR}")
 
 # The server once more, as it is in a bundle: that has its libraries in it, as an assistant installs
 # nothing else. On macOS the one that the system lacks stays where Homebrew has it.
-set(bundle_folder "${PROJECT_BINARY_DIR}/packaging/mcpb")
-set(TESSUM_BUNDLE_PLATFORM "${system}")
-configure_file(packaging/mcpb/manifest.json.in "${bundle_folder}/manifest.json" @ONLY)
 get_target_property(server_sources TessumMCP SOURCES)
 list(TRANSFORM server_sources PREPEND server/)
 add_executable(tessum_bundled_server EXCLUDE_FROM_ALL ${server_sources})
 target_link_libraries(tessum_bundled_server PRIVATE
   tessum_mcp tessum_store tessum_platform tessum_options)
-set_target_properties(tessum_bundled_server PROPERTIES
-  OUTPUT_NAME TessumMCP
-  RUNTIME_OUTPUT_DIRECTORY "${bundle_folder}/server")
 if(NOT APPLE)
   set_target_properties(tessum_bundled_server PROPERTIES BUILD_RPATH "\$ORIGIN")
-  add_custom_command(TARGET tessum_bundled_server POST_BUILD
-    COMMAND "${CMAKE_COMMAND}" -D PROGRAM=$<TARGET_FILE:tessum_bundled_server>
-      -P "${CMAKE_CURRENT_LIST_DIR}/CopyLibraries.cmake"
-    VERBATIM)
 endif()
+
 set(bundle "${PROJECT_BINARY_DIR}/tessum-${PROJECT_VERSION}-${system_and_processor}.mcpb")
+set(bundle_folder "${PROJECT_BINARY_DIR}/packaging/mcpb")
+set(TESSUM_BUNDLE_PLATFORM "${system}")
+configure_file(packaging/mcpb/manifest.json.in "${bundle_folder}/manifest.json" @ONLY)
 add_custom_target(mcpb
-  COMMAND "${CMAKE_COMMAND}" -D BUNDLE=${bundle} -P "${CMAKE_CURRENT_LIST_DIR}/MakeBundle.cmake"
+  COMMAND "${CMAKE_COMMAND}" -D PROGRAM=$<TARGET_FILE:tessum_bundled_server> -D BUNDLE=${bundle}
+    -P "${CMAKE_CURRENT_LIST_DIR}/MakeBundle.cmake"
   WORKING_DIRECTORY "${bundle_folder}"
   DEPENDS tessum_bundled_server
   VERBATIM)
