@@ -43,6 +43,10 @@ int runCommand(int argc, char** argv) {
     return "Tessum: " + printable(validUtf8(error.what())) +
            "\nRun with --help for what can be given.\n";
   });
+  app.footer(
+      "\"Tessum COMMAND --help\" has examples. The exit status is 0 on success, 1 when the "
+      "command\n"
+      "failed and 2 when the command line was wrong.");
   addRecordCommand(app, host);
   addStatusCommand(app, host);
   addReportCommands(app, host);
