@@ -298,6 +298,39 @@ TEST(Options, StandInTheManualAndInEachCompletion) {
   }
 }
 
+// In the README: "> " stands before the request, "< " before the answer, and each line end in the
+// answer's text is shown as one.
+TEST(TheConversation, IsWhatTheServerAnswers) {
+  const std::string readme = readFile(kRoot / "README.md");
+  const auto between = [&](std::string_view before, std::string_view after) {
+    const auto start = readme.find(before) + before.size();
+    return readme.substr(start, readme.find(after, start) - start);
+  };
+  const std::string request = between("\n> ", "\n");
+  const std::string answer = replaced(between("\n< ", "\n```"), "\n", "\\n");
+
+  User user;
+  {
+    Database record = user.record();
+    const auto add = [&](const char* app, const char* start, const char* end) {
+      record.insert({.id = {},
+                     .appName = app,
+                     .bundleID = {},
+                     .title = {},
+                     .startTime = at(start),
+                     .endTime = at(end)});
+    };
+    add("Editor", "2025-03-04T09:00:00Z", "2025-03-04T10:01:00Z");
+    add("Mail", "2025-03-04T10:01:00Z", "2025-03-04T10:04:00Z");
+    add("Terminal", "2025-03-04T10:04:00Z", "2025-03-04T10:04:42Z");
+    add("Mail", "2025-03-04T10:05:00Z", "2025-03-04T10:07:00Z");
+  }
+  ChildProcess server(fs::path(hostProgram()).parent_path() / "TessumMCP",
+                      {.environment = user.environment()});
+  server.writeLine(request);
+  EXPECT_EQ(server.readLine(), answer);
+}
+
 TEST(CommandsRunElsewhere, AreStillShownAndStillRunThere) {
   std::set<std::string_view> shown;
   for (const Document& document : allDocuments()) {
