@@ -270,6 +270,13 @@ std::optional<Date> Record::startOfNext(const Activity& session) {
   return next.front().startTime;
 }
 
+constexpr char kTrial[] = "INSERT INTO activities (app_name, start_time) VALUES ('', 0);";
+
+void Record::tryWriting() {
+  const Transaction transaction(db_.get());
+  Statement(db_.get(), kTrial).execute();
+}
+
 constexpr char kEndSession[] =
     "UPDATE activities SET end_time = ? WHERE id = ? AND end_time IS NULL;";
 

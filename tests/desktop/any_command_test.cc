@@ -43,6 +43,7 @@ const Command kReaders[] = {
 };
 
 const Command kWriters[] = {
+    {"record", {"record", "--no-update-check"}},
     {"note", {"note", "x"}},
     {"endNote", {"note", "--end"}},
     {"forget", {"forget", "--app", "Editor", "--yes"}},
@@ -194,6 +195,7 @@ class WritesToWhatIsReadOnly : public testing::TestWithParam<Command> {};
 TEST_P(WritesToWhatIsReadOnly, SaysSoAndChangesNothing) {
   const User user;
   fill(user);
+  writeFile(user.dataFolder() + "/recorder.lock", "");  // of an earlier recorder
   const std::string before = readFile(user.recordPath());
   chmod(user.recordPath().c_str(), 0400);
   chmod(user.dataFolder().c_str(), 0500);

@@ -151,9 +151,7 @@ TEST(Doctor, FindsItsOwnEndpointThatAnswers) {
 
 #ifndef __APPLE__
 TEST(Doctor, FindsThatThereIsNoDisplay) {
-  User user;
-  user.set("DISPLAY", "");
-  user.set("WAYLAND_DISPLAY", "");
+  const User user;
   const Outcome outcome = user.run({"doctor"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(shows(outcome, "BAD  "));

@@ -39,6 +39,8 @@ User::User() {
   variables_ = {{"HOME", home_.path()},
                 {"XDG_DATA_HOME", home_.file("data")},
                 {"XDG_CONFIG_HOME", home_.file("config")},
+                {"DISPLAY", ""},
+                {"WAYLAND_DISPLAY", ""},
                 {"NO_COLOR", ""},
                 {"TERM", "xterm"},
                 {"TZ", "UTC"}};

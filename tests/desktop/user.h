@@ -23,7 +23,7 @@ struct Outcome {
   std::string errors;
 };
 
-// Has an empty home folder and the time zone UTC. Not thread-safe.
+// Has an empty home folder, the time zone UTC and no display. Not thread-safe.
 class User {
  public:
   User();
