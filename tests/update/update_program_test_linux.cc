@@ -30,7 +30,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr auto kLatest = "/releases/macos/latest";
-constexpr auto kImage = "/releases/macos/v99.1/assets/Setup.dmg";
 constexpr auto kRelease =
     R"({"tag":"v99.1","name":"Tessum","body":"","prerelease":false,"publishedAt":"2025-03-04",)"
     R"("assets":[{"name":"Setup.dmg","size":1,"contentType":""}]})";
@@ -182,6 +181,8 @@ TEST_F(UpdateProgram, DownloadsAndOpensTheFile) {
   EXPECT_EQ(outcome.output, announcement() + "Downloaded, and opened: file://" + file + "\n");
   EXPECT_EQ(outcome.errors, "") << "progress is for those who watch";
   EXPECT_EQ(readFile(file), image);
+  EXPECT_EQ(server_->paths(),
+            (std::vector<std::string>{kLatest, "/releases/macos/v99.1/assets/Setup.dmg"}));
   ASSERT_TRUE(eventually([&] { return fs::exists(user_.file("opened")); }));
   EXPECT_EQ(readFile(user_.file("opened")), "file://" + file + "\n");
 }
