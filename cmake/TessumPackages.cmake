@@ -3,7 +3,8 @@
 #   cpack -G DEB, cpack -G TGZ      both programs with all that belongs to them
 #   cmake --build . --target mcpb   the stdio server as a bundle that an assistant installs
 #
-# Nothing that is installed knows where it lies, so one build gives them all, whatever its prefix.
+# On Linux nothing that is installed knows where it lies, so one build gives them all, whatever its
+# prefix.
 
 if(NOT APPLE)
   # "tessum" is what people type. A file system that ignores case has it already.

@@ -44,9 +44,8 @@ int runCommand(int argc, char** argv) {
            "\nRun with --help for what can be given.\n";
   });
   app.footer(
-      "\"Tessum COMMAND --help\" has examples. The exit status is 0 on success, 1 when the "
-      "command\n"
-      "failed and 2 when the command line was wrong.");
+      "\"Tessum COMMAND --help\" has examples. The exit status is 0 on success, 1 when the\n"
+      "command failed and 2 when the command line was wrong.");
   addRecordCommand(app, host);
   addStatusCommand(app, host);
   addReportCommands(app, host);
