@@ -221,7 +221,7 @@ class Reader {
       fs::create_symlink(program, folder_.file("bin") + "/" + name);
     }
     fs::create_symlink(program.parent_path() / "TessumMCP", folder_.file("bin/TessumMCP"));
-    writeFile(folder_.file("bin/xdg-open"), "#!/bin/sh\necho \"$1\" >> \"$HOME/opened\"\n");
+    writeFile(folder_.file("bin/xdg-open"), "#!/bin/sh\n");  // opens no browser
     chmod(folder_.file("bin/xdg-open").c_str(), 0700);
     const ScopedVariable zone("TZ", "UTC");
     const SystemCalendar calendar;
