@@ -1,10 +1,10 @@
-# Packages: what people install.
+# Packages: what people install. scripts/package makes them all.
 #
 #   cpack -G DEB, cpack -G TGZ      both programs with all that belongs to them
 #   cmake --build . --target mcpb   the stdio server as a bundle that an assistant installs
 #
-# A package has the paths of the build that it is made from: one for a system is configured with
-# -DCMAKE_INSTALL_PREFIX=/usr.
+# On Linux nothing that is installed knows where it lies, so one build gives them all, whatever its
+# prefix.
 
 if(NOT APPLE)
   # "tessum" is what people type. A file system that ignores case has it already.
@@ -27,16 +27,31 @@ install(FILES packaging/completions/_tessum
 install(FILES packaging/completions/tessum.fish
   DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT programs)
 
-string(TOLOWER "${CMAKE_SYSTEM_NAME}" TESSUM_BUNDLE_PLATFORM)
-configure_file(packaging/mcpb/manifest.json.in packaging/mcpb/manifest.json @ONLY)
+string(TOLOWER "${CMAKE_SYSTEM_NAME}" system)
+set(system_and_processor "${system}-${CMAKE_SYSTEM_PROCESSOR}")
+
+# The server once more, as it is in a bundle: that has its libraries in it, as an assistant installs
+# nothing else. On macOS the one that the system lacks stays where Homebrew has it.
+get_target_property(server_sources TessumMCP SOURCES)
+list(TRANSFORM server_sources PREPEND server/)
+add_executable(tessum_bundled_server EXCLUDE_FROM_ALL ${server_sources})
+target_link_libraries(tessum_bundled_server PRIVATE
+  tessum_mcp tessum_store tessum_platform tessum_options)
+if(NOT APPLE)
+  set_target_properties(tessum_bundled_server PROPERTIES BUILD_RPATH "\$ORIGIN")
+endif()
+
+set(bundle "${PROJECT_BINARY_DIR}/tessum-${PROJECT_VERSION}-${system_and_processor}.mcpb")
+set(bundle_folder "${PROJECT_BINARY_DIR}/packaging/mcpb")
+set(TESSUM_BUNDLE_PLATFORM "${system}")
+configure_file(packaging/mcpb/manifest.json.in "${bundle_folder}/manifest.json" @ONLY)
 add_custom_target(mcpb
-  COMMAND "${CMAKE_COMMAND}" -E make_directory server
-  COMMAND "${CMAKE_COMMAND}" -E copy $<TARGET_FILE:TessumMCP> server/TessumMCP
-  COMMAND "${CMAKE_COMMAND}" -E tar cf "${PROJECT_BINARY_DIR}/tessum-${PROJECT_VERSION}.mcpb"
-    --format=zip manifest.json server/TessumMCP
-  WORKING_DIRECTORY "${PROJECT_BINARY_DIR}/packaging/mcpb"
-  DEPENDS TessumMCP
+  COMMAND "${CMAKE_COMMAND}" -D PROGRAM=$<TARGET_FILE:tessum_bundled_server> -D BUNDLE=${bundle}
+    -P "${CMAKE_CURRENT_LIST_DIR}/MakeBundle.cmake"
+  WORKING_DIRECTORY "${bundle_folder}"
+  DEPENDS tessum_bundled_server
   VERBATIM)
+set_target_properties(mcpb PROPERTIES BUNDLE_FILE "${bundle}")
 
 set(CPACK_PACKAGE_NAME tessum)
 set(CPACK_PACKAGE_VENDOR Tessum)
@@ -49,11 +64,11 @@ set(CPACK_COMPONENTS_ALL programs)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_PACKAGING_INSTALL_PREFIX "${CMAKE_INSTALL_PREFIX}")
 set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_PACKAGE_FILE_NAME "tessum-${PROJECT_VERSION}-${system_and_processor}")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS xdg-utils)
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ca-certificates, xdg-utils")
 set(CPACK_GENERATOR "DEB;TGZ")
 include(CPack)

@@ -20,7 +20,7 @@ void addBackupCommand(CLI::App& app, Host& host) {
       "in the place of the record, which \"Tessum status\" shows.\n\n"
       "Examples:\n"
       "  Tessum backup tessum.db\n"
-      "  Tessum backup \"/media/stick/tessum-$(date +%F).db\"");
+      "  Tessum backup \"$HOME/tessum-$(date +%F).db\"");
   command->callback([&host, path] {
     Record record(recordPath(host.locations), Record::Access::read);
     record.copyTo(*path);

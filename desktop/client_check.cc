@@ -25,7 +25,7 @@ bool acceptsConnections(std::uint16_t port) {
 
 std::string remedyFor(const EntryReport& report, const MCPClient client) {
   if (report.form == "HTTP") return "Start \"Tessum record --http\", or register anew.";
-  return "Register anew: \"Tessum install " + std::string(client.rawValue()) + "\"";
+  return "Register anew: Tessum install \"" + std::string(client.rawValue()) + "\"";
 }
 
 std::vector<Finding> checkClientFile(const Host& host, MCPClient client, const std::string& file) {

@@ -6,6 +6,7 @@
 #include <exception>
 
 #include "core/base/text.h"
+#include "core/platform/app_info.h"
 #include "core/store/database_error.h"
 #include "desktop/backup_command.h"
 #include "desktop/client_commands.h"
@@ -36,10 +37,15 @@ int runCommand(int argc, char** argv) {
   CLI::App app("Keeps a record of your day on this computer, for you and your AI assistants.",
                "Tessum");
   app.require_subcommand(1);
+  app.set_version_flag("--version", "Tessum " + SystemAppInfo().version().value_or("unknown"),
+                       "print the version and exit");
   app.failure_message([](const CLI::App*, const CLI::Error& error) {
     return "Tessum: " + printable(validUtf8(error.what())) +
            "\nRun with --help for what can be given.\n";
   });
+  app.footer(
+      "\"Tessum COMMAND --help\" has examples. The exit status is 0 on success, 1 when the\n"
+      "command failed and 2 when the command line was wrong.");
   addRecordCommand(app, host);
   addStatusCommand(app, host);
   addReportCommands(app, host);

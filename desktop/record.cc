@@ -270,6 +270,13 @@ std::optional<Date> Record::startOfNext(const Activity& session) {
   return next.front().startTime;
 }
 
+constexpr char kTrial[] = "INSERT INTO activities (app_name, start_time) VALUES ('', 0);";
+
+void Record::tryWriting() {
+  const Transaction transaction(db_.get());
+  Statement(db_.get(), kTrial).execute();
+}
+
 constexpr char kEndSession[] =
     "UPDATE activities SET end_time = ? WHERE id = ? AND end_time IS NULL;";
 
@@ -321,8 +328,9 @@ void Record::copyTo(const std::string& path) {
     throw DatabaseError::openFailed(copy == nullptr ? "out of memory" : sqlite3_errmsg(copy));
   }
   copyInto(copy);
-  const auto findings = checkIntegrity(copy);
-  if (!findings.empty()) throw DatabaseError::executionFailed(findings.front());
+  if (!checkIntegrity(copy).empty()) {
+    throw DatabaseError::executionFailed(sqlite3_errstr(SQLITE_CORRUPT));
+  }
   unfinished.isKept = true;
 }
 

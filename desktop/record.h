@@ -112,6 +112,9 @@ class Record {
   // it is the last.
   [[nodiscard]] std::optional<Date> startOfNext(const Activity& session);
 
+  // Writes a row and takes it back, to find out whether it can be done.
+  void tryWriting();
+
   // Ends the session with row id `id` at `end`, if it has not ended yet.
   void endSession(std::int64_t id, Date end);
 

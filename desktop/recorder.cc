@@ -10,6 +10,7 @@
 
 #include "core/base/limits.h"
 #include "core/platform/folders.h"
+#include "desktop/record.h"
 #include "desktop/update_dialogue.h"
 
 namespace tessum {
@@ -42,6 +43,14 @@ FileLock lockOf(const std::string& folder) {
   return std::move(*lock);
 }
 
+// The monitor drops what it cannot write without a word, so a store that takes nothing, for being
+// read-only or damaged, has to be found out before.
+std::shared_ptr<Database> writableStore(const std::string& path, const Calendar& calendar) {
+  auto database = std::make_shared<Database>(path, calendar);
+  Record(path, Record::Access::write).tryWriting();
+  return database;
+}
+
 }  // namespace
 
 Recorder::Recorder(const Host& host)
@@ -49,7 +58,7 @@ Recorder::Recorder(const Host& host)
       folder_(preparedFolder(host)),
       lock_(lockOf(folder_)),
       signals_(loop_, [this] { loop_.quit(); }),
-      database_(std::make_shared<Database>(folder_ + "/activities.db", host.calendar)),
+      database_(writableStore(recordPath(host.locations), host.calendar)),
       workspace_(openSystemWorkspace(loop_, [this](const auto& notice) { handle(notice); })),
       monitor_(database_, host.clock, *workspace_, loop_) {}
 

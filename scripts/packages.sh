@@ -12,6 +12,7 @@ apt_packages() {
       echo clang curl libgtest-dev libssl-dev openbox openssl strace x11-utils xdotool \
         xterm xvfb zenity
       ;;
+    package) echo dpkg-dev file ;;
     benchmark) echo libbenchmark-dev ;;
     sanitize) echo clang ;;
     format) echo clang-format git ;;

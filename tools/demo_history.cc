@@ -215,11 +215,17 @@ std::vector<Activity> wholeDay(Date start, std::size_t count, Person& person) {
   const std::size_t evening = partOf(count, 0.1);
   const std::size_t morning = partOf(count, 0.4);
   std::vector<Activity> activities;
-  person.work(activities, at(8.7, 25), at(12.4, 15), morning);
-  person.work(activities, at(13.3, 15), at(18.2, 40), count - morning - evening);
+  // Drawn one by one, as each compiler draws the arguments of a call in an order of its own.
+  const Date lunch = at(12.4, 15);
+  const Date arrival = at(8.7, 25);
+  person.work(activities, arrival, lunch, morning);
+  const Date departure = at(18.2, 40);
+  const Date afternoon = at(13.3, 15);
+  person.work(activities, afternoon, departure, count - morning - evening);
   // Some evenings end after midnight.
   const Date bedtime = random.happens(25) ? at(24.5, 20) : at(22.3, 40);
-  person.work(activities, at(20.5, 30), bedtime, evening);
+  const Date afterDinner = at(20.5, 30);
+  person.work(activities, afterDinner, bedtime, evening);
   return activities;
 }
 

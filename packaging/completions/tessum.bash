@@ -5,7 +5,7 @@ _tessum() {
   local command=${COMP_WORDS[1]} words=
   if [ "$COMP_CWORD" -eq 1 ]; then
     words='record status day usage notes search note timeline clients install uninstall update
-      doctor export forget backup --help'
+      doctor export forget backup --help --version'
   else
     case $previous in
       --from | --to) words='today yesterday' ;;
@@ -21,6 +21,7 @@ _tessum() {
           timeline) words='today yesterday --output --help' ;;
           install) words='--all --file --http --help' ;;
           uninstall) words='--all --file --help' ;;
+          update) words='--download --help' ;;
           doctor) words='--close-open --help' ;;
           export) words='--from --to --format --help' ;;
           forget) words='--from --to --app --title --yes --help' ;;

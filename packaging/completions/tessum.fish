@@ -6,6 +6,7 @@ end
 
 complete -c tessum -f
 complete -c tessum -l help -d 'Show help'
+complete -c tessum -n __fish_use_subcommand -l version -d 'Show the version'
 for command in record status day usage notes search note timeline clients install uninstall \
         update doctor export forget backup
     complete -c tessum -n __fish_use_subcommand -a $command
@@ -25,6 +26,7 @@ __tessum_add install -l http -d 'Point at the endpoint'
 __tessum_add install -l file -r -F -d 'A configuration file'
 __tessum_add uninstall -l all -d 'Every application'
 __tessum_add uninstall -l file -r -F -d 'A configuration file'
+__tessum_add update -l download -d 'Download the newer version and open it'
 __tessum_add doctor -l close-open -d 'End sessions left open'
 for command in export forget
     __tessum_add $command -l from -x -a 'today yesterday' -d 'The first day'

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <memory>
 
 #include "tests/desktop/user.h"
 #include "tests/support/child_process.h"
@@ -16,6 +18,16 @@ namespace {
 struct Command {
   const char* name;
   std::vector<std::string> arguments;
+
+  // The arguments with a file of the user's in the place of kFile.
+  [[nodiscard]] std::vector<std::string> argumentsOf(const User& user) const {
+    auto changed = arguments;
+    std::replace(changed.begin(), changed.end(), std::string(kFile), fileOf(user));
+    return changed;
+  }
+
+  static std::string fileOf(const User& user) { return user.file("made"); }
+  static constexpr const char* kFile = "FILE";
 };
 
 const Command kReaders[] = {
@@ -26,19 +38,34 @@ const Command kReaders[] = {
     {"search", {"search", "x"}},
     {"exportCsv", {"export"}},
     {"exportJson", {"export", "--format", "json"}},
+    {"timelineFile", {"timeline", "2025-03-04", "-o", Command::kFile}},
+    {"backup", {"backup", Command::kFile}},
 };
 
 const Command kWriters[] = {
+    {"record", {"record", "--no-update-check"}},
     {"note", {"note", "x"}},
+    {"endNote", {"note", "--end"}},
     {"forget", {"forget", "--app", "Editor", "--yes"}},
     {"closeOpen", {"doctor", "--close-open", "10m"}},
 };
 
 // The picture is drawn into the folder of the record, so it needs more than reading.
+const Command kTimeline{"timeline", {"timeline", "2025-03-04"}};
+
+// It has something to say without a record, too.
+const Command kStatus{"status", {"status"}};
+
 std::vector<Command> readersAnd(std::vector<Command> others) {
-  others.push_back({"timeline", {"timeline", "2025-03-04"}});
+  others.push_back(kTimeline);
   others.insert(others.end(), std::begin(kReaders), std::end(kReaders));
   return others;
+}
+
+std::vector<Command> allCommands() {
+  auto commands = readersAnd({std::begin(kWriters), std::end(kWriters)});
+  commands.push_back(kStatus);
+  return commands;
 }
 
 std::string nameOf(const testing::TestParamInfo<Command>& info) {
@@ -53,6 +80,8 @@ void fill(const User& user) {
                  .title = "x",
                  .startTime = at("2025-03-04T09:00:00Z"),
                  .endTime = {}});
+  record.insertAnnotation(
+      {.id = {}, .text = "Note", .startedAt = at("2025-03-04T09:00:00Z"), .endedAt = {}});
   Sql(user.recordPath())
       .run(
           "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 499) "
@@ -71,35 +100,40 @@ class NeedsARecord : public testing::TestWithParam<Command> {};
 
 TEST_P(NeedsARecord, SaysThatThereIsNoneAndMakesNone) {
   const User user;
-  const Outcome outcome = user.run(GetParam().arguments);
+  const Outcome outcome = user.run(GetParam().argumentsOf(user));
   expectFailure(outcome, "there is no record yet");
   EXPECT_EQ(outcome.output, "");
+  EXPECT_FALSE(std::filesystem::exists(Command::fileOf(user)));
   EXPECT_FALSE(std::filesystem::exists(user.dataFolder()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, NeedsARecord,
-                         testing::ValuesIn(readersAnd({{"backup", {"backup", "/dev/null/copy"}},
-                                                       {"forget", {"forget", "--app", "x"}},
+                         testing::ValuesIn(readersAnd({{"forget", {"forget", "--app", "x"}},
                                                        {"endNote", {"note", "--end"}},
                                                        {"closeOpen", {"doctor", "--close-open"}}})),
                          nameOf);
 
-class MeetsALock : public testing::TestWithParam<Command> {};
-
-TEST_P(MeetsALock, SaysSoAndChangesNothing) {
+// Each waits for a second, so they wait together.
+TEST(ALockedRecord, IsSaidByEachCommandAndNotChanged) {
   const User user;
   fill(user);
   Sql other(user.recordPath());
   other.run("BEGIN EXCLUSIVE;");
-  expectFailure(user.run(GetParam().arguments), "database is locked");
+  const auto commands = allCommands();
+  std::vector<std::unique_ptr<ChildProcess>> programs;
+  for (const Command& command : commands) programs.push_back(user.start(command.argumentsOf(user)));
+  for (std::size_t i = 0; i < commands.size(); ++i) {
+    SCOPED_TRACE(commands[i].name);
+    const Outcome outcome = outcomeOf(*programs[i]);
+    expectFailure(outcome, "database is locked");
+    EXPECT_EQ(outcome.output, "");
+  }
+  EXPECT_FALSE(std::filesystem::exists(Command::fileOf(user)));
   EXPECT_EQ(other.row("SELECT COUNT(*) FROM activities WHERE end_time IS NULL"), "1");
   EXPECT_EQ(other.row("SELECT COUNT(*) FROM activities"), "501");
-  EXPECT_EQ(other.row("SELECT COUNT(*) FROM annotations"), "0");
+  EXPECT_EQ(other.row("SELECT COUNT(*) FROM annotations WHERE ended_at IS NULL"), "1");
+  EXPECT_EQ(other.row("SELECT COUNT(*) FROM annotations"), "1");
 }
-
-INSTANTIATE_TEST_SUITE_P(Commands, MeetsALock,
-                         testing::ValuesIn(readersAnd({std::begin(kWriters), std::end(kWriters)})),
-                         nameOf);
 
 class MeetsDamage : public testing::TestWithParam<Command> {};
 
@@ -112,13 +146,12 @@ TEST_P(MeetsDamage, SaysSoInsteadOfShowingARest) {
   ASSERT_GT(bytes.size(), 12 * kPage);
   for (std::size_t i = kPage; i < bytes.size(); ++i) bytes[i] = '\x5a';
   writeFile(user.recordPath(), bytes);
-  expectFailure(user.run(GetParam().arguments), "malformed");
+  expectFailure(user.run(GetParam().argumentsOf(user)), "malformed");
   EXPECT_EQ(readFile(user.recordPath()), bytes);
+  EXPECT_FALSE(std::filesystem::exists(Command::fileOf(user)));
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, MeetsDamage,
-                         testing::ValuesIn(readersAnd({std::begin(kWriters), std::end(kWriters)})),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(Commands, MeetsDamage, testing::ValuesIn(allCommands()), nameOf);
 
 class MeetsAnotherFile : public testing::TestWithParam<Command> {};
 
@@ -127,13 +160,11 @@ TEST_P(MeetsAnotherFile, LeavesWhatIsNoDatabaseAlone) {
   std::filesystem::create_directories(user.dataFolder());
   const std::string letter(5000, 'a');
   writeFile(user.recordPath(), letter);
-  expectFailure(user.run(GetParam().arguments), "not a database");
+  expectFailure(user.run(GetParam().argumentsOf(user)), "not a database");
   EXPECT_EQ(readFile(user.recordPath()), letter);
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, MeetsAnotherFile,
-                         testing::ValuesIn(readersAnd({std::begin(kWriters), std::end(kWriters)})),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(Commands, MeetsAnotherFile, testing::ValuesIn(allCommands()), nameOf);
 
 class ReadsWhatIsReadOnly : public testing::TestWithParam<Command> {};
 
@@ -142,23 +173,33 @@ TEST_P(ReadsWhatIsReadOnly, LikeAnyOther) {
   fill(user);
   chmod(user.recordPath().c_str(), 0400);
   chmod(user.dataFolder().c_str(), 0500);
-  const Outcome outcome = user.runWithoutPowers(GetParam().arguments);
+  const Outcome outcome = user.runWithoutPowers(GetParam().argumentsOf(user));
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_NE(outcome.output, "");
   chmod(user.dataFolder().c_str(), 0700);
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, ReadsWhatIsReadOnly, testing::ValuesIn(kReaders), nameOf);
+INSTANTIATE_TEST_SUITE_P(Status, ReadsWhatIsReadOnly, testing::Values(kStatus), nameOf);
+
+TEST(TheTimeline, CannotBeDrawnIntoAFolderThatIsReadOnly) {
+  const User user;
+  fill(user);
+  chmod(user.dataFolder().c_str(), 0500);
+  expectFailure(user.runWithoutPowers(kTimeline.arguments), "timeline.html");
+  chmod(user.dataFolder().c_str(), 0700);
+}
 
 class WritesToWhatIsReadOnly : public testing::TestWithParam<Command> {};
 
 TEST_P(WritesToWhatIsReadOnly, SaysSoAndChangesNothing) {
   const User user;
   fill(user);
+  writeFile(user.dataFolder() + "/recorder.lock", "");  // of an earlier recorder
   const std::string before = readFile(user.recordPath());
   chmod(user.recordPath().c_str(), 0400);
   chmod(user.dataFolder().c_str(), 0500);
-  expectFailure(user.runWithoutPowers(GetParam().arguments), "readonly database");
+  expectFailure(user.runWithoutPowers(GetParam().argumentsOf(user)), "readonly database");
   chmod(user.dataFolder().c_str(), 0700);
   EXPECT_EQ(readFile(user.recordPath()), before);
 }
@@ -208,6 +249,12 @@ TEST(CommandLine, AnsweringForHelpGivesExamplesForEveryCommand) {
     if (line == "Subcommands:") isCommand = true;
   }
   EXPECT_GE(count, 10);
+}
+
+TEST(CommandLine, TellsTheVersion) {
+  const Outcome outcome = User().run({"--version"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output, "Tessum " TESSUM_VERSION "\n");
 }
 
 TEST(CommandLine, WhatIsUnknownIsAMistake) {

@@ -3,6 +3,9 @@
 
 #include <filesystem>
 
+#include "core/base/limits.h"
+#include "tests/desktop/loopback_server.h"
+#include "tests/desktop/recorder_lock.h"
 #include "tests/desktop/user.h"
 #include "tests/support/sql.h"
 
@@ -97,6 +100,65 @@ TEST(Doctor, FindsDamage) {
   EXPECT_TRUE(shows(outcome, "Tessum backup"));
 }
 
+TEST(Doctor, FindsAnAssistantsFileThatIsNotPlainJson) {
+  const User user;
+  const std::string file = user.file(".cursor/mcp.json");
+  std::filesystem::create_directories(user.file(".cursor"));
+  const std::string content = "{\n  // mine\n  \"mcpServers\": {},\n}\n";
+  writeFile(file, content);
+  const Outcome outcome = user.run({"doctor"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_TRUE(shows(outcome, "BAD  Cursor: " + file + " is not plain JSON"));
+  EXPECT_TRUE(shows(outcome, "Mend the file; comments and commas behind the last value"));
+  EXPECT_EQ(readFile(file), content);
+}
+
+TEST(Doctor, FindsARegisteredProgramThatIsGone) {
+  const User user;
+  ASSERT_EQ(user.run({"install", "--all"}).status, 0);
+  const std::string entry =
+      R"({"mcpServers": {"tessum": {"command": "/nowhere/TessumMCP", "args": []}}})";
+  writeFile(user.file(".cursor/mcp.json"), entry);
+  const Outcome outcome = user.run({"doctor"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_TRUE(shows(outcome, "BAD  Cursor: the entry in " + user.file(".cursor/mcp.json") +
+                                 " does not work: its program is missing."));
+  EXPECT_TRUE(shows(outcome, "Register anew: Tessum install \"Cursor\""));
+  EXPECT_TRUE(shows(outcome, "ok   Claude Desktop is registered in "));
+  ASSERT_EQ(user.run({"install", "Cursor"}).status, 0);
+  EXPECT_TRUE(shows(user.run({"doctor"}), "ok   Cursor is registered in "));
+}
+
+TEST(Doctor, FindsThePortTaken) {
+  const User user;
+  LoopbackServer server(limits::kDefaultPort);
+  if (!server.isBound()) GTEST_SKIP() << "the endpoint's port is taken";
+  EXPECT_TRUE(shows(user.run({"doctor"}), "ok   The port 7384 is free"));
+  server.answerWith("HTTP/1.1 200 OK\r\n\r\nsomething else");
+  const Outcome outcome = user.run({"doctor"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_TRUE(shows(outcome, "BAD  Another program has taken the port 7384"));
+  EXPECT_TRUE(shows(outcome, "ss -ltnp"));
+}
+
+TEST(Doctor, FindsItsOwnEndpointThatAnswers) {
+  const User user;
+  LoopbackServer server(limits::kDefaultPort);
+  if (!server.isBound()) GTEST_SKIP() << "the endpoint's port is taken";
+  server.answerWith("HTTP/1.1 200 OK\r\n\r\nTessum MCP Server");
+  EXPECT_TRUE(shows(user.run({"doctor"}), "ok   The endpoint http://localhost:7384/mcp answers."));
+}
+
+#ifndef __APPLE__
+TEST(Doctor, FindsThatThereIsNoDisplay) {
+  const User user;
+  const Outcome outcome = user.run({"doctor"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_TRUE(shows(outcome, "BAD  "));
+  EXPECT_TRUE(shows(outcome, "Run \"Tessum record\" in a desktop session"));
+}
+#endif
+
 class OpenSessions : public testing::Test {
  protected:
   OpenSessions() {
@@ -147,6 +209,18 @@ TEST_F(OpenSessions, NeverReachIntoTheNextOne) {
 TEST_F(OpenSessions, StayOpenForATimeThatCannotBeRead) {
   EXPECT_EQ(user.run({"doctor", "--close-open", "soon"}).status, 2);
   EXPECT_EQ(endOf("First"), "NULL");
+}
+
+TEST_F(OpenSessions, OfARunningRecorderAreNotTouched) {
+  const RecorderLock recorder(user);
+  addSession(user, "Fourth", "2100-01-01T00:00:00Z", nullptr);  // begun since the recorder was
+  EXPECT_TRUE(shows(user.run({"doctor"}), "BAD  2 sessions were left open"));
+  EXPECT_EQ(user.run({"doctor", "--close-open"}).status, 0);
+  EXPECT_EQ(endOf("First"), "11:00");
+  EXPECT_EQ(endOf("Third"), "00:00");
+  EXPECT_EQ(endOf("Fourth"), "NULL");
+  EXPECT_EQ(user.run({"doctor", "--close-open", "10m"}).output, "No session was left open.\n");
+  EXPECT_EQ(endOf("Fourth"), "NULL");
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 #include <filesystem>
 
+#include "tests/desktop/recorder_lock.h"
 #include "tests/desktop/user.h"
 #include "tests/support/sql.h"
 
@@ -15,22 +13,6 @@ testing::AssertionResult shows(const Outcome& outcome, const std::string& part) 
   if (outcome.output.find(part) != std::string::npos) return testing::AssertionSuccess();
   return testing::AssertionFailure() << '"' << part << "\" is not in:\n" << outcome.output;
 }
-
-// Holds the lock that a recorder holds.
-class Recorder {
- public:
-  explicit Recorder(const User& user)
-      : file_(open((user.dataFolder() + "/recorder.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC,
-                   0600)) {
-    EXPECT_EQ(flock(file_, LOCK_EX | LOCK_NB), 0);
-  }
-  ~Recorder() { close(file_); }
-  Recorder(const Recorder&) = delete;
-  Recorder& operator=(const Recorder&) = delete;
-
- private:
-  int file_;
-};
 
 void addOpenSession(const User& user) {
   user.record().insert({.id = {},
@@ -54,7 +36,7 @@ TEST(Status, ShowsTheSessionThatTheRecorderIsInTheMiddleOf) {
   const User user;
   addOpenSession(user);
   ASSERT_EQ(user.run({"note", "Fixing bug"}).status, 0);
-  const Recorder recorder(user);
+  const RecorderLock recorder(user);
   const Outcome outcome = user.run({"status"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_TRUE(shows(outcome, "Recording  yes, since "));
@@ -67,7 +49,7 @@ TEST(Status, ShowsTheSessionThatTheRecorderIsInTheMiddleOf) {
 TEST(Status, DoesNotTakeASessionOfAPastRunForTheCurrentOne) {
   const User user;
   addOpenSession(user);
-  { const Recorder past(user); }
+  { const RecorderLock past(user); }
   const Outcome outcome = user.run({"status"});
   EXPECT_TRUE(shows(outcome, "Recording  no"));
   EXPECT_TRUE(shows(outcome, "In front   nothing"));

@@ -1,19 +1,14 @@
 #include "tests/desktop/user.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
-#include <system_error>
 
 #include "core/platform/calendar.h"
-#include "tests/support/child_process.h"
+#include "tests/support/terminal.h"
 
 #if defined(__linux__)
 #include <linux/capability.h>
@@ -38,56 +33,14 @@ Outcome finish(ChildProcess& program, std::string output) {
   return {status.code.value_or(-1), std::move(output), program.errors()};
 }
 
-// A terminal: what is written to the screen can be read from the other end.
-class Terminal {
- public:
-  explicit Terminal(unsigned short columns) {
-    host_ = posix_openpt(O_RDWR | O_NOCTTY);
-    const bool isOpen = host_ >= 0 && grantpt(host_) == 0 && unlockpt(host_) == 0;
-    screen_ = isOpen ? open(ptsname(host_), O_RDWR | O_NOCTTY) : -1;
-    winsize size{};
-    size.ws_row = 24;
-    size.ws_col = columns;
-    if (screen_ < 0 || ioctl(screen_, TIOCSWINSZ, &size) != 0) {
-      throw std::system_error(errno, std::generic_category(), "no terminal");
-    }
-    fcntl(host_, F_SETFD, FD_CLOEXEC);
-    fcntl(screen_, F_SETFD, FD_CLOEXEC);
-  }
-  ~Terminal() {
-    close(host_);
-    if (screen_ >= 0) close(screen_);
-  }
-  Terminal(const Terminal&) = delete;
-  Terminal& operator=(const Terminal&) = delete;
-
-  [[nodiscard]] int screen() const { return screen_; }
-
-  // All that is written until the programs on the terminal have ended.
-  [[nodiscard]] std::string readAll() {
-    close(screen_);
-    screen_ = -1;
-    std::string text;
-    char bytes[4096];
-    while (true) {
-      const ssize_t count = read(host_, bytes, sizeof bytes);
-      if (count < 0 && errno == EINTR) continue;
-      if (count <= 0) return text;  // the end is an error on some systems
-      text.append(bytes, static_cast<std::size_t>(count));
-    }
-  }
-
- private:
-  int host_ = -1;
-  int screen_ = -1;
-};
-
 }  // namespace
 
 User::User() {
   variables_ = {{"HOME", home_.path()},
                 {"XDG_DATA_HOME", home_.file("data")},
                 {"XDG_CONFIG_HOME", home_.file("config")},
+                {"DISPLAY", ""},
+                {"WAYLAND_DISPLAY", ""},
                 {"NO_COLOR", ""},
                 {"TERM", "xterm"},
                 {"TZ", "UTC"}};
@@ -104,19 +57,21 @@ std::vector<std::string> User::environment() const {
   return environment;
 }
 
+std::unique_ptr<ChildProcess> User::start(const std::vector<std::string>& arguments) const {
+  return std::make_unique<ChildProcess>(
+      hostProgram(), ChildProcess::Options{.arguments = arguments, .environment = environment()});
+}
+
 Outcome User::run(const std::vector<std::string>& arguments, std::string_view input) const {
-  ChildProcess program(hostProgram(), {.arguments = arguments, .environment = environment()});
-  program.write(input);
-  program.closeInput();
-  std::string output = program.readRest();
-  return finish(program, std::move(output));
+  const auto program = start(arguments);
+  program->write(input);
+  return outcomeOf(*program);
 }
 
 Outcome User::runWithoutPowers(const std::vector<std::string>& arguments) const {
   ChildProcess program(
       hostProgram(), {.arguments = arguments, .environment = environment(), .prepare = dropPowers});
-  std::string output = program.readRest();
-  return finish(program, std::move(output));
+  return outcomeOf(program);
 }
 
 Outcome User::runOnTerminal(const std::vector<std::string>& arguments,
@@ -127,6 +82,12 @@ Outcome User::runOnTerminal(const std::vector<std::string>& arguments,
                                        .environment = environment(),
                                        .prepare = [screen] { dup2(screen, STDOUT_FILENO); }});
   std::string output = terminal.readAll();
+  return finish(program, std::move(output));
+}
+
+Outcome outcomeOf(ChildProcess& program) {
+  program.closeInput();
+  std::string output = program.readRest();
   return finish(program, std::move(output));
 }
 

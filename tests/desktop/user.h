@@ -4,12 +4,14 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/base/date.h"
 #include "core/store/database.h"
+#include "tests/support/child_process.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessum {
@@ -21,7 +23,7 @@ struct Outcome {
   std::string errors;
 };
 
-// Has an empty home folder and the time zone UTC. Not thread-safe.
+// Has an empty home folder, the time zone UTC and no display. Not thread-safe.
 class User {
  public:
   User();
@@ -35,6 +37,10 @@ class User {
 
   // The user's record, made where it is missing.
   [[nodiscard]] Database record() const;
+
+  // Starts the host program with `arguments`.
+  [[nodiscard]] std::unique_ptr<ChildProcess> start(
+      const std::vector<std::string>& arguments) const;
 
   // Runs the host program with `arguments` and `input` until it ends.
   [[nodiscard]] Outcome run(const std::vector<std::string>& arguments,
@@ -57,6 +63,9 @@ class User {
 
 // The host program as this build made it.
 [[nodiscard]] std::string hostProgram();
+
+// What `program` leaves behind; it gets no more input.
+[[nodiscard]] Outcome outcomeOf(ChildProcess& program);
 
 // The moment that `text` names, such as 2025-03-04T09:00:00Z.
 [[nodiscard]] Date at(std::string_view text);

@@ -65,8 +65,26 @@ sockaddr_in addressOf(int socket) {
   return address;
 }
 
+std::string hostOf(int socket) {
+  return "127.0.0.1:" + std::to_string(ntohs(addressOf(socket).sin_port));
+}
+
 std::string urlOf(int socket) {
-  return "https://127.0.0.1:" + std::to_string(ntohs(addressOf(socket).sin_port));
+  return "https://" + hostOf(socket);
+}
+
+// Where the client takes this server for its proxy: lets it through, to this server again.
+void answerAsProxy(int socket) {
+  constexpr std::string_view kMethod = "CONNECT ";
+  char start[kMethod.size()] = {};
+  const auto peeked = recv(socket, start, sizeof start, MSG_PEEK | MSG_WAITALL);
+  if (peeked != sizeof start || std::string_view(start, sizeof start) != kMethod) return;
+  std::string request;
+  for (char byte = 0; !request.ends_with("\r\n\r\n") && read(socket, &byte, 1) == 1;) {
+    request += byte;
+  }
+  constexpr std::string_view kAnswer = "HTTP/1.1 200 OK\r\n\r\n";
+  [[maybe_unused]] const auto written = write(socket, kAnswer.data(), kAnswer.size());
 }
 
 // Not every system lets a shutdown end the waiting for clients; one more client always does.
@@ -176,6 +194,7 @@ struct HttpsServer::State {
 
   void serve(int socket) {
     ignoreBrokenPipes();
+    answerAsProxy(socket);
     {
       Connection connection(context.get(), socket);
       if (connection.readRequest()) {
@@ -213,6 +232,10 @@ HttpsServer::~HttpsServer() {
 
 std::string HttpsServer::url() const {
   return urlOf(state_->listener);
+}
+
+std::string HttpsServer::proxyUrl() const {
+  return "http://" + hostOf(state_->listener);
 }
 
 std::vector<std::string> HttpsServer::paths() const {

@@ -37,6 +37,7 @@ class HttpsConnection {
 };
 
 // Serves until it goes; then open connections are broken off. Each answer has a thread of its own.
+// A client may also take it for its proxy: whatever host it asks for, it gets to this server.
 class HttpsServer {
  public:
   using Answer = std::function<void(HttpsConnection&)>;
@@ -48,6 +49,9 @@ class HttpsServer {
 
   // https://127.0.0.1:port
   [[nodiscard]] std::string url() const;
+
+  // http://127.0.0.1:port, for a client that is to take it for its proxy.
+  [[nodiscard]] std::string proxyUrl() const;
 
   // The paths that were asked for, in order.
   [[nodiscard]] std::vector<std::string> paths() const;

@@ -1,0 +1,22 @@
+# Packs the manifest of the working folder and PROGRAM into BUNDLE, with the libraries that PROGRAM
+# needs but for those of the C library, which belong to the system that they run on.
+
+file(REMOVE_RECURSE server)
+file(MAKE_DIRECTORY server)
+file(COPY_FILE "${PROGRAM}" server/TessumMCP)
+if(NOT CMAKE_HOST_APPLE)
+  file(GET_RUNTIME_DEPENDENCIES
+    EXECUTABLES "${PROGRAM}"
+    RESOLVED_DEPENDENCIES_VAR libraries
+    PRE_EXCLUDE_REGEXES [[^ld-linux]] [[^lib(c|m|pthread|dl|rt)\.so]])
+  foreach(library IN LISTS libraries)
+    cmake_path(GET library FILENAME name)
+    file(COPY_FILE "${library}" "server/${name}")
+  endforeach()
+endif()
+
+# Assistants stumble over a folder among what is packed, so the files are named one by one.
+file(GLOB files RELATIVE "${CMAKE_CURRENT_BINARY_DIR}" "${CMAKE_CURRENT_BINARY_DIR}/server/*")
+execute_process(
+  COMMAND "${CMAKE_COMMAND}" -E tar cf "${BUNDLE}" --format=zip manifest.json ${files}
+  COMMAND_ERROR_IS_FATAL ANY)

@@ -1,0 +1,249 @@
+// "Tessum update" as it is built and installed. It asks the addresses that it was built with; a
+// proxy leads them to a server on the loopback interface, and a view of the file system of its own
+// makes that server's authority the one that the system trusts.
+
+#include <curl/curl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "core/update/urls.h"
+#include "tests/desktop/user.h"
+#include "tests/support/child_process.h"
+#include "tests/support/https_server.h"
+#include "tests/support/terminal.h"
+
+namespace tessum {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr auto kLatest = "/releases/macos/latest";
+constexpr auto kRelease =
+    R"({"tag":"v99.1","name":"Tessum","body":"","prerelease":false,"publishedAt":"2025-03-04",)"
+    R"("assets":[{"name":"Setup.dmg","size":1,"contentType":""}]})";
+
+constexpr int kNoViewOfItsOwn = 77;
+
+std::string hostOf(const std::string& url) {
+  const std::string host = url.substr(std::string("https://").size());
+  return host.substr(0, host.find_first_of(":/"));
+}
+
+std::string pathOf(const HttpsConnection& connection) {
+  const std::string& request = connection.request();
+  const auto start = request.find(' ') + 1;
+  return request.substr(start, request.find(' ', start) - start);
+}
+
+// Answers with the description of the release, and with `image` where its file is asked for.
+HttpsServer::Answer offering(HttpsServer::Answer image) {
+  return [image = std::move(image)](HttpsConnection& connection) {
+    if (pathOf(connection) == kLatest) {
+      connection.respond(kRelease);
+    } else {
+      image(connection);
+    }
+  };
+}
+
+HttpsServer::Answer answering(std::string body) {
+  return [body = std::move(body)](HttpsConnection& connection) { connection.respond(body); };
+}
+
+template <typename Predicate>
+bool eventually(Predicate holds) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  while (!holds()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return true;
+}
+
+class UpdateProgram : public testing::Test {
+ protected:
+  UpdateProgram() {
+    for (const std::string& url : configuredBaseUrls()) {
+      names_ += (names_.empty() ? "DNS:" : ",DNS:") + hostOf(url);
+    }
+    const fs::path trusted = curl_version_info(CURLVERSION_NOW)->cainfo;
+    systemFolder_ = trusted.parent_path();
+    fs::create_directory(user_.file("trusted"));
+    writeFile(user_.file("trusted/") + trusted.filename().string(), authority_.certificate());
+
+    fs::create_directory(user_.file("bin"));
+    writeFile(user_.file("bin/xdg-open"),
+              "#!/bin/sh\necho \"$1\" > \"$HOME/opened.new\"\n"
+              "mv \"$HOME/opened.new\" \"$HOME/opened\"\n");
+    chmod(user_.file("bin/xdg-open").c_str(), 0700);
+    user_.set("PATH", user_.file("bin") + ":" + std::getenv("PATH"));
+    for (const char* name : {"no_proxy", "NO_PROXY"}) user_.set(name, "nobody.invalid");
+  }
+
+  void SetUp() override {
+    ChildProcess probe("true", {.prepare = [this] { trustAuthority(); }});
+    if (probe.finish() != kSuccess) GTEST_SKIP() << "no view of the file system of its own";
+  }
+
+  void serve(HttpsServer::Answer answer) {
+    server_ = std::make_unique<HttpsServer>(authority_.issue(names_), std::move(answer));
+    user_.set("https_proxy", server_->proxyUrl());
+  }
+
+  // Runs in the child, before the program.
+  void trustAuthority() const {
+    const int scope = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
+    const bool isTrusted =
+        unshare(scope) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+        mount(trustedFolder_.c_str(), systemFolder_.c_str(), nullptr, MS_BIND, nullptr) == 0;
+    if (!isTrusted) _exit(kNoViewOfItsOwn);
+  }
+
+  [[nodiscard]] std::unique_ptr<ChildProcess> start(
+      const std::vector<std::string>& arguments,
+      const std::function<void()>& prepare = [] {}) const {
+    return std::make_unique<ChildProcess>(
+        hostProgram(),
+        ChildProcess::Options{
+            .arguments = arguments, .environment = user_.environment(), .prepare = [this, prepare] {
+              trustAuthority();
+              prepare();
+            }});
+  }
+
+  [[nodiscard]] Outcome run(const std::vector<std::string>& arguments) const {
+    const auto program = start(arguments);
+    std::string output = program->readRest();
+    return {program->finish().code.value_or(-1), std::move(output), program->errors()};
+  }
+
+  [[nodiscard]] std::string updatesFolder() const { return user_.dataFolder() + "/Updates"; }
+  [[nodiscard]] std::string announcement() const {
+    return "Tessum 99.1 is available; this is " TESSUM_VERSION ".\n";
+  }
+
+  User user_;
+  const ThrowAwayAuthority authority_;
+  std::string names_;
+  std::string systemFolder_;
+  const std::string trustedFolder_ = user_.file("trusted");
+  std::unique_ptr<HttpsServer> server_;
+};
+
+TEST_F(UpdateProgram, SaysThatItIsUpToDate) {
+  serve(answering(R"({"tag":"v)" TESSUM_VERSION
+                  R"(","name":"","body":"","prerelease":false,"publishedAt":""})"));
+  const Outcome outcome = run({"update"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output, "Tessum " TESSUM_VERSION " is up to date.\n");
+  EXPECT_EQ(outcome.errors, "");
+  EXPECT_FALSE(fs::exists(user_.dataFolder())) << "nothing was to be stored";
+}
+
+TEST_F(UpdateProgram, SaysWhatIsAvailableAndFetchesNothing) {
+  serve(offering(answering("image")));
+  const Outcome outcome = run({"update"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output, announcement() + "Run \"Tessum update --download\" to fetch it.\n");
+  EXPECT_EQ(server_->paths(), std::vector<std::string>{kLatest});
+}
+
+TEST_F(UpdateProgram, AsksTheSecondServiceWhenTheFirstFails) {
+  const std::string first = "Host: " + hostOf(configuredBaseUrls().front());
+  serve([first](HttpsConnection& connection) {
+    if (connection.request().find(first + "\r\n") != std::string::npos) return connection.cut();
+    connection.respond(kRelease);
+  });
+  const Outcome outcome = run({"update"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(outcome.output.starts_with(announcement())) << outcome.output;
+  EXPECT_EQ(server_->paths(), (std::vector<std::string>{kLatest, kLatest}));
+}
+
+TEST_F(UpdateProgram, DownloadsAndOpensTheFile) {
+  const std::string image(300'000, 'x');
+  serve(offering(answering(image)));
+  const Outcome outcome = run({"update", "--download"});
+  const std::string file = updatesFolder() + "/Setup.dmg";
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output, announcement() + "Downloaded, and opened: file://" + file + "\n");
+  EXPECT_EQ(outcome.errors, "") << "progress is for those who watch";
+  EXPECT_EQ(readFile(file), image);
+  EXPECT_EQ(server_->paths(),
+            (std::vector<std::string>{kLatest, "/releases/macos/v99.1/assets/Setup.dmg"}));
+  ASSERT_TRUE(eventually([&] { return fs::exists(user_.file("opened")); }));
+  EXPECT_EQ(readFile(user_.file("opened")), "file://" + file + "\n");
+}
+
+TEST_F(UpdateProgram, ShowsProgressOnATerminal) {
+  serve(offering(answering(std::string(300'000, 'x'))));
+  Terminal terminal(80);
+  const int screen = terminal.screen();
+  const auto program = start({"update", "--download"}, [screen] { dup2(screen, STDERR_FILENO); });
+  const std::string shown = terminal.readAll();
+  EXPECT_EQ(program->finish(), kSuccess);
+  EXPECT_NE(shown.find("\r\033[K["), std::string::npos) << shown;
+  EXPECT_NE(shown.find(" %"), std::string::npos) << shown;
+  EXPECT_TRUE(shown.ends_with("\r\033[K")) << "the bar goes when it is done";
+}
+
+TEST_F(UpdateProgram, FailsWhenNobodyAnswers) {
+  serve([](HttpsConnection& connection) { connection.cut(); });
+  const Outcome outcome = run({"update"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_TRUE(outcome.errors.starts_with("Tessum: ")) << outcome.errors;
+}
+
+TEST_F(UpdateProgram, FailsWhenTheSystemDoesNotTrustTheServer) {
+  serve(offering(answering("image")));
+  const Outcome outcome = user_.run({"update"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.errors.find("certificate"), std::string::npos) << outcome.errors;
+  EXPECT_EQ(server_->paths(), std::vector<std::string>());
+}
+
+TEST_F(UpdateProgram, LeavesNothingOfADownloadThatBreaksOff) {
+  serve(offering([](HttpsConnection& connection) {
+    connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n");
+    connection.send(std::string(500, 'x'));
+    connection.cut();
+  }));
+  const Outcome outcome = run({"update", "--download"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, announcement());
+  EXPECT_TRUE(outcome.errors.starts_with("Tessum: ")) << outcome.errors;
+  EXPECT_TRUE(fs::is_empty(updatesFolder()));
+  EXPECT_FALSE(fs::exists(user_.file("opened")));
+}
+
+TEST_F(UpdateProgram, LeavesNothingOfADownloadThatIsInterrupted) {
+  serve(offering([](HttpsConnection& connection) {
+    connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n");
+    connection.send(std::string(500, 'x'));
+    connection.waitUntilClosed();
+  }));
+  const auto program = start({"update", "--download"});
+  ASSERT_TRUE(
+      eventually([&] { return fs::exists(updatesFolder()) && !fs::is_empty(updatesFolder()); }));
+  program->kill(SIGINT);
+  EXPECT_EQ(program->finish(), (ExitStatus{.code = 1, .signal = {}}));
+  EXPECT_EQ(program->readRest(), announcement());
+  EXPECT_TRUE(fs::is_empty(updatesFolder()));
+  EXPECT_FALSE(fs::exists(user_.file("opened")));
+}
+
+}  // namespace
+}  // namespace tessum
