@@ -166,21 +166,21 @@ bool X11PropertyLog::begin(std::uint32_t window) {
   xcb_flush(connection_.get());
   watch_ =
       loop_.watchReadable(xcb_get_file_descriptor(connection_.get()), [this] { readReplies(); });
-  waitForMark();
+  catchUp();
   return watch_.has_value();
 }
 
 std::vector<std::uint32_t> X11PropertyLog::take() {
-  hasMark_ = false;
+  hasCaughtUp_ = false;
   if (watch_) reader_.mark();
-  waitForMark();
+  catchUp();
   return std::exchange(values_, {});
 }
 
-void X11PropertyLog::waitForMark() {
+void X11PropertyLog::catchUp() {
   readReplies();
-  pollfd readable{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
-  while (watch_ && !hasMark_) {
+  while (watch_ && !hasCaughtUp_) {
+    pollfd readable{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
     if (poll(&readable, 1, kPatienceMilliseconds) == 0) end();
     readReplies();
   }
@@ -199,7 +199,7 @@ void X11PropertyLog::readReplies() {
 void X11PropertyLog::add(const X11Reply& reply) {
   const auto* recorded = static_cast<const Recorded*>(reply.get());
   if (recorded != nullptr && recorded->category == Recorded::startOfData) {
-    hasMark_ = true;
+    hasCaughtUp_ = true;
     return;
   }
   if (recorded == nullptr || recorded->category != Recorded::fromClient ||
@@ -212,13 +212,14 @@ void X11PropertyLog::add(const X11Reply& reply) {
   for (const X11PropertyWrite& write : propertyWrites(requests)) {
     if (write.window != reader_.rootWindow()) continue;
     if (write.property == property_) values_.push_back(write.number.value_or(0));
-    if (write.property == reader_.atoms().mark) hasMark_ = true;
+    if (write.property == reader_.atoms().mark) hasCaughtUp_ = true;
   }
 }
 
 void X11PropertyLog::end() {
   if (watch_) loop_.unwatch(*watch_);
   watch_.reset();
+  connection_.reset();
 }
 
 }  // namespace tessum

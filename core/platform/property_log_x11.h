@@ -52,19 +52,19 @@ class X11PropertyLog {
                  std::uint32_t property);
 
   [[nodiscard]] bool begin(std::uint32_t window);
-  void waitForMark();
+  void catchUp();
   void readReplies();
   void add(const X11Reply& reply);
   void end();
 
   SystemMainLoop& loop_;
   X11Connection& reader_;
-  const X11Handle connection_;
+  X11Handle connection_;
   const std::uint32_t property_;
   std::optional<SystemMainLoop::WatchToken> watch_;  // absent before the log begins and after it
-  unsigned request_ = 0;                             // whose replies the log is
+  unsigned request_ = 0;                             // whose replies are the log
   std::vector<std::uint32_t> values_;
-  bool hasMark_ = false;
+  bool hasCaughtUp_ = false;
 };
 
 }  // namespace tessum

@@ -130,7 +130,7 @@ class X11Workspace final : public Workspace {
     if (connection_.isLost()) lose();
   }
 
-  // Takes all events that are here; whether any may mean another active window.
+  // All events that are here; whether any may mean another active window.
   bool takeInEvents() {
     bool mayMeanAnother = false;
     while (const auto event = connection_.nextEvent()) {
@@ -139,7 +139,7 @@ class X11Workspace final : public Workspace {
     return mayMeanAnother;
   }
 
-  // Whether the event may mean another active window.
+  // Whether it may mean another active window.
   bool takeIn(const X11Event& event) {
     switch (event.kind) {
       case X11Event::Kind::propertyChanged:
@@ -155,6 +155,8 @@ class X11Workspace final : public Workspace {
     return false;
   }
 
+  // The value read counts if the log is empty. Otherwise it is in the log itself, and others may
+  // have followed it there.
   void look() {
     const auto& atoms = connection_.atoms();
     const auto found = connection_.properties(connection_.rootWindow(),
