@@ -17,6 +17,7 @@ namespace tessum {
 namespace {
 
 constexpr int kChanges = 10000;
+constexpr int kRequestsAtOnce = 2000;
 
 // In memory where the system has such a folder: what is tested are the sessions, not the disk.
 const char* fastFolder() {
@@ -75,12 +76,12 @@ TEST_F(ManyChanges, EachIsOneSessionInOrder) {
   // The end of one session and the next one are two writes.
   EXPECT_TRUE(eventually([&] { return writesOf(recorder_->store()) >= writes + 2 * kChanges; }))
       << writesOf(recorder_->store()) - writes;
-  EXPECT_TRUE(recorder_->sessions() == expected) << recorder_->sessions().size();
+  EXPECT_TRUE(recorder_->comesTo(expected)) << recorder_->sessions().size();
 }
 
 TEST_F(ManyChanges, NoneThatOthersSeeIsLostAndNoneIsInvented) {
   desktop_.activate(windowOfChange(0));
-  for (int i = 1; i < kChanges; ++i) desktop_.request(windowOfChange(i));
+  for (int i = 1; i < kRequestsAtOnce; ++i) desktop_.request(windowOfChange(i));
   desktop_.request(windows_[3]);
   const auto seen = desktop_.activeWindowsUntil(windows_[3]);
 
@@ -91,7 +92,7 @@ TEST_F(ManyChanges, NoneThatOthersSeeIsLostAndNoneIsInvented) {
     sessions = recorder_->sessions();
     return sessions.size() > 1 && sessions.back() == "D|NULL|NULL|open";
   })) << sessions.size();
-  EXPECT_LE(sessions.size(), kChanges + 2U) << "one for each request, and the first";
+  EXPECT_LE(sessions.size(), kRequestsAtOnce + 2U) << "one for each request, and the first";
   const auto isNotClosed = [](const std::string& row) { return !row.ends_with("|closed"); };
   EXPECT_EQ(std::count_if(sessions.begin(), sessions.end(), isNotClosed), 1);
   const auto haveOneName = [](const std::string& a, const std::string& b) { return a[0] == b[0]; };
