@@ -105,6 +105,7 @@ class Desktop {
 
  private:
   [[nodiscard]] xcb_atom_t atom(const std::string& name);
+
   // Waits for the next change of a property of the root window, and returns its name.
   xcb_atom_t waitForChange();
 
