@@ -15,11 +15,7 @@ namespace {
 constexpr std::uint32_t kLongestProperty = 4096;
 
 template <typename Reply>
-struct FreeReply {
-  void operator()(Reply* reply) const { std::free(reply); }
-};
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, FreeReply<Reply>>;
+using Owned = std::unique_ptr<Reply, X11Free>;
 
 struct NamedAtom {
   std::string_view name;
@@ -35,6 +31,7 @@ constexpr NamedAtom kNamedAtoms[] = {
     {"_KDE_NET_WM_DESKTOP_FILE", &X11Atoms::desktopFile},
     {"UTF8_STRING", &X11Atoms::utf8String},
     {"COMPOUND_TEXT", &X11Atoms::compoundText},
+    {"_TESSUM_MARK", &X11Atoms::mark},
 };
 
 // All names in one round trip. A name that could not be had stays 0, which names no property.
@@ -71,11 +68,11 @@ std::optional<std::uint32_t> X11Property::number() const {
   return value;
 }
 
-void X11Connection::Disconnect::operator()(xcb_connection_t* connection) const {
+void X11Disconnect::operator()(xcb_connection_t* connection) const {
   xcb_disconnect(connection);
 }
 
-void X11Connection::Free::operator()(void* memory) const {
+void X11Free::operator()(void* memory) const {
   std::free(memory);
 }
 
@@ -97,6 +94,10 @@ bool X11Connection::isLost() const {
   return xcb_connection_has_error(connection_.get()) != 0;
 }
 
+std::uint32_t X11Connection::firstNumber() const {
+  return xcb_get_setup(connection_.get())->resource_id_base;
+}
+
 void X11Connection::watchProperties(std::uint32_t window) {
   watch(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
 }
@@ -112,7 +113,14 @@ void X11Connection::unwatch(std::uint32_t window) {
 // A window that is gone gives an error event, which nextEvent() passes on as none of the others.
 void X11Connection::watch(std::uint32_t window, std::uint32_t eventMask) {
   xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &eventMask);
-  xcb_flush(connection_.get());
+}
+
+// No window has this property. The question is only asked for the sake of an answer.
+void X11Connection::mark() {
+  xcb_delete_property(connection_.get(), rootWindow_, atoms_.mark);
+  const auto cookie = xcb_get_input_focus(connection_.get());
+  const Owned<xcb_get_input_focus_reply_t> reply(
+      xcb_get_input_focus_reply(connection_.get(), cookie, nullptr));
 }
 
 std::optional<std::vector<std::optional<X11Property>>> X11Connection::properties(
@@ -149,7 +157,7 @@ bool X11Connection::hasReceivedEvent() {
 }
 
 std::optional<X11Event> X11Connection::nextEvent() {
-  std::unique_ptr<void, Free> taken = std::move(received_);
+  X11Reply taken = std::move(received_);
   if (!taken) taken.reset(xcb_poll_for_event(connection_.get()));
   if (!taken) return std::nullopt;
   constexpr unsigned kSentByClient = 0x80;

@@ -25,7 +25,18 @@ struct X11Atoms {
   std::uint32_t clientMachine;       // WM_CLIENT_MACHINE
   std::uint32_t utf8String;          // types
   std::uint32_t compoundText;
+  std::uint32_t mark;  // the property that mark() is about
 };
+
+struct X11Disconnect {
+  void operator()(xcb_connection_t* connection) const;
+};
+using X11Handle = std::unique_ptr<xcb_connection_t, X11Disconnect>;
+
+struct X11Free {
+  void operator()(void* memory) const;
+};
+using X11Reply = std::unique_ptr<void, X11Free>;  // what the library has allocated
 
 // The value of a property: of text, or of numbers, which are here as they lie in memory.
 struct X11Property {
@@ -61,12 +72,20 @@ class X11Connection {
   [[nodiscard]] std::uint32_t rootWindow() const { return rootWindow_; }
   [[nodiscard]] const X11Atoms& atoms() const { return atoms_; }
 
-  // Asks for the events of changed properties of `window`, or of its end.
+  // The first of the numbers that the server has given to this connection for its own use; they
+  // tell clients apart.
+  [[nodiscard]] std::uint32_t firstNumber() const;
+
+  // Asks for the events of changed properties of `window`, or of its end. It is sent along with
+  // the next request that has an answer.
   void watchProperties(std::uint32_t window);
   void watchDestruction(std::uint32_t window);
 
-  // Asks for no more events of `window`.
+  // Asks for no more events of `window`, likewise.
   void unwatch(std::uint32_t window);
+
+  // Sends a request that has no effect, to be found again among others. One round trip.
+  void mark();
 
   // The properties of `window` in the order of `names`, each absent where the window has none of
   // that name; absent as a whole when there is no such window. One round trip.
@@ -80,19 +99,12 @@ class X11Connection {
   [[nodiscard]] std::optional<X11Event> nextEvent();
 
  private:
-  struct Disconnect {
-    void operator()(xcb_connection_t* connection) const;
-  };
-  struct Free {
-    void operator()(void* memory) const;
-  };
-
   void watch(std::uint32_t window, std::uint32_t eventMask);
 
-  std::unique_ptr<xcb_connection_t, Disconnect> connection_;
+  X11Handle connection_;
   std::uint32_t rootWindow_ = 0;
   X11Atoms atoms_{};
-  std::unique_ptr<void, Free> received_;  // an event that was looked at but not yet taken
+  X11Reply received_;  // an event that was looked at but not yet taken
 };
 
 }  // namespace tessum

@@ -128,12 +128,18 @@ TEST_F(ActivityMonitorTest, AnApplicationThatActivatesAgainGetsAnotherSession) {
 
 TEST_F(ActivityMonitorTest, RecordsWhatIsKnownOfAnApplication) {
   monitor_->start();
-  workspace_.activate(RunningApplication{std::nullopt, "org.hidden", 1});
+  workspace_.activate(kEditor);
   workspace_.activate(RunningApplication{"", std::nullopt, std::nullopt});
   workspace_.activate(RunningApplication{});
   monitor_->stop();
-  EXPECT_EQ(sessions(), (Rows{"Unknown|org.hidden|NULL|1000|1000", "|NULL|NULL|1000|1000",
+  EXPECT_EQ(sessions(), (Rows{"Editor|org.editor|NULL|1000|1000", "|NULL|NULL|1000|1000",
                               "Unknown|NULL|NULL|1000|1000"}));
+}
+
+TEST_F(ActivityMonitorTest, AnApplicationWithoutADisplayNameIsUnknown) {
+  monitor_->start();
+  workspace_.activate(RunningApplication{std::nullopt, "org.hidden", 1});
+  EXPECT_EQ(sessions(), (Rows{"Unknown|org.hidden|NULL|1000|NULL"}));
 }
 
 TEST_F(ActivityMonitorTest, ThePollWritesTheTitleOfTheFrontmostApplicationEveryFiveSeconds) {

@@ -1,5 +1,6 @@
 #include "tests/x11/desktop.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <array>
@@ -10,23 +11,30 @@
 namespace tessum {
 namespace {
 
+std::vector<std::string> allArguments(const std::vector<std::string>& more) {
+  std::vector<std::string> all = {"-displayfd", "1", "-nolisten", "tcp",
+                                  "-screen",    "0", "640x480x24"};
+  all.insert(all.end(), more.begin(), more.end());
+  return all;
+}
+
 void expect(bool happened, const char* what) {
   if (!happened) throw std::runtime_error(std::string("in vain: ") + what);
 }
 
 }  // namespace
 
-Desktop::Desktop()
+Desktop::Desktop(const std::vector<std::string>& serverArguments)
     : server_("Xvfb",
-              {.arguments = {"-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "640x480x24"},
-               .environment = {},
-               .prepare = {}}) {
+              {.arguments = allArguments(serverArguments), .environment = {}, .prepare = {}}) {
   const auto number = server_.readLine();
   expect(number.has_value(), "a display of the X server");
   display_ = ":" + *number;
   connection_ = xcb_connect(display_.c_str(), nullptr);
   expect(xcb_connection_has_error(connection_) == 0, "a connection to the X server");
   root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+  const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+  xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &events);
 }
 
 Desktop::~Desktop() {
@@ -84,9 +92,12 @@ xcb_window_t Desktop::addWindow(const std::string& windowClass) {
   std::array<char, 256> host{};
   gethostname(host.data(), host.size() - 1);
   setProperty(window, "WM_CLIENT_MACHINE", "STRING", host.data());
-  const auto process = static_cast<std::uint32_t>(getpid());
-  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_PID"),
-                      XCB_ATOM_CARDINAL, 32, 1, &process);
+  setNumber(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, static_cast<std::uint32_t>(getpid()));
+  // No frame, whose painting takes a window manager most of its time.
+  constexpr std::uint32_t kNoFrame[] = {2, 0, 0, 0, 0};
+  const xcb_atom_t hints = atom("_MOTIF_WM_HINTS");
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, hints, hints, 32,
+                      std::size(kNoFrame), kNoFrame);
   xcb_map_window(connection_, window);
   xcb_flush(connection_);
   // A window manager that has only just started may miss a window: it is shown again until then.
@@ -110,13 +121,12 @@ void Desktop::setProperty(xcb_window_t window, const std::string& name, const st
   static_cast<void>(activeWindow());  // a round trip: it has arrived
 }
 
-void Desktop::publishActiveWindow(xcb_window_t window) {
-  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, root_, atom("_NET_ACTIVE_WINDOW"),
-                      XCB_ATOM_WINDOW, 32, 1, &window);
+void Desktop::focus(xcb_window_t window) {
+  xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
   static_cast<void>(activeWindow());  // a round trip: it has arrived
 }
 
-void Desktop::activate(xcb_window_t window) {
+void Desktop::request(xcb_window_t window) {
   xcb_client_message_event_t event{};
   event.response_type = XCB_CLIENT_MESSAGE;
   event.format = 32;
@@ -126,14 +136,63 @@ void Desktop::activate(xcb_window_t window) {
   xcb_send_event(connection_, 0, root_,
                  XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                  reinterpret_cast<const char*>(&event));
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  while (activeWindow() != window) {
-    expect(std::chrono::steady_clock::now() < deadline, "a window to become active");
-  }
+}
+
+void Desktop::activate(xcb_window_t window) {
+  request(window);
+  while (activeWindow() != window) waitForChange();
 }
 
 xcb_window_t Desktop::activeWindow() {
   return firstNumber("_NET_ACTIVE_WINDOW");
+}
+
+std::vector<xcb_window_t> Desktop::activeWindowsUntil(xcb_window_t last) {
+  const xcb_atom_t property = atom("_NET_ACTIVE_WINDOW");
+  std::vector<xcb_window_t> windows{activeWindow()};
+  while (windows.back() != last) {
+    if (waitForChange() == property) windows.push_back(activeWindow());
+  }
+  return windows;
+}
+
+void Desktop::manageWindows() {
+  if (managerWindow_ != 0) xcb_destroy_window(connection_, managerWindow_);
+  managerWindow_ = xcb_generate_id(connection_);
+  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, managerWindow_, root_, 0, 0, 1, 1, 0,
+                    XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+  for (const xcb_window_t window : {managerWindow_, root_}) {
+    setNumber(window, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, managerWindow_);
+  }
+}
+
+void Desktop::publishActiveWindow(xcb_window_t window) {
+  setNumber(root_, "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW, window);
+}
+
+void Desktop::publishNoActiveWindow() {
+  xcb_delete_property(connection_, root_, atom("_NET_ACTIVE_WINDOW"));
+  static_cast<void>(activeWindow());  // a round trip: it has arrived
+}
+
+xcb_atom_t Desktop::waitForChange() {
+  constexpr int kMinute = 60'000;
+  pollfd readable{xcb_get_file_descriptor(connection_), POLLIN, 0};
+  while (true) {
+    const std::unique_ptr<xcb_generic_event_t, decltype(&std::free)> event(
+        xcb_poll_for_event(connection_), &std::free);
+    if (event && event->response_type == XCB_PROPERTY_NOTIFY) {
+      return reinterpret_cast<const xcb_property_notify_event_t*>(event.get())->atom;
+    }
+    expect(xcb_connection_has_error(connection_) == 0, "a change on an X server that is there");
+    if (!event) expect(poll(&readable, 1, kMinute) != 0, "a change on the root window");
+  }
+}
+
+void Desktop::setNumber(xcb_window_t window, const std::string& name, xcb_atom_t type,
+                        std::uint32_t number) {
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(name), type, 32, 1, &number);
+  static_cast<void>(activeWindow());  // a round trip: it has arrived
 }
 
 xcb_atom_t Desktop::atom(const std::string& name) {

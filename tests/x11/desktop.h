@@ -33,7 +33,8 @@ template <typename Predicate>
 // that wait throw std::runtime_error after a minute.
 class Desktop {
  public:
-  Desktop();
+  // `serverArguments` go to the X server besides those that it always gets.
+  explicit Desktop(const std::vector<std::string>& serverArguments = {});
   ~Desktop();
   Desktop(const Desktop&) = delete;
   Desktop& operator=(const Desktop&) = delete;
@@ -78,17 +79,39 @@ class Desktop {
   void setProperty(xcb_window_t window, const std::string& name, const std::string& type,
                    const std::string& bytes);
 
-  // Publishes an active window as a window manager does.
-  void publishActiveWindow(xcb_window_t window);
+  // Gives a window the keyboard.
+  void focus(xcb_window_t window);
 
-  // Asks the window manager to make a window active, and waits until it has.
+  // Asks the window manager to make a window active, and does not wait for it.
+  void request(xcb_window_t window);
+
+  // Asks for it, and waits until it is.
   void activate(xcb_window_t window);
 
   // The active window as the window manager publishes it; 0 when there is none.
   [[nodiscard]] xcb_window_t activeWindow();
 
+  // Each window that is found active, as often as another may be, until it is `last`.
+  [[nodiscard]] std::vector<xcb_window_t> activeWindowsUntil(xcb_window_t last);
+
+  //////////////////////////////////////////////////////////////////////////////////////////////
+  // What a window manager does, for tests that are one themselves.
+
+  // Makes itself known, anew when it is called again.
+  void manageWindows();
+
+  void publishActiveWindow(xcb_window_t window);
+  void publishNoActiveWindow();
+
  private:
   [[nodiscard]] xcb_atom_t atom(const std::string& name);
+
+  // Waits for the next change of a property of the root window, and returns its name.
+  xcb_atom_t waitForChange();
+
+  void setNumber(xcb_window_t window, const std::string& name, xcb_atom_t type,
+                 std::uint32_t number);
+
   [[nodiscard]] std::uint32_t firstNumber(const std::string& name);
 
   TemporaryFolder home_;
@@ -97,6 +120,7 @@ class Desktop {
   std::unique_ptr<ChildProcess> windowManager_;
   xcb_connection_t* connection_ = nullptr;
   xcb_window_t root_ = 0;
+  xcb_window_t managerWindow_ = 0;
   std::map<std::string, xcb_atom_t> atoms_;
 };
 
