@@ -8,16 +8,16 @@
 // with a question. Should one keep it all the same, there is no log, rather than no end of waiting.
 //
 // The recording takes a connection of its own, on which nothing else can be asked for once it has
-// begun. The extension's two requests are spelt out here, which saves a library that many desktops
-// lack.
+// begun.
 
 #include "core/platform/property_log_x11.h"
 
 #include <poll.h>
-#include <sys/uio.h>
+#include <xcb/record.h>
 #include <xcb/xcb.h>
 #include <xcb/xcbext.h>
 
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -25,67 +25,10 @@ namespace tessum {
 namespace {
 
 constexpr int kPatienceMilliseconds = 10'000;
-constexpr std::uint8_t kCreateContext = 1;
-constexpr std::uint8_t kEnableContext = 5;
 
-struct CreateContext {
-  std::uint8_t majorCode;
-  std::uint8_t minorCode;
-  std::uint16_t length;
-  std::uint32_t context;
-  std::uint32_t elementHeader;  // 0: nothing before each request
-  std::uint32_t clientCount;
-  std::uint32_t rangeCount;
-  std::uint32_t clients[2];
-  std::uint8_t firstRequest;
-  std::uint8_t lastRequest;
-  std::uint8_t otherRanges[22];  // 0: nothing of them
-};
-static_assert(sizeof(CreateContext) == 20 + 2 * 4 + 24);
-
-struct EnableContext {
-  std::uint8_t majorCode;
-  std::uint8_t minorCode;
-  std::uint16_t length;
-  std::uint32_t context;
-};
-static_assert(sizeof(EnableContext) == 8);
-
-// What comes first in each reply; the recorded requests follow.
-struct Recorded {
-  enum Category : std::uint8_t { fromClient = 1, startOfData = 4 };
-
-  std::uint8_t type;
-  Category category;
-  std::uint16_t sequence;
-  std::uint32_t words;  // of what follows
-  std::uint8_t elementHeader;
-  std::uint8_t isSwapped;  // the client has another byte order
-  std::uint16_t unused;
-  std::uint32_t client;  // the first of its numbers
-  std::uint32_t time;
-  std::uint32_t recordedSequence;
-  std::uint32_t alsoUnused[2];
-};
-static_assert(sizeof(Recorded) == 32);
-
-// The library fills in the length, and uses two parts before the first.
-template <typename Request>
-unsigned send(xcb_connection_t* connection, Request request, bool hasReply) {
-  iovec parts[3] = {{}, {}, {&request, sizeof request}};
-  const xcb_protocol_request_t description{1, nullptr, request.majorCode,
-                                           static_cast<std::uint8_t>(hasReply ? 0 : 1)};
-  return xcb_send_request(connection, hasReply ? XCB_REQUEST_CHECKED : 0, parts + 2, &description);
-}
-
-// 0 when the server does not have the extension.
-std::uint8_t majorCodeOfRecord(xcb_connection_t* connection) {
-  constexpr std::string_view kName = "RECORD";
-  const auto cookie = xcb_query_extension(connection, kName.size(), kName.data());
-  const X11Reply reply(xcb_query_extension_reply(connection, cookie, nullptr));
-  const auto* answer = static_cast<const xcb_query_extension_reply_t*>(reply.get());
-  return answer != nullptr && answer->present != 0 ? answer->major_opcode : std::uint8_t{0};
-}
+// What a reply of the recording is about.
+constexpr std::uint8_t kFromClient = 1;
+constexpr std::uint8_t kStartOfData = 4;
 
 std::uint32_t numberAt(std::string_view bytes, std::size_t position) {
   std::uint32_t number = 0;
@@ -146,26 +89,19 @@ X11PropertyLog::~X11PropertyLog() {
 }
 
 bool X11PropertyLog::begin(std::uint32_t window) {
-  const std::uint8_t record = majorCodeOfRecord(connection_.get());
-  if (record == 0) return false;
-  const std::uint32_t context = xcb_generate_id(connection_.get());
-  send(connection_.get(),
-       CreateContext{.majorCode = record,
-                     .minorCode = kCreateContext,
-                     .length = 0,
-                     .context = context,
-                     .elementHeader = 0,
-                     .clientCount = 2,
-                     .rangeCount = 1,
-                     .clients = {window, reader_.firstNumber()},
-                     .firstRequest = XCB_CHANGE_PROPERTY,
-                     .lastRequest = XCB_DELETE_PROPERTY,
-                     .otherRanges = {}},
-       false);
-  request_ = send(connection_.get(), EnableContext{record, kEnableContext, 0, context}, true);
-  xcb_flush(connection_.get());
-  watch_ =
-      loop_.watchReadable(xcb_get_file_descriptor(connection_.get()), [this] { readReplies(); });
+  xcb_connection_t* const connection = connection_.get();
+  const auto* extension = xcb_get_extension_data(connection, &xcb_record_id);
+  if (extension == nullptr || extension->present == 0) return false;
+  const std::array<xcb_record_client_spec_t, 2> clients{window, reader_.firstNumber()};
+  xcb_record_range_t range{};
+  range.core_requests = {XCB_CHANGE_PROPERTY, XCB_DELETE_PROPERTY};
+  constexpr xcb_record_element_header_t kNoHeaders = 0;
+  const std::uint32_t context = xcb_generate_id(connection);
+  xcb_record_create_context(connection, context, kNoHeaders, clients.size(), 1, clients.data(),
+                            &range);
+  request_ = xcb_record_enable_context(connection, context).sequence;
+  xcb_flush(connection);
+  watch_ = loop_.watchReadable(xcb_get_file_descriptor(connection), [this] { readReplies(); });
   catchUp();
   return watch_.has_value();
 }
@@ -197,18 +133,19 @@ void X11PropertyLog::readReplies() {
 }
 
 void X11PropertyLog::add(const X11Reply& reply) {
-  const auto* recorded = static_cast<const Recorded*>(reply.get());
-  if (recorded != nullptr && recorded->category == Recorded::startOfData) {
+  const auto* recorded = static_cast<const xcb_record_enable_context_reply_t*>(reply.get());
+  if (recorded != nullptr && recorded->category == kStartOfData) {
     hasCaughtUp_ = true;
     return;
   }
-  if (recorded == nullptr || recorded->category != Recorded::fromClient ||
-      recorded->isSwapped != 0) {
+  const bool isOfThisByteOrder = recorded != nullptr && recorded->client_swapped == 0;
+  if (!isOfThisByteOrder || recorded->category != kFromClient) {
     end();
     return;
   }
-  const std::string_view requests(reinterpret_cast<const char*>(recorded + 1),
-                                  std::size_t{recorded->words} * 4);
+  const std::string_view requests(
+      reinterpret_cast<const char*>(xcb_record_enable_context_data(recorded)),
+      static_cast<std::size_t>(xcb_record_enable_context_data_length(recorded)));
   for (const X11PropertyWrite& write : propertyWrites(requests)) {
     if (write.window != reader_.rootWindow()) continue;
     if (write.property == property_) values_.push_back(write.number.value_or(0));
