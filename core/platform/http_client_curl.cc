@@ -4,8 +4,8 @@
 // owner and the thread; its mutex is held while an event runs, so that an owner who lets go of it
 // waits for that one call, and no other follows.
 //
-// libcurl hands out a body in records of TLS, 16 KiB at most. What comes without a pause is gathered
-// and handed on in larger pieces, since each may wake other threads.
+// libcurl hands out a body in records of TLS, 16 KiB at most. What comes without a pause is
+// gathered and handed on in larger pieces, since each may wake other threads.
 
 #include <curl/curl.h>
 #include <pthread.h>
