@@ -10,18 +10,10 @@ class Forget : public testing::Test {
  protected:
   Forget() {
     Database record = user.record();
-    const auto add = [&](const char* app, const char* title, const char* start, const char* end) {
-      record.insert({.id = {},
-                     .appName = app,
-                     .bundleID = {},
-                     .title = title,
-                     .startTime = at(start),
-                     .endTime = at(end)});
-    };
-    add("Editor", "Secret_plan", "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
-    add("Editor", "other", "2025-03-05T09:00:00Z", "2025-03-05T09:30:00Z");
-    add("Browser", "the SECRET_PLAN", "2025-03-05T10:00:00Z", "2025-03-05T10:30:00Z");
-    add("Browser", "SecretXplan", "2025-03-06T10:00:00Z", "2025-03-06T10:30:00Z");
+    user.addSession("Editor", "Secret_plan", "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
+    user.addSession("Editor", "other", "2025-03-05T09:00:00Z", "2025-03-05T09:30:00Z");
+    user.addSession("Browser", "the SECRET_PLAN", "2025-03-05T10:00:00Z", "2025-03-05T10:30:00Z");
+    user.addSession("Browser", "SecretXplan", "2025-03-06T10:00:00Z", "2025-03-06T10:30:00Z");
     record.insertAnnotation(
         {.id = {}, .text = "Work", .startedAt = at("2025-03-05T08:00:00Z"), .endedAt = {}});
   }

@@ -6,7 +6,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <utility>
 
 namespace tessum {
@@ -32,11 +31,7 @@ LoopbackServer::LoopbackServer(std::uint16_t port) : socket_(socket(AF_INET, SOC
   address.sin_family = AF_INET;
   address.sin_port = htons(port);
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-  do {
-    isBound_ = bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    if (!isBound_) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  } while (!isBound_ && std::chrono::steady_clock::now() < deadline);
+  isBound_ = bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
 LoopbackServer::~LoopbackServer() {

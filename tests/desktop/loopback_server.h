@@ -9,8 +9,7 @@
 
 namespace tessum {
 
-// Holds the port until the object goes; connections are refused until there is an answer. Waits a
-// while for a port that another test has.
+// Holds the port until the object goes; connections are refused until there is an answer.
 class LoopbackServer {
  public:
   explicit LoopbackServer(std::uint16_t port);

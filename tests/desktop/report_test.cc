@@ -8,13 +8,6 @@
 namespace tessum {
 namespace {
 
-using testing::AssertionResult;
-
-AssertionResult contains(const std::string& text, const std::string& part) {
-  if (text.find(part) != std::string::npos) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << '"' << part << "\" is not in:\n" << text;
-}
-
 // A day with three sessions of two applications and a note, and a session on the day after.
 class Reports : public testing::Test {
  protected:
@@ -142,31 +135,21 @@ TEST_F(Reports, ADayWithoutRecordsSaysSo) {
 }
 
 TEST_F(Reports, TodayIsTheDayUnlessAnotherIsNamed) {
-  Database record = user.record();
   const Date now = SystemClock().now();
-  record.insert({.id = {},
-                 .appName = "Ongoing",
-                 .bundleID = {},
-                 .title = {},
-                 .startTime = now,
-                 .endTime = {}});
+  user.record().insert({.id = {},
+                        .appName = "Ongoing",
+                        .bundleID = {},
+                        .title = {},
+                        .startTime = now,
+                        .endTime = {}});
   EXPECT_TRUE(contains(user.run({"day"}).output, "now"));
   EXPECT_TRUE(contains(user.run({"day", "today"}).output, "Ongoing"));
   EXPECT_FALSE(contains(user.run({"day", "yesterday"}).output, "Ongoing"));
 }
 
 TEST_F(Reports, ColumnsLineUpUnderWideAndCombiningCharacters) {
-  Database record = user.record();
-  const auto add = [&](const char* name, const char* start, const char* end) {
-    record.insert({.id = {},
-                   .appName = name,
-                   .bundleID = {},
-                   .title = {},
-                   .startTime = at(start),
-                   .endTime = at(end)});
-  };
-  add("日本", "2025-06-01T08:00:00Z", "2025-06-01T09:00:00Z");
-  add("Cafe\u0301", "2025-06-01T09:00:00Z", "2025-06-01T09:30:00Z");
+  user.addSession("日本", nullptr, "2025-06-01T08:00:00Z", "2025-06-01T09:00:00Z");
+  user.addSession("Cafe\u0301", nullptr, "2025-06-01T09:00:00Z", "2025-06-01T09:30:00Z");
   EXPECT_EQ(user.run({"usage", "2025-06-01"}).output,
             "Sunday, 1 June 2025  1h 30m in 2 sessions\n"
             "\n"

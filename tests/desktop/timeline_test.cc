@@ -19,26 +19,13 @@ constexpr char kMarkupEscaped[] =
     "&lt;/title&gt;&lt;script&gt;alert(1)&lt;/script&gt;&lt;img src=x onerror=alert(2)&gt; &amp; "
     "&quot;&#39;";
 
-testing::AssertionResult contains(const std::string& text, const std::string& part) {
-  if (text.find(part) != std::string::npos) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << '"' << part << "\" is not in:\n" << text;
-}
-
 class Timeline : public testing::Test {
  protected:
   Timeline() {
     Database record = user.record();
-    const auto add = [&](const char* app, const char* title, const char* start, const char* end) {
-      record.insert({.id = {},
-                     .appName = app,
-                     .bundleID = {},
-                     .title = title,
-                     .startTime = at(start),
-                     .endTime = at(end)});
-    };
-    add("Editor", "main.cc", "2025-03-04T09:00:00Z", "2025-03-04T11:00:00Z");
-    add("Browser", kMarkup, "2025-03-04T11:00:00Z", "2025-03-04T12:00:00Z");
-    add("Editor", "day.cc", "2025-03-04T12:30:00Z", "2025-03-04T13:00:00Z");
+    user.addSession("Editor", "main.cc", "2025-03-04T09:00:00Z", "2025-03-04T11:00:00Z");
+    user.addSession("Browser", kMarkup, "2025-03-04T11:00:00Z", "2025-03-04T12:00:00Z");
+    user.addSession("Editor", "day.cc", "2025-03-04T12:30:00Z", "2025-03-04T13:00:00Z");
     record.insertAnnotation({.id = {},
                              .text = "Review of the budget",
                              .startedAt = at("2025-03-04T09:00:00Z"),
@@ -122,19 +109,10 @@ TEST_F(Timeline, OfADayWithoutRecordsIsAPageToo) {
 
 TEST_F(Timeline, OfADayWhenTheClockIsChangedHasThatDaysHours) {
   user.set("TZ", "Europe/Berlin");
-  {
-    Database record = user.record();
-    const auto add = [&](const char* start, const char* end) {
-      record.insert({.id = {},
-                     .appName = "Night",
-                     .bundleID = {},
-                     .title = {},
-                     .startTime = at(start),
-                     .endTime = at(end)});
-    };
-    add("2025-03-29T23:00:00Z", "2025-03-30T03:00:00Z");  // 00:00 to 05:00, without 02:00
-    add("2025-10-25T22:00:00Z", "2025-10-26T03:00:00Z");  // 00:00 to 04:00, with 02:00 twice
-  }
+  // From 00:00 to 05:00, without 02:00.
+  user.addSession("Night", nullptr, "2025-03-29T23:00:00Z", "2025-03-30T03:00:00Z");
+  // From 00:00 to 04:00, with 02:00 twice.
+  user.addSession("Night", nullptr, "2025-10-25T22:00:00Z", "2025-10-26T03:00:00Z");
   const auto count = [&](const std::string& html, const std::string& hour) {
     std::size_t times = 0;
     for (std::size_t i = 0; (i = html.find(">" + hour + "</text>", i)) != std::string::npos; ++i) {

@@ -51,6 +51,15 @@ Database User::record() const {
   return Database(recordPath(), kCalendar);
 }
 
+void User::addSession(const char* app, const char* title, const char* start,
+                      const char* end) const {
+  Activity session{
+      .id = {}, .appName = app, .bundleID = {}, .title = {}, .startTime = at(start), .endTime = {}};
+  if (title != nullptr) session.title = title;
+  if (end != nullptr) session.endTime = at(end);
+  record().insert(session);
+}
+
 std::vector<std::string> User::environment() const {
   std::vector<std::string> environment;
   for (const auto& [name, value] : variables_) environment.push_back(name + "=" + value);
@@ -99,6 +108,11 @@ Date at(std::string_view text) {
   const auto date = parseInternetDateTime(text);
   if (!date) throw std::invalid_argument(std::string(text));
   return *date;
+}
+
+testing::AssertionResult contains(const std::string& text, const std::string& part) {
+  if (text.find(part) != std::string::npos) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << '"' << part << "\" is not in:\n" << text;
 }
 
 std::vector<std::string> linesOf(const std::string& text) {

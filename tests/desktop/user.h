@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <map>
 #include <memory>
@@ -38,6 +40,9 @@ class User {
   // The user's record, made where it is missing.
   [[nodiscard]] Database record() const;
 
+  // Adds a session to the record; `title` and `end` are null where it has none.
+  void addSession(const char* app, const char* title, const char* start, const char* end) const;
+
   // Starts the host program with `arguments`.
   [[nodiscard]] std::unique_ptr<ChildProcess> start(
       const std::vector<std::string>& arguments) const;
@@ -69,6 +74,9 @@ class User {
 
 // The moment that `text` names, such as 2025-03-04T09:00:00Z.
 [[nodiscard]] Date at(std::string_view text);
+
+// Whether `part` is in `text`.
+[[nodiscard]] testing::AssertionResult contains(const std::string& text, const std::string& part);
 
 // The lines of `text`.
 [[nodiscard]] std::vector<std::string> linesOf(const std::string& text);

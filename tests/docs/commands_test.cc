@@ -310,21 +310,10 @@ TEST(TheConversation, IsWhatTheServerAnswers) {
   const std::string answer = replaced(between("\n< ", "\n```"), "\n", "\\n");
 
   User user;
-  {
-    Database record = user.record();
-    const auto add = [&](const char* app, const char* start, const char* end) {
-      record.insert({.id = {},
-                     .appName = app,
-                     .bundleID = {},
-                     .title = {},
-                     .startTime = at(start),
-                     .endTime = at(end)});
-    };
-    add("Editor", "2025-03-04T09:00:00Z", "2025-03-04T10:01:00Z");
-    add("Mail", "2025-03-04T10:01:00Z", "2025-03-04T10:04:00Z");
-    add("Terminal", "2025-03-04T10:04:00Z", "2025-03-04T10:04:42Z");
-    add("Mail", "2025-03-04T10:05:00Z", "2025-03-04T10:07:00Z");
-  }
+  user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", "2025-03-04T10:01:00Z");
+  user.addSession("Mail", nullptr, "2025-03-04T10:01:00Z", "2025-03-04T10:04:00Z");
+  user.addSession("Terminal", nullptr, "2025-03-04T10:04:00Z", "2025-03-04T10:04:42Z");
+  user.addSession("Mail", nullptr, "2025-03-04T10:05:00Z", "2025-03-04T10:07:00Z");
   ChildProcess server(fs::path(hostProgram()).parent_path() / "TessumMCP",
                       {.environment = user.environment()});
   server.writeLine(request);
