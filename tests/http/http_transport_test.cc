@@ -18,6 +18,7 @@
 
 #include "tests/http/allocated_bytes.h"
 #include "tests/http/loopback.h"
+#include "tests/support/eventually.h"
 
 namespace tessum {
 namespace {

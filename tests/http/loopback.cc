@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <thread>
 #include <utility>
 
 namespace tessum {
@@ -105,15 +104,6 @@ void allowDescriptors(unsigned count) {
   if (limit.rlim_cur >= count) return;
   limit.rlim_cur = count;
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0) << std::strerror(errno);
-}
-
-bool eventually(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(kPatience);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  return true;
 }
 
 Peer::Peer(std::uint16_t port, Family family) : descriptor_(newSocket(family)) {

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,9 +25,6 @@ enum class Family { v4, v6 };
 
 // Lets this process have `count` descriptors.
 void allowDescriptors(unsigned count);
-
-// Waits until `condition` holds; false when it does not within a minute.
-[[nodiscard]] bool eventually(const std::function<bool()>& condition);
 
 // One connection to a port. A silence of a minute where something is expected fails the test.
 class Peer {

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,11 +15,11 @@
 #include <variant>
 #include <vector>
 
-#ifdef __linux__
-#include <sched.h>
-#endif
-
 #include "tests/update/update_checker_fixture.h"
+
+#ifdef __linux__
+#include "tests/support/mounts_linux.h"
+#endif
 
 namespace tessum {
 namespace {
@@ -297,13 +296,9 @@ TEST_F(UpdateDownloadDeathTest, FailsWhenTheFileCannotGrow) {
 TEST_F(UpdateDownloadDeathTest, FailsWhenTheDiskIsFull) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const auto mountSmallDisk = [this] {
-    const int scope = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
     const std::string disk = locations_.dataFolder();
     std::filesystem::create_directories(disk);
-    const bool isMounted = unshare(scope) == 0 &&
-                           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                           mount("tessum", disk.c_str(), "tmpfs", 0, "size=64k") == 0;
-    return isMounted ? 0 : kNoDiskOfItsOwn;
+    return takeOwnMounts() && mountDisk("64k", disk) ? 0 : kNoDiskOfItsOwn;
   };
   int code = -1;
   const auto succeedsOrHasNoDisk = [&code](int status) {

@@ -4,24 +4,22 @@
 
 #include <curl/curl.h>
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
-#include <thread>
 
 #include "core/update/urls.h"
 #include "tests/desktop/user.h"
 #include "tests/support/child_process.h"
+#include "tests/support/eventually.h"
 #include "tests/support/https_server.h"
+#include "tests/support/mounts_linux.h"
 #include "tests/support/terminal.h"
 
 namespace tessum {
@@ -62,16 +60,6 @@ HttpsServer::Answer answering(std::string body) {
   return [body = std::move(body)](HttpsConnection& connection) { connection.respond(body); };
 }
 
-template <typename Predicate>
-bool eventually(Predicate holds) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  while (!holds()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return true;
-}
-
 class UpdateProgram : public testing::Test {
  protected:
   UpdateProgram() {
@@ -104,11 +92,7 @@ class UpdateProgram : public testing::Test {
 
   // Runs in the child, before the program.
   void trustAuthority() const {
-    const int scope = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
-    const bool isTrusted =
-        unshare(scope) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-        mount(trustedFolder_.c_str(), systemFolder_.c_str(), nullptr, MS_BIND, nullptr) == 0;
-    if (!isTrusted) _exit(kNoViewOfItsOwn);
+    if (!takeOwnMounts() || !mountFolder(trustedFolder_, systemFolder_)) _exit(kNoViewOfItsOwn);
   }
 
   [[nodiscard]] std::unique_ptr<ChildProcess> start(

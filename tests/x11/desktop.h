@@ -10,24 +10,13 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/support/child_process.h"
+#include "tests/support/eventually.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessum {
-
-// Whether `isDone` holds, now or within a minute.
-template <typename Predicate>
-[[nodiscard]] bool eventually(Predicate isDone) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  while (!isDone()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return true;
-}
 
 // An X server without a screen, with what is started on it. All of it ends with the object. Calls
 // that wait throw std::runtime_error after a minute.
