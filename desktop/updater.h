@@ -2,6 +2,9 @@
 
 #pragma once
 
+#include <filesystem>
+#include <string>
+
 #include "core/platform/app_info.h"
 #include "core/platform/http_client.h"
 #include "core/platform/locations.h"
@@ -17,15 +20,22 @@ class Updater {
  public:
   // Both must outlive the updater.
   Updater(MainLoop& loop, const Locations& locations)
-      : checker_({http_, queue_, loop, locations, appInfo_, opener_}) {}
+      : http_({.program = fetchProgram(locations)}),
+        checker_({http_, queue_, loop, locations, appInfo_, opener_}) {}
 
   [[nodiscard]] UpdateChecker& checker() { return checker_; }
 
  private:
+  // Where it lies is told from where this program does.
+  [[nodiscard]] static std::string fetchProgram(const Locations& locations) {
+    const std::filesystem::path program = locations.executablePath().value_or("");
+    return program.parent_path() / TESSUM_FETCH_PROGRAM;
+  }
+
   const SystemAppInfo appInfo_;
   const SystemUrlOpener opener_{};
   ThreadQueue queue_{"com.tessum.update"};
-  CurlHttpClient http_;
+  FetchProgramClient http_;
   UpdateChecker checker_;
 };
 

@@ -60,7 +60,7 @@ int downloadHere(const std::string& base, const std::string& folder, const std::
   const NoOpener opener;
   SystemMainLoop loop;
   ThreadQueue queue("update");
-  CurlHttpClient http({.authoritiesFile = authority});
+  FetchProgramClient http({.program = TESSUM_FETCH_PROGRAM, .authoritiesFile = authority});
   UpdateChecker checker({http, queue, loop, locations, appInfo, opener}, {base});
   int status = 1;
   checker.setOnStateChange([&](const UpdateState& state) {

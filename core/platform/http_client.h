@@ -18,8 +18,7 @@ struct HttpHead {
   std::optional<std::int64_t> contentLength;      // bytes of the whole body, when declared
 };
 
-// What hears of one transfer. Called on the client's own thread, which serves all transfers, so
-// neither may block.
+// What hears of one transfer. Called on a thread of the client's own.
 struct HttpEvents {
   // The next bytes of the body, at least one. What it throws ends the transfer as a failure with
   // the exception's text.
@@ -47,32 +46,30 @@ class HttpClient {
                                                           HttpEvents events) = 0;
 };
 
-// The client over libcurl: HTTP/1.1, certificates checked, no headers but Host and Accept, proxies
-// as the environment names them. Failures are in libcurl's words. A thread of its own runs all
-// transfers; destroying the client ends it without waiting for the network.
-class CurlHttpClient final : public HttpClient {
+// The client over TessumFetch, a program that holds libcurl: HTTP/1.1, certificates checked, no
+// headers but Host and Accept, proxies as the environment names them. Failures are in libcurl's
+// words. Each transfer is a process and a thread, so that nothing that reads from the network is in
+// this process, nor in memory once the transfer has ended.
+class FetchProgramClient final : public HttpClient {
  public:
   struct Settings {
+    std::string program;  // the path of TessumFetch
+
     // A file of certificates (PEM) of the authorities to trust instead of the system's, for a
     // network with an authority of its own.
-    std::optional<std::string> authoritiesFile;
+    std::optional<std::string> authoritiesFile = std::nullopt;
 
     // How long a transfer may go without receiving anything, while connecting too.
     double idleSeconds = 60;
   };
 
-  CurlHttpClient() : CurlHttpClient(Settings()) {}
-  explicit CurlHttpClient(Settings settings);
-  ~CurlHttpClient() override;
-  CurlHttpClient(const CurlHttpClient&) = delete;
-  CurlHttpClient& operator=(const CurlHttpClient&) = delete;
+  explicit FetchProgramClient(Settings settings);
 
   [[nodiscard]] std::unique_ptr<HttpTransfer> get(const std::string& url,
                                                   HttpEvents events) override;
 
  private:
-  class Loop;
-  std::unique_ptr<Loop> loop_;
+  const Settings settings_;
 };
 
 }  // namespace tessum

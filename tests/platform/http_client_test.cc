@@ -1,8 +1,13 @@
 #include "core/platform/http_client.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <future>
 #include <memory>
 #include <optional>
@@ -10,6 +15,8 @@
 #include <string>
 #include <thread>
 
+#include "core/platform/fetch_parts.h"
+#include "tests/support/child_process.h"
 #include "tests/support/environment.h"
 #include "tests/support/https_server.h"
 #include "tests/support/temporary_folder.h"
@@ -30,8 +37,8 @@ class HttpClientTest : public testing::Test {
  protected:
   HttpClientTest() { writeFile(folder_.file("authority.pem"), authority_.certificate()); }
 
-  [[nodiscard]] CurlHttpClient::Settings settings() const {
-    return {.authoritiesFile = folder_.file("authority.pem")};
+  [[nodiscard]] FetchProgramClient::Settings settings() const {
+    return {.program = TESSUM_FETCH_PROGRAM, .authoritiesFile = folder_.file("authority.pem")};
   }
 
   [[nodiscard]] std::unique_ptr<HttpsServer> serve(HttpsServer::Answer answer) const {
@@ -53,7 +60,7 @@ class HttpClientTest : public testing::Test {
   }
 
   [[nodiscard]] Result fetch(const std::string& url) const {
-    CurlHttpClient client(settings());
+    FetchProgramClient client(settings());
     return fetch(client, url);
   }
 
@@ -108,7 +115,7 @@ TEST_F(HttpClientTest, RunsTransfersAtTheSameTime) {
     isSecondServed.get_future().wait_for(kPatience);
     connection.respond("first");
   });
-  CurlHttpClient client(settings());
+  FetchProgramClient client(settings());
   std::promise<std::string> first;
   const auto transfer =
       client.get(server->url() + "/first",
@@ -169,7 +176,7 @@ TEST_F(HttpClientTest, RefusesBadCertificates) {
 
 TEST_F(HttpClientTest, TrustsTheSystemsAuthoritiesByDefault) {
   const auto server = serve([](HttpsConnection& connection) { connection.respond("never"); });
-  CurlHttpClient client;
+  FetchProgramClient client({.program = TESSUM_FETCH_PROGRAM});
   EXPECT_EQ(fetch(client, server->url()).failure,
             "SSL peer certificate or SSH remote key was not OK");
 }
@@ -181,7 +188,7 @@ TEST_F(HttpClientTest, GivesUpOnAServerThatFallsSilent) {
     connection.send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nten bytes.");
     connection.waitUntilClosed();
   });
-  CurlHttpClient client(impatient);
+  FetchProgramClient client(impatient);
   const Result result = fetch(client, server->url());
   EXPECT_EQ(result.failure, "Timeout was reached");
   EXPECT_EQ(result.body, "ten bytes.");
@@ -198,7 +205,7 @@ TEST_F(HttpClientTest, WaitsForAServerThatIsOnlySlow) {
       connection.send(".");
     }
   });
-  CurlHttpClient client(impatient);
+  FetchProgramClient client(impatient);
   const Result result = fetch(client, server->url());
   EXPECT_EQ(result.failure, std::nullopt);
   EXPECT_EQ(result.body, "............");
@@ -206,7 +213,7 @@ TEST_F(HttpClientTest, WaitsForAServerThatIsOnlySlow) {
 
 TEST_F(HttpClientTest, FailsInTheWordsOfWhoeverCannotTakeTheBody) {
   const auto server = serve([](HttpsConnection& connection) { connection.respond("body"); });
-  CurlHttpClient client(settings());
+  FetchProgramClient client(settings());
   std::promise<std::optional<std::string>> ended;
   const auto transfer = client.get(
       server->url(),
@@ -223,7 +230,7 @@ TEST_F(HttpClientTest, SaysNothingOfATransferThatWasLetGo) {
     connection.waitUntilClosed();
     connection.respond("too late");
   });
-  CurlHttpClient client(settings());
+  FetchProgramClient client(settings());
   const auto held = std::make_shared<int>();
   auto transfer =
       client.get(server->url(),
@@ -243,13 +250,80 @@ TEST_F(HttpClientTest, LeavesAConnectionThatIsNoLongerWanted) {
     connection.waitUntilClosed();
     isClosed.set_value();
   });
-  CurlHttpClient client(settings());
+  FetchProgramClient client(settings());
   auto transfer = client.get(server->url(),
                              {.onData = [](const HttpHead&, std::string_view) {},
                               .onEnd = [](const HttpHead&, const std::optional<std::string>&) {}});
   isAsked.get_future().wait();
   transfer.reset();
   EXPECT_EQ(isClosed.get_future().wait_for(kPatience), std::future_status::ready);
+}
+
+TEST_F(HttpClientTest, LeavesNoProcessBehind) {
+  const auto server = serve([](HttpsConnection& connection) { connection.respond("body"); });
+  EXPECT_EQ(fetch(server->url()).failure, std::nullopt);
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(HttpClientTest, SaysThatTheProgramCannotBeStarted) {
+  FetchProgramClient client({.program = folder_.file("gone")});
+  EXPECT_EQ(fetch(client, "https://127.0.0.1/").failure,
+            "Cannot start " + folder_.file("gone") + ": No such file or directory");
+}
+
+// A stand-in that breaks off, or that writes what the program never does.
+TEST_F(HttpClientTest, FailsWhenTheProgramGoesWrong) {
+  const auto part = [](FetchPart kind, std::uint32_t size, const std::string& content) {
+    const FetchPartHeader header{kind, size};
+    return std::string(reinterpret_cast<const char*>(&header), sizeof header) + content;
+  };
+  const std::string outputs[] = {
+      "",
+      "abc",
+      part(FetchPart::body, 4, "bod"),
+      part(FetchPart::body, 4, "body"),
+      part(FetchPart::body, kLargestFetchPart + 1, std::string(kLargestFetchPart + 1, 'x')),
+      part(FetchPart::contentLength, 2, "4x") + part(FetchPart::success, 0, ""),
+      part(FetchPart::contentLength, 0, "") + part(FetchPart::success, 0, ""),
+      part(FetchPart::contentLength, 19, "9223372036854775808") + part(FetchPart::success, 0, ""),
+      part(static_cast<FetchPart>(99), 0, "") + part(FetchPart::success, 0, ""),
+  };
+  writeFile(folder_.file("program"), "#!/bin/sh\ncat " + folder_.file("output") + "\n");
+  chmod(folder_.file("program").c_str(), 0700);
+  FetchProgramClient client({.program = folder_.file("program")});
+  for (const std::string& output : outputs) {
+    writeFile(folder_.file("output"), output);
+    EXPECT_EQ(fetch(client, "https://127.0.0.1/").failure, "TessumFetch ended unexpectedly")
+        << output.size() << " bytes: " << output.substr(0, 40);
+  }
+}
+
+TEST_F(HttpClientTest, ProgramEndsWhenNobodyReadsItAnyMore) {
+  std::promise<void> isAsked;
+  const auto server = serve([&](HttpsConnection& connection) {
+    isAsked.set_value();
+    connection.waitUntilClosed();
+  });
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  ChildProcess program(
+      TESSUM_FETCH_PROGRAM,
+      {.arguments = {server->url(), "3600", folder_.file("authority.pem")}, .prepare = [&ends] {
+         dup2(ends[1], STDOUT_FILENO);
+         close(ends[0]);
+         close(ends[1]);
+       }});
+  close(ends[1]);
+  isAsked.get_future().wait();
+  close(ends[0]);
+  program.wait();
+}
+
+TEST_F(HttpClientTest, ProgramRefusesOtherArguments) {
+  ChildProcess program(TESSUM_FETCH_PROGRAM);
+  EXPECT_EQ(program.finish().code, 2);
+  EXPECT_EQ(program.errors(), "usage: TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]\n");
 }
 
 }  // namespace

@@ -126,8 +126,8 @@ class UpdateCheckerTest : public testing::Test {
  protected:
   UpdateCheckerTest() {
     writeFile(folder_.file("authority.pem"), authority_.certificate());
-    http_ = std::make_unique<CurlHttpClient>(
-        CurlHttpClient::Settings{.authoritiesFile = folder_.file("authority.pem")});
+    http_ = std::make_unique<FetchProgramClient>(FetchProgramClient::Settings{
+        .program = TESSUM_FETCH_PROGRAM, .authoritiesFile = folder_.file("authority.pem")});
   }
 
   // A server with a certificate that the client accepts.

@@ -1,0 +1,31 @@
+// What TessumFetch writes to its standard output: parts, one behind the other. Those of the head
+// come first, each where it is known; then those of the body; then the one that says how it ended.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tessum {
+
+enum class FetchPart : std::uint32_t {
+  url,                 // see HttpHead
+  contentDisposition,  // likewise
+  contentLength,       // in decimal digits
+  body,
+  failure,  // the end: what went wrong
+  success   // the end: the whole body came
+};
+
+// Stands before the content of each part. Both programs run on one computer, so it is written as it
+// lies in memory.
+struct FetchPartHeader {
+  FetchPart kind;
+  std::uint32_t size;  // bytes of the content
+};
+
+// The longest content that is to be expected. libcurl takes no header this long, and bodies come in
+// smaller pieces.
+inline constexpr std::size_t kLargestFetchPart = std::size_t{1} << 20;
+
+}  // namespace tessum

@@ -1,0 +1,222 @@
+// TessumFetch: fetches what lies at an HTTPS address for the program that starts it.
+//
+//   TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]
+//
+// It is a program of its own so that libcurl, with some thirty libraries that it brings, is in memory
+// for as long as a transfer takes, and not in the process that records. It ends when nobody reads its
+// output any more. core/platform/fetch_parts.h says what it writes, http_client.h there what the
+// arguments mean.
+
+#include <curl/curl.h>
+#include <poll.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "core/base/check.h"
+#include "core/platform/fetch_parts.h"
+
+namespace tessum {
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+
+constexpr long kMostRedirects = 20;
+
+// libcurl hands out a body in records of TLS, 16 KiB at most. What comes without a pause is
+// gathered and handed on in larger pieces, since each wakes the reader.
+constexpr std::size_t kLargestPiece = std::size_t{256} << 10;
+static_assert(kLargestPiece + CURL_MAX_WRITE_SIZE <= kLargestFetchPart);
+
+void write(FetchPart kind, std::string_view content) {
+  FetchPartHeader header{kind, static_cast<std::uint32_t>(content.size())};
+  iovec left[] = {{&header, sizeof header}, {const_cast<char*>(content.data()), content.size()}};
+  while (left[0].iov_len + left[1].iov_len > 0) {
+    const ssize_t count = writev(STDOUT_FILENO, left, 2);
+    if (count == -1 && errno == EINTR) continue;
+    if (count == -1) std::exit(EXIT_FAILURE);
+    auto written = static_cast<std::size_t>(count);
+    for (iovec& piece : left) {
+      const std::size_t taken = std::min(written, piece.iov_len);
+      piece.iov_base = static_cast<char*>(piece.iov_base) + taken;
+      piece.iov_len -= taken;
+      written -= taken;
+    }
+  }
+}
+
+bool isSomebodyReading() {
+  pollfd output{STDOUT_FILENO, 0, 0};
+  return poll(&output, 1, 0) <= 0;
+}
+
+struct MultiCloser {
+  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+struct EasyCloser {
+  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+};
+
+template <typename T>
+void set(CURL* easy, CURLoption option, T value) {
+  TESSUM_CHECK(curl_easy_setopt(easy, option, value) == CURLE_OK, "libcurl lacks an option");
+}
+
+// The text forms of these options, which replace them, are unknown to the libcurl of macOS 13.0.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+void allowOnlyHttps(CURL* easy) {
+  set(easy, CURLOPT_PROTOCOLS, long{CURLPROTO_HTTPS});
+  set(easy, CURLOPT_REDIR_PROTOCOLS, long{CURLPROTO_HTTPS});
+}
+#pragma GCC diagnostic pop
+
+class Transfer {
+ public:
+  // `authorities` is null where those of the system are to be trusted.
+  Transfer(const char* url, double idleSeconds, const char* authorities)
+      : patience_(std::chrono::duration_cast<SteadyClock::duration>(
+            std::chrono::duration<double>(idleSeconds))) {
+    TESSUM_CHECK(multi_ != nullptr && easy_ != nullptr, "libcurl gives no handle");
+    CURL* const easy = easy_.get();
+    set(easy, CURLOPT_URL, url);
+    allowOnlyHttps(easy);
+    set(easy, CURLOPT_FOLLOWLOCATION, 1L);
+    set(easy, CURLOPT_MAXREDIRS, kMostRedirects);
+    set(easy, CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
+    set(easy, CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
+    set(easy, CURLOPT_NOSIGNAL, 1L);
+    if (authorities != nullptr) {
+      set(easy, CURLOPT_CAINFO, authorities);
+      set(easy, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+    }
+    set(easy, CURLOPT_HEADERFUNCTION, &Transfer::receiveHeader);
+    set(easy, CURLOPT_HEADERDATA, static_cast<void*>(this));
+    set(easy, CURLOPT_WRITEFUNCTION, &Transfer::receiveBody);
+    set(easy, CURLOPT_WRITEDATA, static_cast<void*>(this));
+    curl_multi_add_handle(multi_.get(), easy);
+  }
+
+  ~Transfer() { curl_multi_remove_handle(multi_.get(), easy_.get()); }
+  Transfer(const Transfer&) = delete;
+  Transfer& operator=(const Transfer&) = delete;
+
+  // Writes all parts.
+  void run() {
+    const CURLcode result = perform();
+    handOn();
+    if (result == CURLE_OK) {
+      write(FetchPart::success, "");
+    } else {
+      write(FetchPart::failure, curl_easy_strerror(result));
+    }
+  }
+
+ private:
+  CURLcode perform() {
+    for (;;) {
+      int running = 0;
+      curl_multi_perform(multi_.get(), &running);
+      if (running == 0) return result();
+      const auto left = std::chrono::ceil<std::chrono::milliseconds>(lastActivity_ + patience_ -
+                                                                     SteadyClock::now());
+      if (left.count() <= 0) return CURLE_OPERATION_TIMEDOUT;
+      curl_waitfd reader{STDOUT_FILENO, 0, 0};  // wakes when it goes
+      int ready = 0;
+      curl_multi_poll(multi_.get(), &reader, 1,
+                      gathered_.empty() ? static_cast<int>(left.count()) : 0, &ready);
+      if (!isSomebodyReading()) return CURLE_ABORTED_BY_CALLBACK;
+      if (ready == 0) handOn();  // the network makes a pause
+    }
+  }
+
+  [[nodiscard]] CURLcode result() const {
+    int left = 0;
+    const CURLMsg* const message = curl_multi_info_read(multi_.get(), &left);
+    TESSUM_CHECK(message != nullptr && message->msg == CURLMSG_DONE, "libcurl ended nothing");
+    // An answer that breaks off within its headers is an empty one to libcurl.
+    const CURLcode result = message->data.result;
+    return result == CURLE_OK && !hasHeaders_ ? CURLE_PARTIAL_FILE : result;
+  }
+
+  // Called with each line, the empty one behind the headers included; those that may follow a
+  // body have no such end.
+  static std::size_t receiveHeader(char* line, std::size_t size, std::size_t count, void* self) {
+    auto* const transfer = static_cast<Transfer*>(self);
+    transfer->lastActivity_ = SteadyClock::now();
+    const std::string_view text(line, size * count);
+    if (text.starts_with("HTTP/")) transfer->hasHeaders_ = false;
+    if (text == "\r\n" || text == "\n") transfer->hasHeaders_ = true;
+    return text.size();
+  }
+
+  static std::size_t receiveBody(char* bytes, std::size_t size, std::size_t count, void* self) {
+    auto* const transfer = static_cast<Transfer*>(self);
+    transfer->gathered_.append(bytes, size * count);
+    if (transfer->gathered_.size() >= kLargestPiece) transfer->handOn();
+    transfer->lastActivity_ =
+        SteadyClock::now();  // now, as the reader may have waited for the disk
+    return size * count;
+  }
+
+  // Writes the head, unless that was done, and what was gathered of the body.
+  void handOn() {
+    if (!hasWrittenHead_) writeHead();
+    hasWrittenHead_ = true;
+    if (!gathered_.empty()) write(FetchPart::body, gathered_);
+    gathered_.clear();
+  }
+
+  void writeHead() const {
+    const char* url = nullptr;
+    if (curl_easy_getinfo(easy_.get(), CURLINFO_EFFECTIVE_URL, &url) == CURLE_OK &&
+        url != nullptr) {
+      write(FetchPart::url, url);
+    }
+    curl_header* header = nullptr;
+    constexpr int kLastAnswer = -1;
+    if (curl_easy_header(easy_.get(), "Content-Disposition", 0, CURLH_HEADER, kLastAnswer,
+                         &header) == CURLHE_OK) {
+      write(FetchPart::contentDisposition, header->value);
+    }
+    curl_off_t length = -1;
+    if (curl_easy_getinfo(easy_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length) == CURLE_OK &&
+        length >= 0) {
+      write(FetchPart::contentLength, std::to_string(length));
+    }
+  }
+
+  const SteadyClock::duration patience_;
+  const std::unique_ptr<CURLM, MultiCloser> multi_{curl_multi_init()};
+  const std::unique_ptr<CURL, EasyCloser> easy_{curl_easy_init()};
+  SteadyClock::time_point lastActivity_ = SteadyClock::now();
+  bool hasHeaders_ = false;  // whether those of the last answer are complete
+  bool hasWrittenHead_ = false;
+  std::string gathered_;  // of the body, not handed on yet
+};
+
+int run(int count, char** arguments) {
+  if (count != 3 && count != 4) {
+    std::fputs("usage: TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]\n", stderr);
+    return 2;
+  }
+  TESSUM_CHECK(curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK, "libcurl cannot be used");
+  Transfer(arguments[1], std::strtod(arguments[2], nullptr), arguments[3]).run();
+  curl_global_cleanup();
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+}  // namespace tessum
+
+int main(int count, char** arguments) {
+  return tessum::run(count, arguments);
+}
