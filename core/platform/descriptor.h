@@ -14,7 +14,7 @@ class Descriptor {
   Descriptor() = default;
   explicit Descriptor(int number) : number_(number) {}
   ~Descriptor() {
-    if (number_ >= 0) close(number_);
+    if (number_ >= 0) ::close(number_);
   }
   Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
   Descriptor& operator=(Descriptor&& other) noexcept {
@@ -24,6 +24,10 @@ class Descriptor {
 
   // -1 when none is held.
   [[nodiscard]] int number() const { return number_; }
+
+  // Closes it before the object goes. Gives 0, or -1 with errno set, which is no reason to do it
+  // again: the number may be another file's by then.
+  [[nodiscard]] int close() { return ::close(std::exchange(number_, -1)); }
 
  private:
   int number_ = -1;

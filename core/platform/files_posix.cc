@@ -19,8 +19,8 @@
 #include <string>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
+#include "core/platform/descriptor.h"
 #include "core/platform/files.h"
 #include "core/platform/flush.h"
 
@@ -44,26 +44,6 @@ auto retried(Call call) {
   while (result == -1 && errno == EINTR) result = call();
   return result;
 }
-
-// An open file, closed when the object goes.
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  ~Descriptor() {
-    if (descriptor_ != -1) ::close(descriptor_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] bool isOpen() const { return descriptor_ != -1; }
-  [[nodiscard]] int get() const { return descriptor_; }
-
-  // Gives 0, or -1 with errno set. Never to be repeated: the number may be another file's by then.
-  [[nodiscard]] int close() { return ::close(std::exchange(descriptor_, -1)); }
-
- private:
-  int descriptor_;
-};
 
 // Why a file of this kind is not one to read or replace; 0 when it is.
 int refusalOf(const struct stat& file) {
@@ -103,7 +83,7 @@ std::optional<struct stat> fileToReplace(const std::string& path) {
 class NewFile {
  public:
   explicit NewFile(const std::string& target) : target_(target), file_(create()) {
-    if (!file_.isOpen()) fail();
+    if (file_.number() == -1) fail();
   }
   ~NewFile() {
     if (isTemporary_) retried([this] { return unlink(path_.c_str()); });
@@ -114,7 +94,7 @@ class NewFile {
   void write(std::string_view bytes) {
     while (!bytes.empty()) {
       const auto written =
-          retried([&] { return ::write(file_.get(), bytes.data(), bytes.size()); });
+          retried([&] { return ::write(file_.number(), bytes.data(), bytes.size()); });
       if (written == -1) fail();
       bytes.remove_prefix(static_cast<std::size_t>(written));
     }
@@ -123,18 +103,18 @@ class NewFile {
   // Only the system's administrator may give a file to another user, so a failure is none; one's
   // own groups can do without.
   void takeOwner(const struct stat& old) {
-    if (retried([&] { return fchown(file_.get(), old.st_uid, old.st_gid); }) == 0) return;
+    if (retried([&] { return fchown(file_.number(), old.st_uid, old.st_gid); }) == 0) return;
     constexpr auto kSameUser = static_cast<uid_t>(-1);
-    static_cast<void>(retried([&] { return fchown(file_.get(), kSameUser, old.st_gid); }));
+    static_cast<void>(retried([&] { return fchown(file_.number(), kSameUser, old.st_gid); }));
   }
 
   void setPermissions(mode_t permissions) {
-    if (retried([&] { return fchmod(file_.get(), permissions); }) != 0) fail();
+    if (retried([&] { return fchmod(file_.number(), permissions); }) != 0) fail();
   }
 
   // Brings the bytes to the disk and gives the file the name of the old one.
   void takeName() {
-    if (retried([&] { return flushToDisk(file_.get()); }) != 0) fail();
+    if (retried([&] { return flushToDisk(file_.number()); }) != 0) fail();
     if (file_.close() != 0 && errno != EINTR) fail();
     if (retried([&] { return rename(path_.c_str(), target_.c_str()); }) != 0) fail();
     isTemporary_ = false;
@@ -170,7 +150,7 @@ std::string SystemFiles::read(const std::string& path) const {
   const Descriptor file(
       retried([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
   struct stat found {};
-  if (!file.isOpen() || retried([&] { return fstat(file.get(), &found); }) != 0) {
+  if (file.number() == -1 || retried([&] { return fstat(file.number(), &found); }) != 0) {
     fail("Cannot read", path, errno);
   }
   if (const int error = refusalOf(found)) fail("Cannot read", path, error);
@@ -178,7 +158,7 @@ std::string SystemFiles::read(const std::string& path) const {
   std::string bytes;
   char buffer[16384];
   while (true) {
-    const auto count = retried([&] { return ::read(file.get(), buffer, sizeof buffer); });
+    const auto count = retried([&] { return ::read(file.number(), buffer, sizeof buffer); });
     if (count == -1) fail("Cannot read", path, errno);
     if (count == 0) return bytes;
     bytes.append(buffer, static_cast<std::size_t>(count));

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/platform/descriptor.h"
+
 namespace tessum {
 
 // A new file for the user alone (0600) under a hidden name of its own; removed when the object
@@ -25,8 +27,8 @@ class TemporaryFile {
   void moveTo(const std::string& path);
 
  private:
-  std::string path_;     // empty once it was moved
-  int descriptor_ = -1;  // -1 once it was closed
+  std::string path_;  // empty once it was moved
+  Descriptor file_;
 };
 
 }  // namespace tessum

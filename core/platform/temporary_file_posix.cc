@@ -21,19 +21,18 @@ namespace {
 
 TemporaryFile::TemporaryFile(const std::string& folder) {
   std::string path = folder + "/.download-XXXXXX";
-  descriptor_ = mkostemp(path.data(), O_CLOEXEC);
-  if (descriptor_ == -1) fail("Cannot create a file in", folder);
+  file_ = Descriptor(mkostemp(path.data(), O_CLOEXEC));
+  if (file_.number() == -1) fail("Cannot create a file in", folder);
   path_ = std::move(path);
 }
 
 TemporaryFile::~TemporaryFile() {
-  if (descriptor_ != -1) close(descriptor_);
   if (!path_.empty()) unlink(path_.c_str());
 }
 
 void TemporaryFile::append(std::string_view bytes) {
   while (!bytes.empty()) {
-    const ssize_t written = write(descriptor_, bytes.data(), bytes.size());
+    const ssize_t written = write(file_.number(), bytes.data(), bytes.size());
     if (written == -1 && errno == EINTR) continue;
     if (written == -1) fail("Cannot write", path_);
     bytes.remove_prefix(static_cast<std::size_t>(written));
@@ -42,7 +41,7 @@ void TemporaryFile::append(std::string_view bytes) {
 
 void TemporaryFile::moveTo(const std::string& path) {
   // A network's file system may find out only now that there was no room.
-  if (close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR) fail("Cannot write", path_);
+  if (file_.close() != 0 && errno != EINTR) fail("Cannot write", path_);
   if (std::rename(path_.c_str(), path.c_str()) != 0) fail("Cannot create", path);
   path_.clear();
 }
