@@ -1,5 +1,6 @@
-// What TessumFetch writes to its standard output: parts, one behind the other. Those of the head
-// come first, each where it is known; then those of the body; then the one that says how it ended.
+// What TessumFetch tells on its standard error: parts, one behind the other. Those of the head come
+// first, each where it is known; then one for each piece of the body, which itself goes to standard
+// output; then the one that says how it ended.
 
 #pragma once
 
@@ -12,9 +13,9 @@ enum class FetchPart : std::uint32_t {
   url,                 // see HttpHead
   contentDisposition,  // likewise
   contentLength,       // in decimal digits
-  body,
-  failure,  // the end: what went wrong
-  success   // the end: the whole body came
+  body,                // how many bytes follow on standard output, in decimal digits
+  failure,             // the end: what went wrong
+  success              // the end: the whole body came
 };
 
 // Stands before the content of each part. Both programs run on one computer, so it is written as it
@@ -24,8 +25,8 @@ struct FetchPartHeader {
   std::uint32_t size;  // bytes of the content
 };
 
-// The longest content that is to be expected. libcurl takes no header this long, and bodies come in
-// smaller pieces.
+// The longest content of a part, and the longest piece of a body, that is to be expected. libcurl
+// takes no header this long.
 inline constexpr std::size_t kLargestFetchPart = std::size_t{1} << 20;
 
 }  // namespace tessum

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessum {
 
@@ -18,11 +19,14 @@ struct HttpHead {
   std::optional<std::int64_t> contentLength;      // bytes of the whole body, when declared
 };
 
-// What hears of one transfer. Called on a thread of the client's own.
+// What hears of one transfer. Called on a thread of the client's own. What one of the first two
+// throws ends the transfer as a failure with the exception's text.
 struct HttpEvents {
-  // The next bytes of the body, at least one. What it throws ends the transfer as a failure with
-  // the exception's text.
-  std::function<void(const HttpHead& head, std::string_view bytes)> onData;
+  // Of get(): the next bytes of the body, at least one.
+  std::function<void(const HttpHead& head, std::string_view bytes)> onData = nullptr;
+
+  // Of download(): more of the body has come, `received` bytes in all.
+  std::function<void(const HttpHead& head, std::int64_t received)> onProgress = nullptr;
 
   // The end; nothing follows. `failure` describes what went wrong and is absent when the whole
   // body came. Must not throw.
@@ -44,6 +48,10 @@ class HttpClient {
   // Starts a plain GET of `url`. Redirects are followed, to HTTPS addresses only.
   [[nodiscard]] virtual std::unique_ptr<HttpTransfer> get(const std::string& url,
                                                           HttpEvents events) = 0;
+
+  // The same, with the body written to the descriptor `file`, which must stay open until the end.
+  [[nodiscard]] virtual std::unique_ptr<HttpTransfer> download(const std::string& url, int file,
+                                                               HttpEvents events) = 0;
 };
 
 // The client over TessumFetch, a program that holds libcurl: HTTP/1.1, certificates checked, no
@@ -67,8 +75,12 @@ class FetchProgramClient final : public HttpClient {
 
   [[nodiscard]] std::unique_ptr<HttpTransfer> get(const std::string& url,
                                                   HttpEvents events) override;
+  [[nodiscard]] std::unique_ptr<HttpTransfer> download(const std::string& url, int file,
+                                                       HttpEvents events) override;
 
  private:
+  [[nodiscard]] std::vector<std::string> commandFor(const std::string& url) const;
+
   const Settings settings_;
 };
 

@@ -29,22 +29,38 @@ namespace {
 
 constexpr auto kEndedEarly = "TessumFetch ended unexpectedly";
 
-// A running TessumFetch and what it writes.
-class FetchProgram {
- public:
-  // Throws std::system_error when it cannot be started.
-  explicit FetchProgram(std::vector<std::string> arguments) {
-    // Between these steps no second one may be started: it would hold the first one's output open.
-    static std::mutex starting;
-    const std::lock_guard lock(starting);
+// A descriptor's two ends, of which the other program gets one.
+struct Pipe {
+  Pipe() {
     int ends[2];
     if (pipe(ends) != 0) {
       throw std::system_error(errno, std::generic_category(), "Cannot make a pipe");
     }
-    output_ = Descriptor(ends[0]);
-    const Descriptor input(ends[1]);
     for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
-    process_ = startProgram(std::move(arguments), input.number());
+    output = Descriptor(ends[0]);
+    input = Descriptor(ends[1]);
+  }
+
+  Descriptor output;
+  Descriptor input;
+};
+
+// A running TessumFetch.
+class FetchProgram {
+ public:
+  // The body goes to `file`, or to readBody() if that is -1. Throws std::system_error when the
+  // program cannot be started.
+  FetchProgram(std::vector<std::string> command, int file) {
+    // One at a time: a program started between these steps would hold the pipes open.
+    static std::mutex starting;
+    const std::lock_guard lock(starting);
+    Pipe parts;
+    std::optional<Pipe> body;
+    if (file == -1) body.emplace();
+    process_ =
+        startProgram(std::move(command), body ? body->input.number() : file, parts.input.number());
+    parts_ = std::move(parts.output);
+    if (body) body_ = std::move(body->output);
   }
 
   ~FetchProgram() { end(); }
@@ -59,23 +75,32 @@ class FetchProgram {
     waitForProgram(std::exchange(process_, kNone));
   }
 
-  // Reads the next part, whose content is valid until the next call. Throws std::runtime_error
-  // when there is none.
-  std::pair<FetchPart, std::string_view> read() {
+  // The next part and its content. What is read is valid until the next call. Throws
+  // std::runtime_error when there is none.
+  std::pair<FetchPart, std::string_view> readPart() {
     FetchPartHeader header{};
-    readExactly(reinterpret_cast<char*>(&header), sizeof header);
-    if (header.size > kLargestFetchPart) throw std::runtime_error(kEndedEarly);
-    if (content_.size() < header.size) content_.resize(header.size);
-    readExactly(content_.data(), header.size);
-    return {header.kind, std::string_view(content_).substr(0, header.size)};
+    readExactly(parts_, reinterpret_cast<char*>(&header), sizeof header);
+    return {header.kind, readText(parts_, header.size)};
+  }
+
+  // The next `size` bytes of the body; likewise.
+  std::string_view readBody(std::int64_t size) {
+    return readText(body_, static_cast<std::size_t>(size));
   }
 
  private:
   static constexpr pid_t kNone = -1;
 
-  void readExactly(char* bytes, std::size_t size) {
+  std::string_view readText(const Descriptor& source, std::size_t size) {
+    if (size > kLargestFetchPart) throw std::runtime_error(kEndedEarly);
+    if (text_.size() < size) text_.resize(size);
+    readExactly(source, text_.data(), size);
+    return std::string_view(text_).substr(0, size);
+  }
+
+  static void readExactly(const Descriptor& source, char* bytes, std::size_t size) {
     while (size > 0) {
-      const ssize_t count = ::read(output_.number(), bytes, size);
+      const ssize_t count = read(source.number(), bytes, size);
       if (count == -1 && errno == EINTR) continue;
       if (count <= 0) throw std::runtime_error(kEndedEarly);
       bytes += count;
@@ -85,15 +110,17 @@ class FetchProgram {
 
   std::mutex mutex_;
   pid_t process_ = kNone;  // guarded by the mutex
-  Descriptor output_;
-  std::string content_;
+  Descriptor parts_;
+  Descriptor body_;  // none when the body goes to a file
+  std::string text_;
 };
 
 class Transfer final : public HttpTransfer {
  public:
-  Transfer(std::vector<std::string> arguments, HttpEvents events) : events_(std::move(events)) {
+  Transfer(std::vector<std::string> command, int file, HttpEvents events)
+      : events_(std::move(events)) {
     try {
-      program_.emplace(std::move(arguments));
+      program_.emplace(std::move(command), file);
     } catch (const std::system_error& error) {
       startFailure_ = error.what();
     }
@@ -126,8 +153,8 @@ class Transfer final : public HttpTransfer {
 
   // Gives what TessumFetch says of the end.
   std::optional<std::string> receive() {
-    for (;;) {
-      const auto [kind, content] = program_->read();
+    while (!isCancelled_) {
+      const auto [kind, content] = program_->readPart();
       switch (kind) {
         case FetchPart::url:
           head_.url = content;
@@ -136,10 +163,10 @@ class Transfer final : public HttpTransfer {
           head_.contentDisposition = content;
           break;
         case FetchPart::contentLength:
-          head_.contentLength = lengthIn(content);
+          head_.contentLength = numberIn(content);
           break;
         case FetchPart::body:
-          if (!isCancelled_) events_.onData(head_, content);
+          receiveBody(numberIn(content));
           break;
         case FetchPart::failure:
           return std::string(content);
@@ -149,14 +176,25 @@ class Transfer final : public HttpTransfer {
           throw std::runtime_error(kEndedEarly);
       }
     }
+    return std::nullopt;
   }
 
-  static std::int64_t lengthIn(std::string_view digits) {
-    std::int64_t length = 0;
+  void receiveBody(std::int64_t size) {
+    received_ += size;
+    if (events_.onData) {
+      const std::string_view bytes = program_->readBody(size);
+      if (!isCancelled_) events_.onData(head_, bytes);
+    } else {
+      events_.onProgress(head_, received_);
+    }
+  }
+
+  static std::int64_t numberIn(std::string_view digits) {
+    std::int64_t number = 0;
     const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, length);
-    if (stop != end || error != std::errc()) throw std::runtime_error(kEndedEarly);
-    return length;
+    const auto [stop, error] = std::from_chars(digits.data(), end, number);
+    if (stop != end || error != std::errc() || number < 0) throw std::runtime_error(kEndedEarly);
+    return number;
   }
 
   std::optional<FetchProgram> program_;  // absent when it could not be started
@@ -167,6 +205,7 @@ class Transfer final : public HttpTransfer {
   // The thread's own, once it runs.
   HttpEvents events_;
   HttpHead head_;
+  std::int64_t received_ = 0;
 };
 
 }  // namespace
@@ -174,9 +213,19 @@ class Transfer final : public HttpTransfer {
 FetchProgramClient::FetchProgramClient(Settings settings) : settings_(std::move(settings)) {}
 
 std::unique_ptr<HttpTransfer> FetchProgramClient::get(const std::string& url, HttpEvents events) {
-  std::vector<std::string> arguments{settings_.program, url, std::to_string(settings_.idleSeconds)};
-  if (settings_.authoritiesFile) arguments.push_back(*settings_.authoritiesFile);
-  return std::make_unique<Transfer>(std::move(arguments), std::move(events));
+  constexpr int kNoFile = -1;
+  return std::make_unique<Transfer>(commandFor(url), kNoFile, std::move(events));
+}
+
+std::unique_ptr<HttpTransfer> FetchProgramClient::download(const std::string& url, int file,
+                                                           HttpEvents events) {
+  return std::make_unique<Transfer>(commandFor(url), file, std::move(events));
+}
+
+std::vector<std::string> FetchProgramClient::commandFor(const std::string& url) const {
+  std::vector<std::string> command{settings_.program, url, std::to_string(settings_.idleSeconds)};
+  if (settings_.authoritiesFile) command.push_back(*settings_.authoritiesFile);
+  return command;
 }
 
 }  // namespace tessum

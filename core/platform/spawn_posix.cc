@@ -14,15 +14,11 @@ namespace {
 
 class Streams {
  public:
-  explicit Streams(int output) {
+  Streams(int output, int errors) {
     posix_spawn_file_actions_init(&actions_);
     posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    if (output == -1) {
-      posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    } else {
-      posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
-    }
-    posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    set(STDOUT_FILENO, output);
+    set(STDERR_FILENO, errors);
   }
   ~Streams() { posix_spawn_file_actions_destroy(&actions_); }
   Streams(const Streams&) = delete;
@@ -31,6 +27,14 @@ class Streams {
   [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
 
  private:
+  void set(int stream, int descriptor) {
+    if (descriptor == -1) {
+      posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_WRONLY, 0);
+    } else {
+      posix_spawn_file_actions_adddup2(&actions_, descriptor, stream);
+    }
+  }
+
   posix_spawn_file_actions_t actions_{};
 };
 
@@ -59,13 +63,13 @@ class OwnSession {
 
 }  // namespace
 
-pid_t startProgram(std::vector<std::string> arguments, int output) {
+pid_t startProgram(std::vector<std::string> arguments, int output, int errors) {
   std::vector<char*> pointers;
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   pid_t process = 0;
-  const int error = posix_spawnp(&process, pointers[0], Streams(output).get(), OwnSession().get(),
-                                 pointers.data(), environ);
+  const int error = posix_spawnp(&process, pointers[0], Streams(output, errors).get(),
+                                 OwnSession().get(), pointers.data(), environ);
   if (error != 0) {
     throw std::system_error(error, std::generic_category(), "Cannot start " + arguments[0]);
   }

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "core/platform/descriptor.h"
 
@@ -20,7 +19,8 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  void append(std::string_view bytes);
+  // For writing to it.
+  [[nodiscard]] int descriptor() const { return file_.number(); }
 
   // Gives the file, which is then complete, the name `path` in the same file system, in one step:
   // another file of that name is replaced, and is there until then.

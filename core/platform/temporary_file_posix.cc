@@ -30,15 +30,6 @@ TemporaryFile::~TemporaryFile() {
   if (!path_.empty()) unlink(path_.c_str());
 }
 
-void TemporaryFile::append(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(file_.number(), bytes.data(), bytes.size());
-    if (written == -1 && errno == EINTR) continue;
-    if (written == -1) fail("Cannot write", path_);
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
-
 void TemporaryFile::moveTo(const std::string& path) {
   // A network's file system may find out only now that there was no room.
   if (file_.close() != 0 && errno != EINTR) fail("Cannot write", path_);

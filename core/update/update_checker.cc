@@ -95,21 +95,22 @@ class UpdateChecker::Worker : public std::enable_shared_from_this<Worker> {
   // Asks the base URL number `base`, and those after it if need be.
   void fetchLatestRelease(std::size_t base, std::function<void(Outcome<ReleaseInfo>)> done) {
     const auto text = std::make_shared<std::string>();
-    startTransfer(
-        latestReleaseUrl(baseUrls_[base]),
-        [text](const HttpHead&, std::string_view bytes) {
-          if (bytes.size() > kLongestDescription - text->size()) {
-            throw std::length_error("The answer is too long");
-          }
-          text->append(bytes);
-        },
-        [this, base, text, done](const HttpHead&, const std::optional<std::string>& failure) {
-          auto outcome =
-              failure ? Failure{*failure} : attempt([&] { return decodeReleaseInfo(*text); });
-          const bool isLast = base + 1 == baseUrls_.size();
-          if (!std::holds_alternative<Failure>(outcome) || isLast) return done(std::move(outcome));
-          fetchLatestRelease(base + 1, done);
-        });
+    HttpEvents events;
+    events.onData = [text](const HttpHead&, std::string_view bytes) {
+      if (bytes.size() > kLongestDescription - text->size()) {
+        throw std::length_error("The answer is too long");
+      }
+      text->append(bytes);
+    };
+    events.onEnd = [this, base, text, done](const HttpHead&,
+                                            const std::optional<std::string>& failure) {
+      auto outcome =
+          failure ? Failure{*failure} : attempt([&] { return decodeReleaseInfo(*text); });
+      const bool isLast = base + 1 == baseUrls_.size();
+      if (!std::holds_alternative<Failure>(outcome) || isLast) return done(std::move(outcome));
+      fetchLatestRelease(base + 1, done);
+    };
+    keep(around_.http.get(latestReleaseUrl(baseUrls_[base]), endingOnQueue(std::move(events))));
   }
 
   void downloadAndInstall(const ReleaseInfo& release) {
@@ -167,21 +168,20 @@ class UpdateChecker::Worker : public std::enable_shared_from_this<Worker> {
     return update_state::Available{std::move(release)};
   }
 
-  // Starts a GET of `url`. `onData` runs on the client's thread, `onEnd` on the queue.
-  void startTransfer(
-      const std::string& url, std::function<void(const HttpHead&, std::string_view)> onData,
-      std::function<void(const HttpHead&, const std::optional<std::string>&)> onEnd) {
-    const std::uint64_t number = ++lastTransfer_;
-    HttpEvents events;
-    events.onData = std::move(onData);
-    events.onEnd = [this, number, onEnd = std::move(onEnd)](
+  // `events` for the next transfer, with the end on the queue instead of the client's thread.
+  HttpEvents endingOnQueue(HttpEvents events) {
+    events.onEnd = [this, number = lastTransfer_ + 1, onEnd = std::move(events.onEnd)](
                        const HttpHead& head, const std::optional<std::string>& failure) {
       post([number, onEnd, head, failure](Worker& worker) {
         worker.transfers_.erase(number);
         onEnd(head, failure);
       });
     };
-    transfers_[number] = around_.http.get(url, std::move(events));
+    return events;
+  }
+
+  void keep(std::unique_ptr<HttpTransfer> transfer) {
+    transfers_[++lastTransfer_] = std::move(transfer);
   }
 
   // Starts one download. Its end, or that of an earlier one that still runs, calls `done`.
@@ -193,27 +193,25 @@ class UpdateChecker::Worker : public std::enable_shared_from_this<Worker> {
       return std::make_shared<TemporaryFile>(updatesFolder());
     });
     if (const auto* failure = std::get_if<Failure>(&file)) return endDownload(*failure);
-    startTransfer(
-        url,
-        [this, file = std::get<0>(file), written = std::int64_t{0}](
-            const HttpHead& head, std::string_view bytes) mutable {
-          file->append(bytes);
-          written += static_cast<std::int64_t>(bytes.size());
-          const std::int64_t expected = head.contentLength.value_or(-1);
-          post([written, expected](Worker& worker) { worker.showProgress(written, expected); });
-        },
-        [this, file = std::get<0>(file)](const HttpHead& head,
-                                         const std::optional<std::string>& failure) {
-          if (failure) return endDownload(Failure{*failure});
-          endDownload(attempt([&] { return stored(*file, head); }));
-        });
+    HttpEvents events;
+    events.onProgress = [this](const HttpHead& head, std::int64_t received) {
+      const std::int64_t expected = head.contentLength.value_or(-1);
+      post([received, expected](Worker& worker) { worker.showProgress(received, expected); });
+    };
+    events.onEnd = [this, file = std::get<0>(file)](const HttpHead& head,
+                                                    const std::optional<std::string>& failure) {
+      if (failure) return endDownload(Failure{*failure});
+      endDownload(attempt([&] { return stored(*file, head); }));
+    };
+    keep(around_.http.download(url, std::get<0>(file)->descriptor(),
+                               endingOnQueue(std::move(events))));
   }
 
   // Both in bytes. `expected` is below 1 when the server did not say.
-  void showProgress(std::int64_t written, std::int64_t expected) {
+  void showProgress(std::int64_t received, std::int64_t expected) {
     if (expected < 1) return;
     setState(
-        update_state::Downloading{static_cast<double>(written) / static_cast<double>(expected)});
+        update_state::Downloading{static_cast<double>(received) / static_cast<double>(expected)});
   }
 
   // Gives the downloaded file its name in the updates folder, instead of any that had it before.

@@ -2,21 +2,23 @@
 //
 //   TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]
 //
-// It is a program of its own so that libcurl, with some thirty libraries that it brings, is in memory
-// for as long as a transfer takes, and not in the process that records. It ends when nobody reads its
-// output any more. core/platform/fetch_parts.h says what it writes, http_client.h there what the
-// arguments mean.
+// The body goes to standard output; what is known of it and how it ended goes to standard error, in
+// the form of core/platform/fetch_parts.h. The arguments are those of http_client.h there. It ends
+// when nobody reads its standard error any more.
+//
+// It is a program of its own so that libcurl, with some thirty libraries that it brings, is in
+// memory for as long as a transfer takes, and not in the process that records.
 
 #include <curl/curl.h>
 #include <poll.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -36,26 +38,27 @@ constexpr long kMostRedirects = 20;
 constexpr std::size_t kLargestPiece = std::size_t{256} << 10;
 static_assert(kLargestPiece + CURL_MAX_WRITE_SIZE <= kLargestFetchPart);
 
-void write(FetchPart kind, std::string_view content) {
-  FetchPartHeader header{kind, static_cast<std::uint32_t>(content.size())};
-  iovec left[] = {{&header, sizeof header}, {const_cast<char*>(content.data()), content.size()}};
-  while (left[0].iov_len + left[1].iov_len > 0) {
-    const ssize_t count = writev(STDOUT_FILENO, left, 2);
+// Gives false with errno set when that is not possible.
+bool write(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
     if (count == -1 && errno == EINTR) continue;
-    if (count == -1) std::exit(EXIT_FAILURE);
-    auto written = static_cast<std::size_t>(count);
-    for (iovec& piece : left) {
-      const std::size_t taken = std::min(written, piece.iov_len);
-      piece.iov_base = static_cast<char*>(piece.iov_base) + taken;
-      piece.iov_len -= taken;
-      written -= taken;
-    }
+    if (count == -1) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
   }
+  return true;
+}
+
+void tell(FetchPart kind, std::string_view content) {
+  const FetchPartHeader header{kind, static_cast<std::uint32_t>(content.size())};
+  std::string part(reinterpret_cast<const char*>(&header), sizeof header);
+  part += content;
+  if (!write(STDERR_FILENO, part)) std::exit(EXIT_FAILURE);
 }
 
 bool isSomebodyReading() {
-  pollfd output{STDOUT_FILENO, 0, 0};
-  return poll(&output, 1, 0) <= 0;
+  pollfd reader{STDERR_FILENO, 0, 0};
+  return poll(&reader, 1, 0) <= 0;
 }
 
 struct MultiCloser {
@@ -109,14 +112,15 @@ class Transfer {
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
 
-  // Writes all parts.
+  // Hands on everything.
   void run() {
     const CURLcode result = perform();
-    handOn();
-    if (result == CURLE_OK) {
-      write(FetchPart::success, "");
+    if (!handOn()) {
+      tell(FetchPart::failure, "Cannot write the file: " + std::string(std::strerror(writeError_)));
+    } else if (result != CURLE_OK) {
+      tell(FetchPart::failure, curl_easy_strerror(result));
     } else {
-      write(FetchPart::failure, curl_easy_strerror(result));
+      tell(FetchPart::success, "");
     }
   }
 
@@ -129,12 +133,13 @@ class Transfer {
       const auto left = std::chrono::ceil<std::chrono::milliseconds>(lastActivity_ + patience_ -
                                                                      SteadyClock::now());
       if (left.count() <= 0) return CURLE_OPERATION_TIMEDOUT;
-      curl_waitfd reader{STDOUT_FILENO, 0, 0};  // wakes when it goes
+      curl_waitfd reader{STDERR_FILENO, 0, 0};  // wakes when it goes
       int ready = 0;
       curl_multi_poll(multi_.get(), &reader, 1,
                       gathered_.empty() ? static_cast<int>(left.count()) : 0, &ready);
       if (!isSomebodyReading()) return CURLE_ABORTED_BY_CALLBACK;
-      if (ready == 0) handOn();  // the network makes a pause
+      const bool isPause = ready == 0;
+      if (isPause && !handOn()) return CURLE_WRITE_ERROR;
     }
   }
 
@@ -167,30 +172,34 @@ class Transfer {
     return size * count;
   }
 
-  // Writes the head, unless that was done, and what was gathered of the body.
-  void handOn() {
-    if (!hasWrittenHead_) writeHead();
-    hasWrittenHead_ = true;
-    if (!gathered_.empty()) write(FetchPart::body, gathered_);
+  // Tells the head, unless that was done, and hands on what was gathered of the body. False when
+  // that cannot be written.
+  bool handOn() {
+    if (!hasToldHead_) tellHead();
+    hasToldHead_ = true;
+    if (gathered_.empty()) return writeError_ == 0;
+    tell(FetchPart::body, std::to_string(gathered_.size()));
+    if (!write(STDOUT_FILENO, gathered_)) writeError_ = errno;
     gathered_.clear();
+    return writeError_ == 0;
   }
 
-  void writeHead() const {
+  void tellHead() const {
     const char* url = nullptr;
     if (curl_easy_getinfo(easy_.get(), CURLINFO_EFFECTIVE_URL, &url) == CURLE_OK &&
         url != nullptr) {
-      write(FetchPart::url, url);
+      tell(FetchPart::url, url);
     }
     curl_header* header = nullptr;
     constexpr int kLastAnswer = -1;
     if (curl_easy_header(easy_.get(), "Content-Disposition", 0, CURLH_HEADER, kLastAnswer,
                          &header) == CURLHE_OK) {
-      write(FetchPart::contentDisposition, header->value);
+      tell(FetchPart::contentDisposition, header->value);
     }
     curl_off_t length = -1;
     if (curl_easy_getinfo(easy_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length) == CURLE_OK &&
         length >= 0) {
-      write(FetchPart::contentLength, std::to_string(length));
+      tell(FetchPart::contentLength, std::to_string(length));
     }
   }
 
@@ -199,8 +208,9 @@ class Transfer {
   const std::unique_ptr<CURL, EasyCloser> easy_{curl_easy_init()};
   SteadyClock::time_point lastActivity_ = SteadyClock::now();
   bool hasHeaders_ = false;  // whether those of the last answer are complete
-  bool hasWrittenHead_ = false;
+  bool hasToldHead_ = false;
   std::string gathered_;  // of the body, not handed on yet
+  int writeError_ = 0;    // 0 as long as there is none
 };
 
 int run(int count, char** arguments) {
@@ -208,6 +218,7 @@ int run(int count, char** arguments) {
     std::fputs("usage: TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]\n", stderr);
     return 2;
   }
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error like others
   TESSUM_CHECK(curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK, "libcurl cannot be used");
   Transfer(arguments[1], std::strtod(arguments[2], nullptr), arguments[3]).run();
   curl_global_cleanup();

@@ -1,10 +1,12 @@
 #include "core/platform/http_client.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -14,7 +16,10 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
+#include "core/platform/descriptor.h"
 #include "core/platform/fetch_parts.h"
 #include "tests/support/child_process.h"
 #include "tests/support/environment.h"
@@ -62,6 +67,26 @@ class HttpClientTest : public testing::Test {
   [[nodiscard]] Result fetch(const std::string& url) const {
     FetchProgramClient client(settings());
     return fetch(client, url);
+  }
+
+  // The end of a download of `url` into the file `path`, and the progress up to there.
+  [[nodiscard]] std::pair<Result, std::vector<std::int64_t>> download(
+      const std::string& url, const std::string& path) const {
+    const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    FetchProgramClient client(settings());
+    std::promise<Result> ended;
+    std::vector<std::int64_t> progress;
+    const auto transfer =
+        client.download(url, file.number(),
+                        {.onProgress = [&](const HttpHead&,
+                                           std::int64_t received) { progress.push_back(received); },
+                         .onEnd =
+                             [&](const HttpHead& head, const std::optional<std::string>& failure) {
+                               ended.set_value({head, {}, failure});
+                             }});
+    auto result = ended.get_future();
+    if (result.wait_for(kPatience) != std::future_status::ready) return {{{}, {}, "no end"}, {}};
+    return {result.get(), progress};
   }
 
   const TemporaryFolder folder_;
@@ -223,6 +248,34 @@ TEST_F(HttpClientTest, FailsInTheWordsOfWhoeverCannotTakeTheBody) {
   EXPECT_EQ(ended.get_future().get(), "no room");
 }
 
+TEST_F(HttpClientTest, DownloadsIntoAFile) {
+  const std::string image(1'000'000, 'x');
+  const auto server = serve([&](HttpsConnection& connection) { connection.respond(image); });
+  const auto [result, progress] = download(server->url() + "/image", folder_.file("image"));
+  EXPECT_EQ(result.failure, std::nullopt);
+  EXPECT_EQ(result.head.url, server->url() + "/image");
+  EXPECT_EQ(result.head.contentLength, 1'000'000);
+  EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
+  ASSERT_FALSE(progress.empty());
+  EXPECT_GT(progress.front(), 0);
+  EXPECT_EQ(progress.back(), 1'000'000);
+  EXPECT_EQ(readFile(folder_.file("image")), image);
+}
+
+TEST_F(HttpClientTest, DownloadsAnEmptyFileWithoutProgress) {
+  const auto server = serve([](HttpsConnection& connection) { connection.respond(""); });
+  const auto [result, progress] = download(server->url(), folder_.file("image"));
+  EXPECT_EQ(result.failure, std::nullopt);
+  EXPECT_TRUE(progress.empty());
+}
+
+TEST_F(HttpClientTest, SaysWhyAFileCannotBeWritten) {
+  if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "there is no file without room";
+  const auto server = serve([](HttpsConnection& connection) { connection.respond("body"); });
+  const auto [result, progress] = download(server->url(), "/dev/full");
+  EXPECT_EQ(result.failure, "Cannot write the file: No space left on device");
+}
+
 TEST_F(HttpClientTest, SaysNothingOfATransferThatWasLetGo) {
   std::promise<void> isAsked;
   const auto server = serve([&](HttpsConnection& connection) {
@@ -278,18 +331,24 @@ TEST_F(HttpClientTest, FailsWhenTheProgramGoesWrong) {
     const FetchPartHeader header{kind, size};
     return std::string(reinterpret_cast<const char*>(&header), sizeof header) + content;
   };
+  const std::string success = part(FetchPart::success, 0, "");
+  const std::string tooMuch = std::to_string(kLargestFetchPart + 1);
   const std::string outputs[] = {
       "",
       "abc",
-      part(FetchPart::body, 4, "bod"),
-      part(FetchPart::body, 4, "body"),
-      part(FetchPart::body, kLargestFetchPart + 1, std::string(kLargestFetchPart + 1, 'x')),
-      part(FetchPart::contentLength, 2, "4x") + part(FetchPart::success, 0, ""),
-      part(FetchPart::contentLength, 0, "") + part(FetchPart::success, 0, ""),
-      part(FetchPart::contentLength, 19, "9223372036854775808") + part(FetchPart::success, 0, ""),
-      part(static_cast<FetchPart>(99), 0, "") + part(FetchPart::success, 0, ""),
+      part(FetchPart::url, 4, "htt"),
+      part(FetchPart::url, kLargestFetchPart + 1, std::string(kLargestFetchPart + 1, 'x')),
+      part(FetchPart::contentLength, 2, "4x") + success,
+      part(FetchPart::contentLength, 2, "-1") + success,
+      part(FetchPart::contentLength, 0, "") + success,
+      part(FetchPart::contentLength, 19, "9223372036854775808") + success,
+      part(FetchPart::body, 1, "4"),
+      part(FetchPart::body, 1, "5") + success,  // there are four
+      part(FetchPart::body, static_cast<std::uint32_t>(tooMuch.size()), tooMuch) + success,
+      part(static_cast<FetchPart>(99), 0, "") + success,
   };
-  writeFile(folder_.file("program"), "#!/bin/sh\ncat " + folder_.file("output") + "\n");
+  writeFile(folder_.file("program"),
+            "#!/bin/sh\nprintf body\ncat " + folder_.file("output") + " >&2\n");
   chmod(folder_.file("program").c_str(), 0700);
   FetchProgramClient client({.program = folder_.file("program")});
   for (const std::string& output : outputs) {
@@ -310,7 +369,7 @@ TEST_F(HttpClientTest, ProgramEndsWhenNobodyReadsItAnyMore) {
   ChildProcess program(
       TESSUM_FETCH_PROGRAM,
       {.arguments = {server->url(), "3600", folder_.file("authority.pem")}, .prepare = [&ends] {
-         dup2(ends[1], STDOUT_FILENO);
+         dup2(ends[1], STDERR_FILENO);
          close(ends[0]);
          close(ends[1]);
        }});

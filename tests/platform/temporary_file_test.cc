@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -20,10 +21,8 @@ TEST(TemporaryFile, GetsItsNameWhenItIsWhole) {
   writeFile(path, "old");
   {
     TemporaryFile file(folder.path());
-    file.append("ne");
+    EXPECT_EQ(write(file.descriptor(), "new", 3), 3);
     EXPECT_EQ(readFile(path), "old");
-    file.append("");
-    file.append("w");
     file.moveTo(path);
   }
   EXPECT_EQ(readFile(path), "new");
