@@ -29,7 +29,7 @@ namespace {
 
 constexpr auto kEndedEarly = "TessumFetch ended unexpectedly";
 
-// A descriptor's two ends, of which the other program gets one.
+// A pipe into which another program writes.
 struct Pipe {
   Pipe() {
     int ends[2];

@@ -166,9 +166,8 @@ class Transfer {
   static std::size_t receiveBody(char* bytes, std::size_t size, std::size_t count, void* self) {
     auto* const transfer = static_cast<Transfer*>(self);
     transfer->gathered_.append(bytes, size * count);
-    if (transfer->gathered_.size() >= kLargestPiece) transfer->handOn();
-    transfer->lastActivity_ =
-        SteadyClock::now();  // now, as the reader may have waited for the disk
+    if (transfer->gathered_.size() >= kLargestPiece && !transfer->handOn()) return 0;
+    transfer->lastActivity_ = SteadyClock::now();  // now, as handing on may wait for the disk
     return size * count;
   }
 

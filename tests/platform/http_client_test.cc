@@ -271,9 +271,15 @@ TEST_F(HttpClientTest, DownloadsAnEmptyFileWithoutProgress) {
 
 TEST_F(HttpClientTest, SaysWhyAFileCannotBeWritten) {
   if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "there is no file without room";
-  const auto server = serve([](HttpsConnection& connection) { connection.respond("body"); });
-  const auto [result, progress] = download(server->url(), "/dev/full");
-  EXPECT_EQ(result.failure, "Cannot write the file: No space left on device");
+  const std::string failure = "Cannot write the file: No space left on device";
+  const auto small = serve([](HttpsConnection& connection) { connection.respond("body"); });
+  EXPECT_EQ(download(small->url(), "/dev/full").first.failure, failure);
+  const auto endless = serve([](HttpsConnection& connection) {
+    connection.send("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
+    while (connection.send(std::string(100'000, 'x'))) {
+    }
+  });
+  EXPECT_EQ(download(endless->url(), "/dev/full").first.failure, failure);
 }
 
 TEST_F(HttpClientTest, SaysNothingOfATransferThatWasLetGo) {
