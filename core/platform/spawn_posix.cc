@@ -9,6 +9,8 @@
 #include <csignal>
 #include <system_error>
 
+extern char** environ;  // which no header of macOS declares
+
 namespace tessum {
 namespace {
 
