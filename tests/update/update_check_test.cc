@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <future>
 #include <string>
 #include <thread>
 #include <vector>
@@ -57,17 +58,17 @@ TEST_F(UpdateCheckTest, StartsIdleAndAsksForNothing) {
 }
 
 TEST_F(UpdateCheckTest, SendsAPlainRequestBelowTheBase) {
-  std::string request;
+  std::promise<std::string> request;
   const auto server = serve([&](HttpsConnection& connection) {
-    request = connection.request();
+    request.set_value(connection.request());
     connection.respond(releaseJson("v2"));
   });
   makeChecker(server->url() + "/base/", unreachableUrl());
   checker_->checkForUpdates();
   ASSERT_TRUE(waitForCheck());
   const std::string host = server->url().substr(std::string("https://").size());
-  EXPECT_EQ(request, "GET /base/releases/macos/latest HTTP/1.1\r\nHost: " + host +
-                         "\r\nAccept: */*\r\n\r\n");
+  EXPECT_EQ(request.get_future().get(), "GET /base/releases/macos/latest HTTP/1.1\r\nHost: " +
+                                            host + "\r\nAccept: */*\r\n\r\n");
 }
 
 TEST_F(UpdateCheckTest, DoesNotLookAtTheStatus) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -124,9 +125,10 @@ TEST(ProgressText, GrowsWithTheFraction) {
 }
 
 TEST_F(UpdateDialogueTest, AnnouncesEachReleaseOnce) {
-  std::string tag = "v1.4.0";
-  const auto server =
-      serve([&](HttpsConnection& connection) { connection.respond(releaseJson(tag)); });
+  std::atomic<bool> isNextOut = false;
+  const auto server = serve([&](HttpsConnection& connection) {
+    connection.respond(releaseJson(isNextOut ? "v1.5.0" : "v1.4.0"));
+  });
   makeChecker(server->url(), unreachableUrl());
   std::vector<std::string> lines;
   announceReleases(*checker_, [&](std::string_view line) { lines.emplace_back(line); });
@@ -142,7 +144,7 @@ TEST_F(UpdateDialogueTest, AnnouncesEachReleaseOnce) {
   settle();
   EXPECT_EQ(lines, std::vector<std::string>{"Tessum 1.4.0 is available; this is 1.2.0. Run "
                                             "\"Tessum update --download\" to fetch it.\n"});
-  tag = "v1.5.0";
+  isNextOut = true;
   loop_.advance(21600);
   ASSERT_TRUE(loop_.runUntil([&] { return lines.size() == 2; }));
   EXPECT_TRUE(lines.back().starts_with("Tessum 1.5.0 is available; this is 1.2.0."));
