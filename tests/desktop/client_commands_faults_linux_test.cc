@@ -10,7 +10,7 @@
 
 #include "tests/desktop/client_user.h"
 #include "tests/support/folder_contents.h"
-#include "tests/support/system_call_faults.h"
+#include "tests/support/system_call_faults_linux.h"
 
 namespace tessum {
 namespace {

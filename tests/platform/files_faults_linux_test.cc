@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tests/support/folder_contents.h"
-#include "tests/support/system_call_faults.h"
+#include "tests/support/system_call_faults_linux.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessum {
