@@ -56,13 +56,10 @@ constexpr Elsewhere kElsewhere[] = {
      "tests/package/installed-debian"},
     {"sudo debootstrap --variant=minbase bookworm root", "tests/package/installed-debian"},
     {"sudo tests/package/installed-debian build/package root", "tests/package/installed-debian"},
-    // Measurements, which are made by hand.
-    {"benchmarks/run", "benchmarks/run"},
-    {"benchmarks/run year", "benchmarks/run"},
-    {"benchmarks/recording/measure build/release/desktop/Tessum", "benchmarks/recording/measure"},
-    {"cmake -B build -DCMAKE_BUILD_TYPE=Release -DTESSUM_BENCHMARKS=ON", "benchmarks/run"},
-    {"cmake --build build --target update-download", "benchmarks/update"},
-    {"mkdir download && build/benchmarks/update/update-download download", "benchmarks/update"},
+    {"benchmarks/run", "tests/benchmarks/in-brief"},
+    {"benchmarks/run year", "tests/benchmarks/in-brief"},
+    {"benchmarks/recording/run", "tests/benchmarks/in-brief"},
+    {"benchmarks/update/run", "tests/benchmarks/in-brief"},
 };
 
 struct Command {
