@@ -1,6 +1,6 @@
 // The checker's work happens on one queue, step by step: each step starts a transfer and returns,
 // and the transfer's end is the next step. What the transfers tell comes from the HTTP client's
-// thread and is posted to the queue, where it finds the worker only while the checker lives.
+// threads and is posted to the queue, where it finds the worker only while the checker lives.
 
 #include "core/update/update_checker.h"
 
