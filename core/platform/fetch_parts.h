@@ -1,5 +1,5 @@
 // What TessumFetch tells on its standard error: parts, one behind the other. Those of the head come
-// first, each where it is known; then one for each piece of the body, which itself goes to standard
+// first, each where it is known; then two for each piece of the body, which itself goes to standard
 // output; then the one that says how it ended.
 
 #pragma once
@@ -14,6 +14,7 @@ enum class FetchPart : std::uint32_t {
   contentDisposition,  // likewise
   contentLength,       // in decimal digits
   body,                // how many bytes follow on standard output, in decimal digits
+  written,             // that piece is there now
   failure,             // the end: what went wrong
   success              // the end: the whole body came
 };

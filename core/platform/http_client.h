@@ -25,7 +25,7 @@ struct HttpEvents {
   // Of get(): the next bytes of the body, at least one.
   std::function<void(const HttpHead& head, std::string_view bytes)> onData = nullptr;
 
-  // Of download(): more of the body has come, `received` bytes in all.
+  // Of download(): more of the body is in the file, `received` bytes in all.
   std::function<void(const HttpHead& head, std::int64_t received)> onProgress = nullptr;
 
   // The end; nothing follows. `failure` describes what went wrong and is absent when the whole

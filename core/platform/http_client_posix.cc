@@ -168,6 +168,9 @@ class Transfer final : public HttpTransfer {
         case FetchPart::body:
           receiveBody(numberIn(content));
           break;
+        case FetchPart::written:
+          if (events_.onProgress) events_.onProgress(head_, received_);
+          break;
         case FetchPart::failure:
           return std::string(content);
         case FetchPart::success:
@@ -181,12 +184,9 @@ class Transfer final : public HttpTransfer {
 
   void receiveBody(std::int64_t size) {
     received_ += size;
-    if (events_.onData) {
-      const std::string_view bytes = program_->readBody(size);
-      if (!isCancelled_) events_.onData(head_, bytes);
-    } else {
-      events_.onProgress(head_, received_);
-    }
+    if (!events_.onData) return;
+    const std::string_view bytes = program_->readBody(size);
+    if (!isCancelled_) events_.onData(head_, bytes);
   }
 
   static std::int64_t numberIn(std::string_view digits) {

@@ -176,11 +176,16 @@ class Transfer {
   bool handOn() {
     if (!hasToldHead_) tellHead();
     hasToldHead_ = true;
-    if (gathered_.empty()) return writeError_ == 0;
+    if (writeError_ != 0) return false;
+    if (gathered_.empty()) return true;
     tell(FetchPart::body, std::to_string(gathered_.size()));
-    if (!write(STDOUT_FILENO, gathered_)) writeError_ = errno;
+    if (!write(STDOUT_FILENO, gathered_)) {
+      writeError_ = errno;
+      return false;
+    }
     gathered_.clear();
-    return writeError_ == 0;
+    tell(FetchPart::written, "");
+    return true;
   }
 
   void tellHead() const {

@@ -273,7 +273,9 @@ TEST_F(HttpClientTest, SaysWhyAFileCannotBeWritten) {
   if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "there is no file without room";
   const std::string failure = "Cannot write the file: No space left on device";
   const auto small = serve([](HttpsConnection& connection) { connection.respond("body"); });
-  EXPECT_EQ(download(small->url(), "/dev/full").first.failure, failure);
+  const auto [result, progress] = download(small->url(), "/dev/full");
+  EXPECT_EQ(result.failure, failure);
+  EXPECT_TRUE(progress.empty()) << "nothing was written";
   const auto endless = serve([](HttpsConnection& connection) {
     connection.send("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
     while (connection.send(std::string(100'000, 'x'))) {
