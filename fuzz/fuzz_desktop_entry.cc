@@ -6,7 +6,7 @@
 
 #include "core/base/check.h"
 #include "core/base/text.h"
-#include "core/platform/desktop_entries.h"
+#include "core/workspace/linux/desktop_entries.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);

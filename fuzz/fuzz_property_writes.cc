@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "core/base/check.h"
-#include "core/platform/property_log_x11.h"
+#include "core/workspace/x11/property_log.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   constexpr std::size_t kShortestRequest = 12;

@@ -9,7 +9,7 @@
 
 #include "core/base/check.h"
 #include "core/base/text.h"
-#include "core/platform/text_x11.h"
+#include "core/workspace/x11/compound_text.h"
 
 namespace {
 

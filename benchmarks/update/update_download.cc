@@ -23,7 +23,7 @@
 #include <variant>
 #include <vector>
 
-#include "core/platform/system_main_loop.h"
+#include "core/loop/system_main_loop.h"
 #include "core/update/update_checker.h"
 #include "tests/support/https_server.h"
 #include "tests/support/throw_away_authority.h"

@@ -14,7 +14,7 @@
 #include <system_error>
 
 #include "core/json/reader.h"
-#include "core/platform/serial_queue.h"
+#include "core/loop/serial_queue.h"
 
 namespace tessum {
 

@@ -11,12 +11,12 @@
 #include <vector>
 
 #include "core/json/reader.h"
+#include "core/loop/serial_queue.h"
 #include "core/mcp/json_rpc.h"
 #include "core/mcp/mcp_records.h"
 #include "core/mcp/mcp_server_error.h"
 #include "core/platform/calendar.h"
 #include "core/platform/clock.h"
-#include "core/platform/serial_queue.h"
 #include "core/store/database.h"
 
 namespace tessum {

@@ -7,10 +7,10 @@
 #include <optional>
 #include <string>
 
+#include "core/loop/main_loop.h"
 #include "core/platform/clock.h"
-#include "core/platform/main_loop.h"
-#include "core/platform/workspace.h"
 #include "core/store/database.h"
+#include "core/workspace/workspace.h"
 
 namespace tessum {
 

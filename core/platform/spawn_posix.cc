@@ -1,4 +1,4 @@
-#include "core/platform/spawn_posix.h"
+#include "core/platform/spawn.h"
 
 #include <fcntl.h>
 #include <spawn.h>

@@ -1,7 +1,7 @@
 #include <system_error>
 #include <thread>
 
-#include "core/platform/spawn_posix.h"
+#include "core/platform/spawn.h"
 #include "core/platform/url_opener.h"
 
 namespace tessum {

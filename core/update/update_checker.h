@@ -10,11 +10,11 @@
 #include <variant>
 #include <vector>
 
+#include "core/fetch/http_client.h"
+#include "core/loop/main_loop.h"
+#include "core/loop/serial_queue.h"
 #include "core/platform/app_info.h"
-#include "core/platform/http_client.h"
 #include "core/platform/locations.h"
-#include "core/platform/main_loop.h"
-#include "core/platform/serial_queue.h"
 #include "core/platform/url_opener.h"
 #include "core/update/release_info.h"
 #include "core/update/update_state.h"

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/platform/main_loop.h"
+#include "core/loop/main_loop.h"
 #include "tests/support/fake_clock.h"
 
 namespace tessum {

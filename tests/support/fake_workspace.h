@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/platform/workspace.h"
+#include "core/workspace/workspace.h"
 
 namespace tessum {
 

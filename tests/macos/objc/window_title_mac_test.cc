@@ -1,6 +1,6 @@
 // Reads titles through a fake accessibility API that counts what it hands out.
 
-#include "core/platform/window_title_mac.h"
+#include "core/workspace/mac/window_title.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "core/platform/system_workspace.h"
+#include "core/workspace/system_workspace.h"
 #include "tests/macos/objc/fake_desktop.h"
 
 namespace tessum {

@@ -1,0 +1,47 @@
+// The real main loop of a program.
+
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "core/loop/main_loop.h"
+
+namespace tessum {
+
+// Belongs to main(); made, run and destroyed on the main thread. One per process.
+class SystemMainLoop final : public MainLoop {
+ public:
+  // Names one watch of one loop; never used twice.
+  enum class WatchToken : std::uint64_t {};
+
+  // Throws std::system_error when the system has no descriptors left.
+  SystemMainLoop();
+  ~SystemMainLoop() override;
+  SystemMainLoop(const SystemMainLoop&) = delete;
+  SystemMainLoop& operator=(const SystemMainLoop&) = delete;
+
+  void post(Task task) override;
+  TimerToken startTimer(double seconds, Task task) override;
+  void invalidateTimer(TimerToken token) override;
+
+  // Runs `task` whenever `descriptor` has bytes to read or has been closed by its peer. The
+  // descriptor stays the caller's and must stay open until it is unwatched. Main thread only.
+  WatchToken watchReadable(int descriptor, Task task);
+
+  // Ends a watch: its task does not run again. One that has ended is no error. Main thread only.
+  void unwatch(WatchToken token);
+
+  // Runs tasks, timers and watches until quit(). Main thread only.
+  void run();
+
+  // Lets run() return once the task under way is done; called before run(), it lets the next one
+  // return at once. Any thread.
+  void quit();
+
+ private:
+  struct State;
+  std::shared_ptr<State> state_;
+};
+
+}  // namespace tessum

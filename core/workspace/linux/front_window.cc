@@ -1,0 +1,52 @@
+#include "core/workspace/linux/front_window.h"
+
+namespace tessum {
+namespace {
+
+std::optional<DesktopEntries::Match> findEntry(const WindowDescription& description,
+                                               const DesktopEntries& entries) {
+  for (const auto& id : {description.applicationId, description.desktopFile}) {
+    if (!id) continue;
+    if (auto match = entries.withId(*id)) return match;
+  }
+  return entries.forWindowClass(description.instance.value_or(""),
+                                description.windowClass.value_or(""));
+}
+
+// A number of another machine's process says nothing here, and one whose machine is unknown may
+// be of another machine.
+std::optional<std::int32_t> localProcess(const WindowDescription& description,
+                                         const std::string& hostName) {
+  if (description.clientMachine != hostName) return std::nullopt;
+  return description.process;
+}
+
+}  // namespace
+
+FrontWindow identify(const WindowDescription& description, const DesktopEntries& entries,
+                     const std::string& hostName, const ProcessName& processName) {
+  const auto match = findEntry(description, entries);
+  const auto process = localProcess(description, hostName);
+  RunningApplication application{std::nullopt, description.applicationId, process};
+  if (match) {
+    application.localizedName = match->entry.name;
+    application.bundleIdentifier = match->id;
+  } else if (description.windowClass) {
+    application.localizedName = description.windowClass;
+  } else if (process) {
+    application.localizedName = processName(*process);
+  }
+
+  // The class and not the instance, which many applications set for each kind of window.
+  ApplicationKey key{.name = "", .process = process, .window = 0};
+  if (application.bundleIdentifier) {
+    key.name = *application.bundleIdentifier;
+  } else if (description.windowClass) {
+    key.name = *description.windowClass;
+  } else if (!process) {
+    key.window = description.window;
+  }
+  return {description.window, key, application};
+}
+
+}  // namespace tessum

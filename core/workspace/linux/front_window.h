@@ -1,0 +1,50 @@
+// Which application a window of an X11 desktop belongs to.
+
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "core/workspace/linux/desktop_entries.h"
+#include "core/workspace/workspace.h"
+
+namespace tessum {
+
+// What a window says about its application; texts as UTF-8, absent when it does not say.
+struct WindowDescription {
+  std::uint32_t window = 0;
+  std::optional<std::string> applicationId = {};  // _GTK_APPLICATION_ID
+  std::optional<std::string> desktopFile = {};    // _KDE_NET_WM_DESKTOP_FILE
+  std::optional<std::string> instance = {};       // first part of WM_CLASS
+  std::optional<std::string> windowClass = {};    // second part of WM_CLASS
+  std::optional<std::int32_t> process = {};       // _NET_WM_PID
+  std::optional<std::string> clientMachine = {};  // WM_CLIENT_MACHINE: where that process runs
+};
+
+// Tells applications apart: two windows with equal keys belong to one application.
+struct ApplicationKey {
+  std::string name;  // the desktop entry's id, else an id or a class of the window's own
+  std::optional<std::int32_t> process;
+  std::uint32_t window = 0;  // 0 but for a window that says nothing else
+
+  friend bool operator==(const ApplicationKey&, const ApplicationKey&) = default;
+};
+
+// The active window, and the application it belongs to.
+struct FrontWindow {
+  std::uint32_t window = 0;
+  ApplicationKey key;
+  RunningApplication application;
+};
+
+// Gives the name of a process of this machine; absent when there is no such process.
+using ProcessName = std::function<std::optional<std::string>(std::int32_t)>;
+
+// The application of the window with that description, on the machine called `hostName`.
+[[nodiscard]] FrontWindow identify(const WindowDescription& description,
+                                   const DesktopEntries& entries, const std::string& hostName,
+                                   const ProcessName& processName);
+
+}  // namespace tessum

@@ -1,0 +1,256 @@
+// Compound Text is ISO 2022 with fixed beginnings: bytes below 0x80 are ASCII and those above are
+// ISO 8859-1, until an escape sequence puts another character set into the lower or the upper
+// half. Sets of two-byte characters may be in either half; their bytes differ in the top bit only.
+// Two more escape sequences switch to UTF-8 and back, and announce a segment of known length in an
+// encoding called by its name.
+
+#include "core/workspace/x11/compound_text.h"
+
+#include <iconv.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <type_traits>
+
+#include "core/base/text.h"
+
+namespace tessum {
+namespace {
+
+constexpr char kEscape = '\x1B';
+constexpr char kDirection = '\x9B';  // begins a sequence that ends with a bracket
+constexpr char kEndOfName = '\x02';
+constexpr std::string_view kToUtf8 = "\x1B%G";
+constexpr std::string_view kFromUtf8 = "\x1B%@";
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
+// How the bytes of one half are read: the library's name of an encoding that has the set in its
+// upper half; null for a set unknown here.
+struct CharacterSet {
+  const char* encoding;
+  std::size_t bytesPerCharacter;
+};
+
+constexpr CharacterSet kAscii{"US-ASCII", 1};
+constexpr CharacterSet kLatin1{"ISO-8859-1", 1};
+constexpr CharacterSet kUnknown{nullptr, 1};
+
+// Sets are called by the last byte of the escape sequence that selects them.
+CharacterSet setOf96(char name) {
+  switch (name) {
+    case 'A':
+      return kLatin1;
+    case 'B':
+      return {"ISO-8859-2", 1};
+    case 'C':
+      return {"ISO-8859-3", 1};
+    case 'D':
+      return {"ISO-8859-4", 1};
+    case 'F':
+      return {"ISO-8859-7", 1};
+    case 'G':
+      return {"ISO-8859-6", 1};
+    case 'H':
+      return {"ISO-8859-8", 1};
+    case 'L':
+      return {"ISO-8859-5", 1};
+    case 'M':
+      return {"ISO-8859-9", 1};
+    case 'T':
+      return {"ISO-8859-11", 1};
+    case 'V':
+      return {"ISO-8859-10", 1};
+    case 'Y':
+      return {"ISO-8859-13", 1};
+    case '_':
+      return {"ISO-8859-14", 1};
+    case 'b':
+      return {"ISO-8859-15", 1};
+    case 'f':
+      return {"ISO-8859-16", 1};
+    default:
+      return kUnknown;
+  }
+}
+
+CharacterSet setOf94(char name) {
+  switch (name) {
+    case 'B':
+      return kAscii;
+    case 'I':
+      return {"SHIFT_JIS", 1};  // half-width Katakana
+    case 'J':
+      return kAscii;  // differs in two characters that are drawn differently
+    default:
+      return kUnknown;
+  }
+}
+
+CharacterSet setOf94Squared(char name) {
+  switch (name) {
+    case 'A':
+      return {"EUC-CN", 2};
+    case 'B':
+      return {"EUC-JP", 2};
+    case 'C':
+      return {"EUC-KR", 2};
+    default:
+      return {nullptr, 2};
+  }
+}
+
+// The name comes from another program, so it is looked up, never handed to the library.
+const char* encodingNamed(std::string_view name) {
+  struct Named {
+    std::string_view name;
+    const char* encoding;
+  };
+  constexpr Named kNames[] = {
+      {"big5-0", "BIG5"},
+      {"gbk-0", "GBK"},
+      {"gb18030.2000-0", "GB18030"},
+      {"koi8-r", "KOI8-R"},
+      {"koi8-u", "KOI8-U"},
+      {"iso8859-15", "ISO-8859-15"},
+      {"iso8859-16", "ISO-8859-16"},
+      {"microsoft-cp1251", "CP1251"},
+      {"microsoft-cp1255", "CP1255"},
+      {"microsoft-cp1256", "CP1256"},
+  };
+  std::string lower(name);
+  std::transform(lower.begin(), lower.end(), lower.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  const auto* found = std::find_if(std::begin(kNames), std::end(kNames),
+                                   [&](const Named& named) { return named.name == lower; });
+  return found == std::end(kNames) ? nullptr : found->encoding;
+}
+
+struct Close {
+  void operator()(iconv_t converter) const { iconv_close(converter); }
+};
+
+void appendConverted(std::string& out, std::string bytes, const CharacterSet& set) {
+  if (bytes.empty()) return;
+  const iconv_t opened = set.encoding == nullptr ? iconv_t(-1) : iconv_open("UTF-8", set.encoding);
+  if (opened == iconv_t(-1)) {
+    out += kReplacement;
+    return;
+  }
+  const std::unique_ptr<std::remove_pointer_t<iconv_t>, Close> converter(opened);
+  char* from = bytes.data();
+  std::size_t left = bytes.size();
+  while (left > 0) {
+    char buffer[256];
+    char* to = buffer;
+    std::size_t room = sizeof buffer;
+    const std::size_t result = iconv(opened, &from, &left, &to, &room);
+    const int error = errno;
+    out.append(buffer, to);
+    if (result != std::size_t(-1) || error == E2BIG) continue;
+    out += kReplacement;
+    const std::size_t skipped = std::min(left, set.bytesPerCharacter);
+    from += skipped;
+    left -= skipped;
+  }
+}
+
+class CompoundText {
+ public:
+  explicit CompoundText(std::string_view bytes) : rest_(bytes) {}
+
+  std::string toUtf8() {
+    while (!rest_.empty()) {
+      if (rest_.starts_with(kToUtf8)) {
+        readUtf8();
+      } else if (rest_.front() == kEscape) {
+        readEscape();
+      } else if (rest_.front() == kDirection) {
+        take(std::min(rest_.find(']'), rest_.size() - 1) + 1);
+      } else {
+        readCharacters();
+      }
+    }
+    return std::move(out_);
+  }
+
+ private:
+  std::string_view take(std::size_t count) {
+    const auto taken = rest_.substr(0, count);
+    rest_.remove_prefix(taken.size());
+    return taken;
+  }
+
+  static bool isControl(char c) { return static_cast<unsigned char>(c) <= ' ' || c == '\x7F'; }
+  static bool isUpper(char c) { return static_cast<unsigned char>(c) >= 0x80; }
+
+  void readUtf8() {
+    take(kToUtf8.size());
+    appendValidUtf8(out_, take(std::min(rest_.find(kFromUtf8), rest_.size())));
+    take(kFromUtf8.size());
+  }
+
+  // Escape, bytes from 0x20 to 0x2F, and a last one that says which of the kind it is.
+  void readEscape() {
+    take(1);
+    std::size_t length = 0;
+    while (length < rest_.size() && rest_[length] >= ' ' && rest_[length] <= '/') ++length;
+    const auto kind = take(length);
+    if (rest_.empty()) return;
+    const char name = take(1).front();
+    if (kind == "(") lower_ = setOf94(name);
+    if (kind == ")") upper_ = setOf94(name);
+    if (kind == "-") upper_ = setOf96(name);
+    if (kind == "$(") lower_ = setOf94Squared(name);
+    if (kind == "$)") upper_ = setOf94Squared(name);
+    if (kind == "%/") readNamedSegment();
+  }
+
+  // A length in two bytes of seven bits, then the name of the encoding, then the text.
+  void readNamedSegment() {
+    const auto size = take(2);
+    if (size.size() < 2) return;
+    const auto high = static_cast<unsigned char>(size[0]) & 0x7FU;
+    const auto low = static_cast<unsigned char>(size[1]) & 0x7FU;
+    const auto segment = take(high * 128 + low);
+    const auto end = segment.find(kEndOfName);
+    if (end == std::string_view::npos) return;
+    appendConverted(out_, std::string(segment.substr(end + 1)),
+                    {encodingNamed(segment.substr(0, end)), 1});
+  }
+
+  // The characters of one half up to what ends them.
+  void readCharacters() {
+    if (isControl(rest_.front())) {  // the same in all sets, the space too
+      out_ += take(1);
+      return;
+    }
+    const bool upper = isUpper(rest_.front());
+    std::size_t length = 0;
+    while (length < rest_.size() && isUpper(rest_[length]) == upper && !isControl(rest_[length]) &&
+           rest_[length] != kDirection) {
+      ++length;
+    }
+    const CharacterSet& set = upper ? upper_ : lower_;
+    std::string bytes(take(length));
+    if (set.encoding != kAscii.encoding) {
+      for (char& byte : bytes) byte = static_cast<char>(static_cast<unsigned char>(byte) | 0x80U);
+    }
+    appendConverted(out_, std::move(bytes), set);
+  }
+
+  std::string_view rest_;
+  CharacterSet lower_ = kAscii;
+  CharacterSet upper_ = kLatin1;
+  std::string out_;
+};
+
+}  // namespace
+
+std::string utf8FromCompoundText(std::string_view bytes) {
+  return CompoundText(bytes).toUtf8();
+}
+
+}  // namespace tessum

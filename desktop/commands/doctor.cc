@@ -1,0 +1,103 @@
+#include "desktop/commands/doctor_command.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/store/history.h"
+#include "desktop/commands/arguments.h"
+#include "desktop/commands/standard_output.h"
+#include "desktop/doctor/finding.h"
+#include "desktop/recording/recorder_state.h"
+#include "desktop/reports/wall_clock.h"
+
+namespace tessum {
+namespace {
+
+void examine(Host& host) {
+  std::vector<Finding> findings;
+  const auto add = [&](std::vector<Finding> more) {
+    findings.insert(findings.end(), more.begin(), more.end());
+  };
+  add(checkFolder(host));
+  add(checkRecord(host));
+  add(checkDesktop());
+  add(checkClients(host));
+  add(checkEndpoint());
+
+  const Paper paper = standardOutputPaper();
+  std::string text;
+  for (const Finding& finding : findings) {
+    if (!finding.isProblem()) {
+      text += toned("  ok ", Tone::good, paper) + "  " + printable(finding.text) + "\n";
+      continue;
+    }
+    host.status = kFailure;
+    text += toned("  BAD", Tone::bad, paper) + "  " + printable(finding.text) + "\n         " +
+            printable(finding.remedy) + "\n";
+  }
+  print(text);
+}
+
+// When `session` ends: after the time given, or where the next one began, whichever comes first.
+std::optional<Date> endOf(Record& record, const Activity& session,
+                          const std::optional<double>& seconds) {
+  const auto next = record.startOfNext(session);
+  if (!seconds) return next;
+  const Date end = movedBy(session.startTime, *seconds);
+  return next && next->secondsSince1970 < end.secondsSince1970 ? *next : end;
+}
+
+void closeOpenSessions(Host& host, const std::string& duration) {
+  std::optional<double> seconds;
+  if (!duration.empty()) seconds = durationArgument(duration);
+  Record record(recordPath(host.locations), Record::Access::write);
+  auto open = record.openSessions();
+  if (currentSession(recorderState(host.locations), open)) open.pop_back();
+  if (open.empty()) print("No session was left open.\n");
+  for (const Activity& session : open) {
+    const std::string name = printable(session.appName) + " of " + dateText(session.startTime) +
+                             " " + clockText(session.startTime);
+    const auto end = endOf(record, session, seconds);
+    if (!end) {
+      print(name + " stays open: no session came after it. Say how long it lasted, as in\n" +
+            "\"Tessum doctor --close-open 10m\".\n");
+      host.status = kFailure;
+      continue;
+    }
+    record.endSession(session.id.value_or(0), *end);
+    print(name + " now ends at " + dateText(*end) + " " + clockText(*end) + ".\n");
+  }
+}
+
+}  // namespace
+
+void addDoctorCommand(CLI::App& app, Host& host) {
+  auto* command = app.add_subcommand("doctor", "Look for what would keep things from working");
+  const auto duration = std::make_shared<std::string>();
+  auto* close = command
+                    ->add_option("--close-open", *duration,
+                                 "end the sessions that a crash left open: this long after they "
+                                 "began (1h30m, 45m or 90), but at the latest where the next "
+                                 "session began; only there if no time is given")
+                    ->type_name("[TIME]")
+                    ->expected(0, 1);
+  command->footer(
+      "The status is 1 when something is wrong. Without --close-open nothing is changed.\n\n"
+      "Examples:\n"
+      "  Tessum doctor\n"
+      "  Tessum doctor --close-open\n"
+      "  Tessum doctor --close-open 10m");
+  command->callback([&host, close, duration] {
+    if (close->count() > 0) {
+      closeOpenSessions(host, *duration);
+    } else {
+      examine(host);
+    }
+  });
+}
+
+}  // namespace tessum

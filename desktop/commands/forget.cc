@@ -1,0 +1,99 @@
+#include "desktop/commands/forget_command.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+
+#include "core/base/text.h"
+#include "core/store/history.h"
+#include "core/store/records.h"
+#include "desktop/commands/arguments.h"
+#include "desktop/commands/standard_output.h"
+#include "desktop/reports/wall_clock.h"
+
+namespace tessum {
+namespace {
+
+struct ForgetOptions {
+  std::string from;
+  std::string to;
+  std::string appName;
+  std::string titlePart;
+  bool isSure = false;
+};
+
+Selection selectionOf(const Host& host, const ForgetOptions& options) {
+  Selection selection;
+  if (!options.from.empty()) selection.begun = daysArgument(options.from, options.to, host);
+  if (!options.appName.empty()) selection.appName = validUtf8(options.appName);
+  if (!options.titlePart.empty()) selection.titlePart = validUtf8(options.titlePart);
+  if (!selection.begun && !selection.appName && !selection.titlePart) {
+    throw CLI::ValidationError("say what to forget with --from and --to, --app or --title");
+  }
+  return selection;
+}
+
+std::string counted(std::int64_t count, const std::string& thing) {
+  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+// What is about to be deleted, as one sentence.
+std::string description(const Selection& selection, const Selected& selected) {
+  std::string text = counted(selected.sessions, "session");
+  if (selected.sessions > 0) {
+    text += " (" + durationText(selected.seconds, DurationForm::shortForm) + ")";
+  }
+  if (selection.includesNotes()) text += " and " + counted(selected.notes, "note");
+  if (selection.appName) text += " of " + printable(*selection.appName);
+  if (selection.titlePart) text += " with \"" + printable(*selection.titlePart) + "\" in the title";
+  const std::string first = dateText(*selected.first);
+  const std::string last = dateText(*selected.last);
+  return text + (first == last ? ", begun on " + first : ", begun from " + first + " to " + last);
+}
+
+void forget(Host& host, const ForgetOptions& options) {
+  const Selection selection = selectionOf(host, options);
+  Record record(recordPath(host.locations), Record::Access::write);
+  const Selected selected = record.select(selection);
+  if (selected.sessions == 0 && selected.notes == 0) {
+    print("Nothing of that kind is in the record.\n");
+    return;
+  }
+  print("This deletes " + description(selection, selected) + ".\n");
+  if (!options.isSure && !askYesOrNo("It cannot be undone. Delete?")) {
+    print("Nothing was deleted.\n");
+    host.status = kFailure;
+    return;
+  }
+  record.forget(selection, selected);
+  print("Deleted.\n");
+}
+
+}  // namespace
+
+void addForgetCommand(CLI::App& app, Host& host) {
+  auto* command = app.add_subcommand("forget", "Delete sessions and notes for good");
+  const auto options = std::make_shared<ForgetOptions>();
+  auto* from = command->add_option("--from", options->from, "the first day")->type_name("DATE");
+  auto* to = command->add_option("--to", options->to, "the last day")->type_name("DATE");
+  from->needs(to);
+  to->needs(from);
+  command->add_option("--app", options->appName, "only sessions of this application")
+      ->type_name("NAME");
+  command
+      ->add_option("--title", options->titlePart,
+                   "only sessions with this in the title, in capital or small letters")
+      ->type_name("TEXT");
+  command->add_flag("--yes", options->isSure, "delete without asking");
+  command->footer(
+      "Says what it will delete, then asks. Days alone delete the sessions and the notes that\n"
+      "began on them; with --app or --title only sessions go. Copies made with backup or export\n"
+      "are not touched.\n\n"
+      "Examples:\n"
+      "  Tessum forget --from 2025-03-04 --to 2025-03-05\n"
+      "  Tessum forget --app Terminal\n"
+      "  Tessum forget --title \"secret project\" --yes");
+  command->callback([&host, options] { forget(host, *options); });
+}
+
+}  // namespace tessum

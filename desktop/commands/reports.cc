@@ -1,0 +1,116 @@
+#include "desktop/commands/report_commands.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "core/base/limits.h"
+#include "core/base/text.h"
+#include "core/json/writer.h"
+#include "core/mcp/mcp_server.h"
+#include "core/store/database.h"
+#include "core/store/history.h"
+#include "desktop/commands/arguments.h"
+#include "desktop/commands/standard_output.h"
+#include "desktop/reports/day_report.h"
+#include "desktop/reports/wall_clock.h"
+
+namespace tessum {
+namespace {
+
+struct ReportOptions {
+  std::string day;
+  std::string query;
+  std::int64_t limit = limits::kSearchResultsPerCall;
+  bool isPlain = false;
+};
+
+void addPlainOption(CLI::App& command, ReportOptions& options, const std::string& tool) {
+  command.add_flag("--plain", options.isPlain,
+                   "print the text that assistants get from " + tool + ", with times in UTC");
+}
+
+// The report of an assistant's tool, made by the same engine.
+std::string toolText(const Host& host, const char* tool, json::Value::Object arguments) {
+  auto database = std::make_shared<Database>(recordPath(host.locations), host.calendar);
+  MCPServer server(std::move(database), limits::kDefaultPort, host.clock, host.calendar);
+  const auto result =
+      server.callTool(tool, AnyCodable::encoded(json::compact(std::move(arguments))));
+  return result.content.front().text + "\n";
+}
+
+using Report = std::string (*)(const DayRecord&, const Paper&);
+
+// Prints `report` of the day, or what `tool` says of it.
+void showDay(const Host& host, const ReportOptions& options, Report report, const char* tool) {
+  const Date day = dayArgument(options.day, host);
+  Record record(recordPath(host.locations), Record::Access::read);
+  const DayRecord content = readDay(record, host, day);
+  if (options.isPlain) {
+    print(toolText(host, tool, {{"date", dateText(day)}}));
+    return;
+  }
+  print(report(content, standardOutputPaper()));
+}
+
+void addDayReport(CLI::App& app, Host& host, const char* name, const char* description,
+                  const char* examples, Report report, const char* tool) {
+  auto* command = app.add_subcommand(name, description);
+  const auto options = std::make_shared<ReportOptions>();
+  addDayArgument(*command, options->day);
+  addPlainOption(*command, *options, tool);
+  command->footer(examples);
+  command->callback([&host, options, report, tool] { showDay(host, *options, report, tool); });
+}
+
+}  // namespace
+
+void addReportCommands(CLI::App& app, Host& host) {
+  addDayReport(app, host, "day", "What was in front on a day, with its notes",
+               "Examples:\n"
+               "  Tessum day\n"
+               "  Tessum day yesterday\n"
+               "  Tessum day 2025-03-04 --plain",
+               dayReport, "get_activities");
+  addDayReport(app, host, "usage", "How long each application was in front on a day",
+               "Examples:\n"
+               "  Tessum usage\n"
+               "  Tessum usage 2025-03-04",
+               usageReport, "get_app_usage");
+  addDayReport(app, host, "notes", "The notes of a day",
+               "Examples:\n"
+               "  Tessum notes\n"
+               "  Tessum notes yesterday",
+               notesReport, "get_annotations");
+
+  auto* search = app.add_subcommand("search", "Sessions of all days by application or title");
+  const auto options = std::make_shared<ReportOptions>();
+  search
+      ->add_option("TEXT", options->query,
+                   "part of an application's name or a title; % and _ stand for any text and any "
+                   "character")
+      ->type_name("")
+      ->required();
+  search->add_option("--limit", options->limit, "the most sessions to show")
+      ->type_name("N")
+      ->capture_default_str()
+      ->check(CLI::Range(1, 1000000));
+  addPlainOption(*search, *options, "search_activities");
+  search->footer(
+      "Examples:\n"
+      "  Tessum search invoice\n"
+      "  Tessum search \"pull request\" --limit 200");
+  search->callback([&host, options] {
+    const std::string query = validUtf8(options->query);
+    Record record(recordPath(host.locations), Record::Access::read);
+    const auto sessions = record.search(query, options->limit);
+    if (options->isPlain) {
+      print(toolText(host, "search_activities", {{"query", query}, {"limit", options->limit}}));
+      return;
+    }
+    print(searchReport(sessions, host.clock.now(), standardOutputPaper()));
+  });
+}
+
+}  // namespace tessum

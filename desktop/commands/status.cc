@@ -1,0 +1,109 @@
+#include "desktop/commands/status_command.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "core/store/history.h"
+#include "core/store/records.h"
+#include "desktop/clients/entry_check.h"
+#include "desktop/commands/standard_output.h"
+#include "desktop/doctor/finding.h"
+#include "desktop/recording/recorder_state.h"
+#include "desktop/reports/text_layout.h"
+#include "desktop/reports/wall_clock.h"
+
+namespace tessum {
+namespace {
+
+// "since 09:15 (42m 3s)", with the date where it is not today's.
+std::string sinceText(Date start, Date now) {
+  const bool isToday = dateText(start) == dateText(now);
+  return "since " + (isToday ? "" : dateText(start) + " ") + clockText(start) + " (" +
+         durationText(secondsBetween(start, now), DurationForm::longForm) + ")";
+}
+
+std::string sizeText(std::uintmax_t bytes) {
+  if (bytes < 1000) return std::to_string(bytes) + " bytes";
+  const char* unit = "kB";
+  double value = static_cast<double>(bytes) / 1000;
+  if (value >= 1000) {
+    value /= 1000;
+    unit = "MB";
+  }
+  const auto tenths = static_cast<long>(value * 10 + 0.5);
+  return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " " + unit;
+}
+
+std::string sessionText(const std::optional<Activity>& session, Date now) {
+  if (!session) return "nothing";
+  std::string text = session->appName;
+  if (session->title && !session->title->empty()) text += " – " + *session->title;
+  return text + ", " + sinceText(session->startTime, now);
+}
+
+std::string noteText(const std::optional<Annotation>& note, Date now) {
+  return note ? note->text + ", " + sinceText(note->startedAt, now) : "none";
+}
+
+std::string clientsText(const Host& host) {
+  std::string text;
+  for (const std::string& name : registeredClients(host)) {
+    text += (text.empty() ? "" : ", ") + name;
+  }
+  return text.empty() ? "none; \"Tessum install\" registers them" : text;
+}
+
+std::string endpointText() {
+  switch (endpointState()) {
+    case EndpointState::answers:
+      return usualEndpointURL() + ", which answers";
+    case EndpointState::taken:
+      return usualEndpointURL() + ", where another program answers";
+    case EndpointState::silent:
+      break;
+  }
+  return usualEndpointURL() + ", which \"Tessum record --http\" opens";
+}
+
+void showStatus(const Host& host) {
+  const Date now = host.clock.now();
+  const std::string path = recordPath(host.locations);
+  const RecorderState recorder = recorderState(host.locations);
+  using enum Table::Alignment;
+  Table table({left, left});
+  const auto add = [&](const char* name, const std::string& value, Tone tone = Tone::plain) {
+    table.addRow({{name, Tone::faint}, {value, tone}});
+  };
+  if (recorder.isRecording) {
+    add("Recording", "yes, " + sinceText(recorder.since.value_or(now), now), Tone::good);
+  } else {
+    add("Recording", "no; \"Tessum record\" begins", Tone::bad);
+  }
+  try {
+    Record record(path, Record::Access::read);
+    add("In front", sessionText(currentSession(recorder, record.openSessions()), now));
+    add("Note", noteText(record.currentNote(), now));
+    add("Record", path + ", " + sizeText(std::filesystem::file_size(path)));
+  } catch (const NoRecord&) {
+    add("Record", path + ", which does not exist yet");
+  }
+  add("Clients", clientsText(host));
+  add("Endpoint", endpointText());
+  Paper paper = standardOutputPaper();
+  paper.columns = 0;  // a path that is cut is no use to anyone
+  print(table.text(paper));
+}
+
+}  // namespace
+
+void addStatusCommand(CLI::App& app, Host& host) {
+  auto* command = app.add_subcommand("status", "Whether it records, and into what");
+  command->footer(
+      "Example:\n"
+      "  Tessum status");
+  command->callback([&host] { showStatus(host); });
+}
+
+}  // namespace tessum

@@ -1,0 +1,61 @@
+#include "desktop/commands/update_command.h"
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "core/loop/system_main_loop.h"
+#include "core/loop/termination_signals.h"
+#include "desktop/commands/standard_output.h"
+#include "desktop/update/update_dialogue.h"
+#include "desktop/update/updater.h"
+
+namespace tessum {
+namespace {
+
+void complain(std::string_view text) {
+  std::fprintf(stderr, "Tessum: %.*s", static_cast<int>(text.size()), text.data());
+}
+
+// Writes over the line under the cursor.
+void showOnTerminal(std::string_view text) {
+  constexpr std::string_view kEraseLine = "\r\033[K";
+  std::fprintf(stderr, "%.*s%.*s", static_cast<int>(kEraseLine.size()), kEraseLine.data(),
+               static_cast<int>(text.size()), text.data());
+}
+
+int runUpdate(const Locations& locations, bool downloads) {
+  SystemMainLoop loop;
+  int status = kFailure;
+  // An interrupt ends the command in order, so that no half of a download is left behind.
+  const TerminationSignals signals(loop, [&] { loop.quit(); });
+  Updater updater(loop, locations);
+  UpdateDialogue::Output output{.tell = print, .complain = complain, .showProgress = {}};
+  if (isatty(STDERR_FILENO) != 0) output.showProgress = showOnTerminal;
+  UpdateDialogue dialogue(updater.checker(), downloads, output, [&](int outcome) {
+    status = outcome;
+    loop.quit();
+  });
+  dialogue.start();
+  loop.run();
+  return status;
+}
+
+}  // namespace
+
+void addUpdateCommand(CLI::App& app, Host& host) {
+  auto* command = app.add_subcommand("update", "See whether there is a newer version");
+  const auto downloads = std::make_shared<bool>(false);
+  command->add_flag("--download", *downloads, "download the newer version and open it");
+  command->footer(
+      "Examples:\n"
+      "  Tessum update\n"
+      "  Tessum update --download");
+  command->callback([&host, downloads] { host.status = runUpdate(host.locations, *downloads); });
+}
+
+}  // namespace tessum

@@ -1,0 +1,102 @@
+// The doctor's look at the assistant applications and the HTTP endpoint.
+
+#include <asio/ip/tcp.hpp>
+#include <chrono>
+#include <string>
+#include <system_error>
+
+#include "core/base/limits.h"
+#include "core/install/mcp_client.h"
+#include "desktop/clients/client_files.h"
+#include "desktop/clients/config_file.h"
+#include "desktop/clients/entry_check.h"
+#include "desktop/doctor/finding.h"
+
+namespace tessum {
+namespace {
+
+bool acceptsConnections(std::uint16_t port) {
+  constexpr auto kPatience = std::chrono::seconds(2);
+  asio::ip::tcp::iostream stream;
+  stream.expires_after(kPatience);
+  stream.connect("localhost", std::to_string(port));
+  return static_cast<bool>(stream);
+}
+
+std::string remedyFor(const EntryReport& report, const MCPClient client) {
+  if (report.form == "HTTP") return "Start \"Tessum record --http\", or register anew.";
+  return "Register anew: Tessum install \"" + std::string(client.rawValue()) + "\"";
+}
+
+std::vector<Finding> checkClientFile(const Host& host, MCPClient client, const std::string& file) {
+  const std::string name(client.displayName());
+  try {
+    const ConfigFile config = lookAt(host.files, file);
+    if (config.isDamaged()) {
+      return {{name + ": " + file +
+                   " is not plain JSON, so the application cannot be registered "
+                   "without losing it.",
+               "Mend the file; comments and commas behind the last value are not plain JSON."}};
+    }
+    const json::Value* entry = config.object ? tessumEntry(*config.object) : nullptr;
+    if (entry == nullptr) return {};
+    const EntryReport report = checkEntry(*entry);
+    if (report.problem.empty()) return {{name + " is registered in " + file + ".", ""}};
+    return {{name + ": the entry in " + file + " does not work: " + report.problem + ".",
+             remedyFor(report, client)}};
+  } catch (const std::system_error& error) {
+    return {{name + ": " + error.what(), "Look at the file's permissions."}};
+  }
+}
+
+}  // namespace
+
+std::vector<Finding> checkClients(const Host& host) {
+  std::vector<Finding> findings;
+  for (const MCPClient client : MCPClient::allCases()) {
+    for (const std::string& file : clientFiles(client, host.locations)) {
+      for (auto& finding : checkClientFile(host, client, file)) findings.push_back(finding);
+    }
+  }
+  return findings;
+}
+
+std::vector<std::string> registeredClients(const Host& host) {
+  std::vector<std::string> names;
+  for (const MCPClient client : MCPClient::allCases()) {
+    const std::string file = clientFiles(client, host.locations).front();
+    try {
+      const ConfigFile config = lookAt(host.files, file);
+      if (config.object && tessumEntry(*config.object) != nullptr) {
+        names.emplace_back(client.displayName());
+      }
+    } catch (const std::system_error&) {
+      // A file that cannot be read registers nobody here; the doctor says why.
+    }
+  }
+  return names;
+}
+
+EndpointState endpointState() {
+  const json::Value entry(json::Value::Object{{"url", usualEndpointURL()}});
+  if (checkEntry(entry).problem.empty()) return EndpointState::answers;
+  return acceptsConnections(limits::kDefaultPort) ? EndpointState::taken : EndpointState::silent;
+}
+
+std::vector<Finding> checkEndpoint() {
+  const std::string port = std::to_string(limits::kDefaultPort);
+  switch (endpointState()) {
+    case EndpointState::answers:
+      return {{"The endpoint " + usualEndpointURL() + " answers.", ""}};
+    case EndpointState::silent:
+      return {{"The port " + port + " is free for \"Tessum record --http\".", ""}};
+    case EndpointState::taken:
+      break;
+  }
+  return {{"Another program has taken the port " + port +
+               ", so that \"Tessum record --http\" "
+               "cannot answer there.",
+           "End that program; \"ss -ltnp\" shows which it is."}};
+}
+
+}  // namespace tessum

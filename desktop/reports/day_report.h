@@ -1,0 +1,44 @@
+// The reports for people, in local time.
+
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/base/date.h"
+#include "core/store/history.h"
+#include "core/store/records.h"
+#include "desktop/command.h"
+#include "desktop/reports/text_layout.h"
+
+namespace tessum {
+
+// What one day holds, each list with the oldest first.
+struct DayRecord {
+  DayRange day;
+  std::vector<Activity> sessions;  // begun on the day
+  std::vector<Annotation> notes;   // that overlap it
+  Date now;                        // up to which open sessions and notes are counted
+};
+
+// Reads the local day that holds `day`.
+[[nodiscard]] DayRecord readDay(Record& record, const Host& host, Date day);
+
+// Seconds of `session`, up to `now` while it is open.
+[[nodiscard]] double secondsUntil(Date now, const Activity& session);
+
+// The total of each application, the largest first; equal ones in the order of their names.
+[[nodiscard]] std::vector<AppUsageSummary> usageOf(std::span<const Activity> sessions, Date now);
+
+// Each report is a heading and a line for each record, or a sentence where there are none, with a
+// line feed at the end.
+[[nodiscard]] std::string dayReport(const DayRecord& record, const Paper& paper);
+[[nodiscard]] std::string usageReport(const DayRecord& record, const Paper& paper);
+[[nodiscard]] std::string notesReport(const DayRecord& record, const Paper& paper);
+
+// The newest first, as it is found.
+[[nodiscard]] std::string searchReport(std::span<const Activity> sessions, Date now,
+                                       const Paper& paper);
+
+}  // namespace tessum

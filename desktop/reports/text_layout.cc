@@ -1,0 +1,210 @@
+#include "desktop/reports/text_layout.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+#include "core/base/check.h"
+
+namespace tessum {
+namespace {
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+// Marks, joiners and selectors, in the order of their code points.
+constexpr Range kNarrowest[] = {
+    {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A}, {0x064B, 0x065F},
+    {0x0900, 0x0902}, {0x093C, 0x093C}, {0x0941, 0x0948}, {0x094D, 0x094D}, {0x0E31, 0x0E31},
+    {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x200B, 0x200F},
+    {0x2060, 0x2064}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}, {0xE0100, 0xE01EF},
+};
+
+// East Asian wide and fullwidth characters and pictures, in the order of their code points.
+constexpr Range kWidest[] = {
+    {0x1100, 0x115F},   {0x231A, 0x231B},   {0x23E9, 0x23EC},   {0x23F0, 0x23F0},
+    {0x23F3, 0x23F3},   {0x25FD, 0x25FE},   {0x2614, 0x2615},   {0x2648, 0x2653},
+    {0x267F, 0x267F},   {0x2693, 0x2693},   {0x26A1, 0x26A1},   {0x26AA, 0x26AB},
+    {0x26BD, 0x26BE},   {0x26C4, 0x26C5},   {0x26CE, 0x26CE},   {0x26D4, 0x26D4},
+    {0x26EA, 0x26EA},   {0x26F2, 0x26F3},   {0x26F5, 0x26F5},   {0x26FA, 0x26FA},
+    {0x26FD, 0x26FD},   {0x2705, 0x2705},   {0x270A, 0x270B},   {0x2728, 0x2728},
+    {0x274C, 0x274C},   {0x274E, 0x274E},   {0x2753, 0x2755},   {0x2757, 0x2757},
+    {0x2795, 0x2797},   {0x27B0, 0x27B0},   {0x27BF, 0x27BF},   {0x2B1B, 0x2B1C},
+    {0x2B50, 0x2B50},   {0x2B55, 0x2B55},   {0x2E80, 0x303E},   {0x3041, 0x4DBF},
+    {0x4E00, 0xA4CF},   {0xA960, 0xA97F},   {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},
+    {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},   {0x1F004, 0x1F004},
+    {0x1F0CF, 0x1F0CF}, {0x1F18E, 0x1F18E}, {0x1F191, 0x1F19A}, {0x1F200, 0x1F265},
+    {0x1F300, 0x1F320}, {0x1F32D, 0x1F335}, {0x1F337, 0x1F37C}, {0x1F37E, 0x1F393},
+    {0x1F3A0, 0x1F3CA}, {0x1F3CF, 0x1F3D3}, {0x1F3E0, 0x1F3F0}, {0x1F3F4, 0x1F3F4},
+    {0x1F3F8, 0x1F43E}, {0x1F440, 0x1F440}, {0x1F442, 0x1F4FC}, {0x1F4FF, 0x1F53D},
+    {0x1F54B, 0x1F54E}, {0x1F550, 0x1F567}, {0x1F595, 0x1F596}, {0x1F5A4, 0x1F5A4},
+    {0x1F5FB, 0x1F64F}, {0x1F680, 0x1F6C5}, {0x1F6D0, 0x1F6D2}, {0x1F6EB, 0x1F6EC},
+    {0x1F6F4, 0x1F6FC}, {0x1F7E0, 0x1F7EB}, {0x1F90C, 0x1F9FF}, {0x1FA70, 0x1FAFF},
+    {0x20000, 0x3FFFD},
+};
+
+template <std::size_t size>
+bool contains(const Range (&ranges)[size], char32_t character) {
+  const auto range = std::upper_bound(std::begin(ranges), std::end(ranges), character,
+                                      [](char32_t c, const Range& r) { return c <= r.last; });
+  return range != std::end(ranges) && character >= range->first;
+}
+
+std::size_t widthOf(char32_t character) {
+  if (contains(kNarrowest, character)) return 0;
+  return contains(kWidest, character) ? 2 : 1;
+}
+
+struct Character {
+  char32_t codePoint;
+  std::string_view bytes;
+};
+
+// The first character of valid UTF-8 that is not empty.
+Character firstCharacter(std::string_view text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  if (lead < 0x80) return {lead, text.substr(0, 1)};
+  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  char32_t codePoint = lead & (0xFFU >> (length + 1));
+  for (const char byte : text.substr(1, length - 1)) {
+    codePoint = codePoint << 6 | (static_cast<unsigned char>(byte) & 0x3FU);
+  }
+  return {codePoint, text.substr(0, length)};
+}
+
+bool isControl(char32_t c) {
+  return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029;
+}
+
+bool turnsDirection(char32_t c) {
+  return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0x200E || c == 0x200F;
+}
+
+}  // namespace
+
+std::size_t displayWidth(std::string_view text) {
+  std::size_t width = 0;
+  while (!text.empty()) {
+    const Character character = firstCharacter(text);
+    width += widthOf(character.codePoint);
+    text.remove_prefix(character.bytes.size());
+  }
+  return width;
+}
+
+std::string printable(std::string_view text) {
+  std::string out;
+  while (!text.empty()) {
+    const Character character = firstCharacter(text);
+    const char32_t c = character.codePoint;
+    const bool isBreak = (c >= '\t' && c <= '\r') || c == 0x85 || c == 0x2028 || c == 0x2029;
+    if (isBreak) {
+      out += ' ';
+    } else if (isControl(c) || turnsDirection(c)) {
+      out += "\xEF\xBF\xBD";
+    } else {
+      out += character.bytes;
+    }
+    text.remove_prefix(character.bytes.size());
+  }
+  return out;
+}
+
+std::string shortened(std::string_view text, std::size_t columns) {
+  if (displayWidth(text) <= columns) return std::string(text);
+  if (columns == 0) return {};
+  std::string out;
+  std::size_t width = 0;
+  while (true) {
+    const Character character = firstCharacter(text);
+    width += widthOf(character.codePoint);
+    if (width > columns - 1) break;
+    out += character.bytes;
+    text.remove_prefix(character.bytes.size());
+  }
+  return out + "…";
+}
+
+std::string bar(double share, std::size_t columns) {
+  constexpr const char* kEighths[] = {"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
+  const double all = static_cast<double>(columns * 8);
+  auto eighths = static_cast<std::size_t>(std::lround(std::clamp(share, 0.0, 1.0) * all));
+  if (share > 0) eighths = std::max<std::size_t>(eighths, 1);
+  std::string out;
+  for (std::size_t i = 0; i < eighths / 8; ++i) out += "█";
+  return out + kEighths[eighths % 8];
+}
+
+std::string toned(std::string_view text, Tone tone, const Paper& paper) {
+  if (!paper.hasColour || tone == Tone::plain || text.empty()) return std::string(text);
+  const char* begin = "";
+  switch (tone) {
+    case Tone::plain:
+      break;
+    case Tone::strong:
+      begin = "\x1b[1m";
+      break;
+    case Tone::faint:
+      begin = "\x1b[2m";
+      break;
+    case Tone::accent:
+      begin = "\x1b[36m";
+      break;
+    case Tone::good:
+      begin = "\x1b[32m";
+      break;
+    case Tone::bad:
+      begin = "\x1b[31m";
+      break;
+  }
+  return begin + std::string(text) + "\x1b[0m";
+}
+
+void Table::addRow(std::vector<Cell> cells) {
+  TESSUM_CHECK(cells.size() == alignments_.size(), "a row needs one cell for each column");
+  for (Cell& cell : cells) cell.text = printable(cell.text);
+  rows_.push_back(std::move(cells));
+}
+
+std::string Table::text(const Paper& paper) const {
+  constexpr std::size_t kGap = 2;
+  std::vector<std::size_t> widths(alignments_.size());
+  for (const auto& row : rows_) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      widths[i] = std::max(widths[i], displayWidth(row[i].text));
+    }
+  }
+  std::size_t before = 0;  // columns in front of the last cell
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    before += kGap + (i + 1 < widths.size() ? widths[i] : 0);
+  }
+  constexpr std::size_t kLeast = 8;  // on narrow paper lines are long rather than empty
+  if (paper.columns > 0) {
+    const std::size_t rest = paper.columns > before ? paper.columns - before : 0;
+    widths.back() = std::min(widths.back(), std::max(rest, kLeast));
+  }
+
+  std::string out;
+  for (const auto& row : rows_) {
+    std::size_t pending = kGap;  // blanks that are written once something follows them
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      const std::string cell = shortened(row[i].text, widths[i]);
+      const std::size_t blanks = widths[i] - displayWidth(cell);
+      if (alignments_[i] == Alignment::right) pending += blanks;
+      if (!cell.empty()) {
+        out.append(pending, ' ');
+        pending = 0;
+        out += toned(cell, row[i].tone, paper);
+      }
+      if (alignments_[i] == Alignment::left) pending += blanks;
+      pending += kGap;
+    }
+    out += '\n';
+  }
+  return out;
+}
+
+}  // namespace tessum

@@ -1,9 +1,0 @@
-#include "desktop/title_permission.h"
-
-namespace tessum {
-
-bool mayReadTitles() {
-  return true;
-}
-
-}  // namespace tessum

@@ -1,0 +1,237 @@
+// TessumFetch: fetches what lies at an HTTPS address for the program that starts it.
+//
+//   TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]
+//
+// The body goes to standard output; what is known of it and how it ended goes to standard error, in
+// the form of core/platform/fetch_parts.h. The arguments are those of http_client.h there. It ends
+// when nobody reads its standard error any more.
+//
+// It is a program of its own so that libcurl, with some thirty libraries that it brings, is in
+// memory for as long as a transfer takes, and not in the process that records.
+
+#include <curl/curl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "core/base/check.h"
+#include "core/fetch/fetch_parts.h"
+
+namespace tessum {
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+
+constexpr long kMostRedirects = 20;
+
+// libcurl hands out a body in records of TLS, 16 KiB at most. What comes without a pause is
+// gathered and handed on in larger pieces, since each wakes the reader.
+constexpr std::size_t kLargestPiece = std::size_t{256} << 10;
+static_assert(kLargestPiece + CURL_MAX_WRITE_SIZE <= kLargestFetchPart);
+
+// Gives false with errno set when that is not possible.
+bool write(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+    if (count == -1 && errno == EINTR) continue;
+    if (count == -1) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+void tell(FetchPart kind, std::string_view content) {
+  const FetchPartHeader header{kind, static_cast<std::uint32_t>(content.size())};
+  std::string part(reinterpret_cast<const char*>(&header), sizeof header);
+  part += content;
+  if (!write(STDERR_FILENO, part)) std::exit(EXIT_FAILURE);
+}
+
+bool isSomebodyReading() {
+  pollfd reader{STDERR_FILENO, 0, 0};
+  return poll(&reader, 1, 0) <= 0;
+}
+
+struct MultiCloser {
+  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+struct EasyCloser {
+  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+};
+
+template <typename T>
+void set(CURL* easy, CURLoption option, T value) {
+  TESSUM_CHECK(curl_easy_setopt(easy, option, value) == CURLE_OK, "libcurl lacks an option");
+}
+
+// The text forms of these options, which replace them, are unknown to the libcurl of macOS 13.0.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+void allowOnlyHttps(CURL* easy) {
+  set(easy, CURLOPT_PROTOCOLS, long{CURLPROTO_HTTPS});
+  set(easy, CURLOPT_REDIR_PROTOCOLS, long{CURLPROTO_HTTPS});
+}
+#pragma GCC diagnostic pop
+
+class Transfer {
+ public:
+  // `authorities` is null where those of the system are to be trusted.
+  Transfer(const char* url, double idleSeconds, const char* authorities)
+      : patience_(std::chrono::duration_cast<SteadyClock::duration>(
+            std::chrono::duration<double>(idleSeconds))) {
+    TESSUM_CHECK(multi_ != nullptr && easy_ != nullptr, "libcurl gives no handle");
+    CURL* const easy = easy_.get();
+    set(easy, CURLOPT_URL, url);
+    allowOnlyHttps(easy);
+    set(easy, CURLOPT_FOLLOWLOCATION, 1L);
+    set(easy, CURLOPT_MAXREDIRS, kMostRedirects);
+    set(easy, CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
+    set(easy, CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
+    set(easy, CURLOPT_NOSIGNAL, 1L);
+    if (authorities != nullptr) {
+      set(easy, CURLOPT_CAINFO, authorities);
+      set(easy, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+    }
+    set(easy, CURLOPT_HEADERFUNCTION, &Transfer::receiveHeader);
+    set(easy, CURLOPT_HEADERDATA, static_cast<void*>(this));
+    set(easy, CURLOPT_WRITEFUNCTION, &Transfer::receiveBody);
+    set(easy, CURLOPT_WRITEDATA, static_cast<void*>(this));
+    curl_multi_add_handle(multi_.get(), easy);
+  }
+
+  ~Transfer() { curl_multi_remove_handle(multi_.get(), easy_.get()); }
+  Transfer(const Transfer&) = delete;
+  Transfer& operator=(const Transfer&) = delete;
+
+  // Hands on everything.
+  void run() {
+    const CURLcode result = perform();
+    if (!handOn()) {
+      tell(FetchPart::failure, "Cannot write the file: " + std::string(std::strerror(writeError_)));
+    } else if (result != CURLE_OK) {
+      tell(FetchPart::failure, curl_easy_strerror(result));
+    } else {
+      tell(FetchPart::success, "");
+    }
+  }
+
+ private:
+  CURLcode perform() {
+    for (;;) {
+      int running = 0;
+      curl_multi_perform(multi_.get(), &running);
+      if (running == 0) return result();
+      const auto left = std::chrono::ceil<std::chrono::milliseconds>(lastActivity_ + patience_ -
+                                                                     SteadyClock::now());
+      if (left.count() <= 0) return CURLE_OPERATION_TIMEDOUT;
+      curl_waitfd reader{STDERR_FILENO, 0, 0};  // wakes when it goes
+      int ready = 0;
+      curl_multi_poll(multi_.get(), &reader, 1,
+                      gathered_.empty() ? static_cast<int>(left.count()) : 0, &ready);
+      if (!isSomebodyReading()) return CURLE_ABORTED_BY_CALLBACK;
+      const bool isPause = ready == 0;
+      if (isPause && !handOn()) return CURLE_WRITE_ERROR;
+    }
+  }
+
+  [[nodiscard]] CURLcode result() const {
+    int left = 0;
+    const CURLMsg* const message = curl_multi_info_read(multi_.get(), &left);
+    TESSUM_CHECK(message != nullptr && message->msg == CURLMSG_DONE, "libcurl ended nothing");
+    // An answer that breaks off within its headers is an empty one to libcurl.
+    const CURLcode result = message->data.result;
+    return result == CURLE_OK && !hasHeaders_ ? CURLE_PARTIAL_FILE : result;
+  }
+
+  // Called with each line, the empty one behind the headers included; those that may follow a
+  // body have no such end.
+  static std::size_t receiveHeader(char* line, std::size_t size, std::size_t count, void* self) {
+    auto* const transfer = static_cast<Transfer*>(self);
+    transfer->lastActivity_ = SteadyClock::now();
+    const std::string_view text(line, size * count);
+    if (text.starts_with("HTTP/")) transfer->hasHeaders_ = false;
+    if (text == "\r\n" || text == "\n") transfer->hasHeaders_ = true;
+    return text.size();
+  }
+
+  static std::size_t receiveBody(char* bytes, std::size_t size, std::size_t count, void* self) {
+    auto* const transfer = static_cast<Transfer*>(self);
+    transfer->gathered_.append(bytes, size * count);
+    if (transfer->gathered_.size() >= kLargestPiece && !transfer->handOn()) return 0;
+    transfer->lastActivity_ = SteadyClock::now();  // now, as handing on may wait for the disk
+    return size * count;
+  }
+
+  // Tells the head, unless that was done, and hands on what was gathered of the body. False when
+  // that cannot be written.
+  bool handOn() {
+    if (!hasToldHead_) tellHead();
+    hasToldHead_ = true;
+    if (writeError_ != 0) return false;
+    if (gathered_.empty()) return true;
+    tell(FetchPart::body, std::to_string(gathered_.size()));
+    if (!write(STDOUT_FILENO, gathered_)) {
+      writeError_ = errno;
+      return false;
+    }
+    gathered_.clear();
+    tell(FetchPart::written, "");
+    return true;
+  }
+
+  void tellHead() const {
+    const char* url = nullptr;
+    if (curl_easy_getinfo(easy_.get(), CURLINFO_EFFECTIVE_URL, &url) == CURLE_OK &&
+        url != nullptr) {
+      tell(FetchPart::url, url);
+    }
+    curl_header* header = nullptr;
+    constexpr int kLastAnswer = -1;
+    if (curl_easy_header(easy_.get(), "Content-Disposition", 0, CURLH_HEADER, kLastAnswer,
+                         &header) == CURLHE_OK) {
+      tell(FetchPart::contentDisposition, header->value);
+    }
+    curl_off_t length = -1;
+    if (curl_easy_getinfo(easy_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length) == CURLE_OK &&
+        length >= 0) {
+      tell(FetchPart::contentLength, std::to_string(length));
+    }
+  }
+
+  const SteadyClock::duration patience_;
+  const std::unique_ptr<CURLM, MultiCloser> multi_{curl_multi_init()};
+  const std::unique_ptr<CURL, EasyCloser> easy_{curl_easy_init()};
+  SteadyClock::time_point lastActivity_ = SteadyClock::now();
+  bool hasHeaders_ = false;  // whether those of the last answer are complete
+  bool hasToldHead_ = false;
+  std::string gathered_;  // of the body, not handed on yet
+  int writeError_ = 0;    // 0 as long as there is none
+};
+
+int run(int count, char** arguments) {
+  if (count != 3 && count != 4) {
+    std::fputs("usage: TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]\n", stderr);
+    return 2;
+  }
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error like others
+  TESSUM_CHECK(curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK, "libcurl cannot be used");
+  Transfer(arguments[1], std::strtod(arguments[2], nullptr), arguments[3]).run();
+  curl_global_cleanup();
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+}  // namespace tessum
+
+int main(int count, char** arguments) {
+  return tessum::run(count, arguments);
+}

@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "tests/desktop/recording/recorder.h"
+#include "tests/support/server_program.h"
+#include "tests/support/x11_desktop.h"
+
+namespace tessum {
+namespace {
+
+using Rows = Recorder::Rows;
+
+constexpr ExitStatus kFailed{.code = 1, .signal = {}};
+
+// The server's report of all sessions, without their times.
+std::string report(const Desktop& desktop) {
+  const auto server = desktop.start(serverProgram(), {});
+  server->writeLine(R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":)"
+                    R"({"name":"search_activities","arguments":{"query":"%"}}})");
+  const std::string answer = server->readLine().value_or("");
+  EXPECT_EQ(server->finish(), kSuccess);
+  std::smatch text;
+  EXPECT_TRUE(std::regex_search(answer, text, std::regex(R"re("text":"([^"]*)")re"))) << answer;
+  return std::regex_replace(text.str(1), std::regex(R"(  \[[^\]]*\]  \([^)]*\))"), "");
+}
+
+TEST(Record, WritesWhatAPersonDoesOnTheDesktop) {
+  Desktop desktop;
+  std::filesystem::create_directories(desktop.home().file("share/applications"));
+  writeFile(desktop.home().file("share/applications/org.test.Terminal.desktop"),
+            "[Desktop Entry]\nType=Application\nName=Terminal of the Test\nStartupWMClass=XTerm\n");
+  desktop.startWindowManager();
+  Recorder recorder(desktop);
+
+  const auto terminal = desktop.start("xterm", {"-T", "first title"});
+  const std::string name = "Terminal of the Test|org.test.Terminal|";
+  ASSERT_TRUE(recorder.comesTo({name + "first title|open"}));
+  const std::string terminalWindow = desktop.run("xdotool", {"getactivewindow"});
+  desktop.run("xdotool", {"set_window", "--name", "second title", terminalWindow});
+  ASSERT_TRUE(recorder.comesTo({name + "second title|open"}));
+
+  Rows expected{name + "second title|closed", "Zenity|NULL|Question of the test|open"};
+  const auto dialog =
+      desktop.start("zenity", {"--info", "--title", "Question of the test", "--text", "What?"});
+  ASSERT_TRUE(recorder.comesTo(expected));
+  const std::string dialogWindow = desktop.run("xdotool", {"getactivewindow"});
+
+  desktop.run("xdotool", {"windowactivate", "--sync", terminalWindow});
+  expected.back() = "Zenity|NULL|Question of the test|closed";
+  expected.push_back(name + "NULL|open");
+  ASSERT_TRUE(recorder.comesTo(expected));
+
+  desktop.restartWindowManager();
+
+  desktop.run("xdotool", {"windowactivate", "--sync", dialogWindow});
+  expected.back() = name + "NULL|closed";
+  expected.emplace_back("Zenity|NULL|NULL|open");
+  ASSERT_TRUE(recorder.comesTo(expected)) << "the window manager's restart is no session";
+
+  desktop.run("xdotool", {"windowminimize", "--sync", terminalWindow});
+  desktop.run("xdotool", {"windowminimize", "--sync", dialogWindow});
+  expected.back() = "Zenity|NULL|NULL|closed";
+  ASSERT_TRUE(recorder.comesTo(expected)) << "with everything minimised nothing is in front";
+
+  desktop.run("xdotool", {"windowactivate", "--sync", terminalWindow});
+  expected.push_back(name + "NULL|open");
+  ASSERT_TRUE(recorder.comesTo(expected));
+  desktop.run("xdotool", {"windowactivate", "--sync", dialogWindow});
+  expected.back() = name + "NULL|closed";
+  expected.emplace_back("Zenity|NULL|NULL|open");
+  ASSERT_TRUE(recorder.comesTo(expected));
+
+  dialog->kill();
+  expected.back() = "Zenity|NULL|NULL|closed";
+  expected.push_back(name + "NULL|open");
+  ASSERT_TRUE(recorder.comesTo(expected)) << "the window below the closed one comes to the front";
+  terminal->kill();
+  expected.back() = name + "NULL|closed";
+  ASSERT_TRUE(recorder.comesTo(expected));
+
+  recorder.process().kill(SIGTERM);
+  EXPECT_EQ(recorder.process().wait(), kSuccess);
+  EXPECT_EQ(recorder.process().errors(), "");
+  EXPECT_EQ(recorder.sessions(), expected);
+  EXPECT_EQ(report(desktop),
+            R"(Activities (7 sessions):\n• Terminal of the Test\n• Zenity\n)"
+            R"(• Terminal of the Test\n• Zenity\n• Terminal of the Test\n)"
+            R"(• Zenity – Question of the test\n• Terminal of the Test – second title)");
+}
+
+TEST(Record, EachTerminationSignalClosesTheSessionAndSucceeds) {
+  Desktop desktop;
+  desktop.startWindowManager();
+  desktop.addWindow("App");
+  Rows expected;
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    Recorder recorder(desktop);
+    expected.emplace_back("App|NULL|NULL|open");
+    ASSERT_TRUE(recorder.comesTo(expected));
+    recorder.process().kill(signal);
+    EXPECT_EQ(recorder.process().wait(), kSuccess);
+    expected.back() = "App|NULL|NULL|closed";
+    EXPECT_EQ(recorder.sessions(), expected);
+  }
+}
+
+TEST(Record, ASecondRecorderOfTheSameDataIsRefused) {
+  Desktop desktop;
+  desktop.startWindowManager();
+  desktop.addWindow("App");
+  auto recorder = std::make_unique<Recorder>(desktop);
+  ASSERT_TRUE(recorder->comesTo({"App|NULL|NULL|open"}));
+  const auto second = desktop.start(TESSUM_PROGRAM, {"record", "--no-update-check"});
+  EXPECT_EQ(second->wait(), kFailed);
+  EXPECT_EQ(second->errors(),
+            "Tessum: Another recorder is already writing to " + desktop.dataFolder() + ".\n");
+
+  recorder.reset();  // killed: it gives nothing back itself
+  const Recorder next(desktop);
+  EXPECT_TRUE(next.comesTo({"App|NULL|NULL|open", "App|NULL|NULL|open"}))
+      << "what a crash left open stays open";
+}
+
+TEST(Record, EndsWithTheDisplayAndSaysSo) {
+  Desktop desktop;
+  desktop.startWindowManager();
+  desktop.addWindow("App");
+  Recorder recorder(desktop);
+  ASSERT_TRUE(recorder.comesTo({"App|NULL|NULL|open"}));
+  desktop.killServer();
+  EXPECT_EQ(recorder.process().wait(), kFailed);
+  EXPECT_EQ(recorder.process().errors(),
+            "Tessum: The X11 display has gone away; nothing more can be recorded.\n");
+  EXPECT_EQ(recorder.sessions(), Rows{"App|NULL|NULL|closed"});
+}
+
+TEST(Record, WaitsForAWindowManagerAndOutlivesIt) {
+  Desktop desktop;
+  Recorder recorder(desktop);
+  ASSERT_TRUE(eventually([&] {
+    return recorder.process().errors() ==
+           "Tessum: No window manager says which window is active; recording goes on when one "
+           "does.\n";
+  }));
+  desktop.startWindowManager();
+  desktop.addWindow("App");
+  ASSERT_TRUE(recorder.comesTo({"App|NULL|NULL|open"}));
+  desktop.killWindowManager();
+  ASSERT_TRUE(recorder.comesTo({"App|NULL|NULL|closed"}));
+  desktop.startWindowManager();
+  desktop.addWindow("Other");
+  ASSERT_TRUE(eventually([&] {
+    const Rows sessions = recorder.sessions();
+    return !sessions.empty() && sessions.back() == "Other|NULL|NULL|open";
+  }));
+}
+
+TEST(Record, SaysWhyItCannotStart) {
+  struct Case {
+    std::vector<std::string> environment;
+    std::string message;
+  };
+  const Desktop desktop;
+  for (const auto& [environment, message] :
+       {Case{{"DISPLAY=", "WAYLAND_DISPLAY="}, "There is no X11 display: DISPLAY is not set."},
+        Case{{"DISPLAY=", "WAYLAND_DISPLAY=wayland-0"},
+             "This is a Wayland session without X11: the focused window cannot be seen here."},
+        Case{{"DISPLAY=nonsense"}, "Cannot connect to the X11 display nonsense."}}) {
+    const auto process =
+        desktop.start(TESSUM_PROGRAM, {"record", "--no-update-check"}, environment);
+    EXPECT_EQ(process->wait(), kFailed);
+    EXPECT_EQ(process->errors(), "Tessum: " + message + "\n");
+  }
+}
+
+}  // namespace
+}  // namespace tessum
