@@ -34,13 +34,13 @@ struct Elsewhere {
   const char* where;
 };
 constexpr Elsewhere kElsewhere[] = {
-    {"Tessum record", "tests/x11/record_test.cc"},
-    {"Tessum record --no-update-check", "tests/x11/record_test.cc"},
-    {"Tessum record --http", "tests/x11/record_http_test.cc"},
-    {"Tessum update", "tests/update/update_program_test_linux.cc"},
-    {"Tessum update --download", "tests/update/update_program_test_linux.cc"},
+    {"Tessum record", "tests/desktop/recording/record_test.cc"},
+    {"Tessum record --no-update-check", "tests/desktop/recording/record_test.cc"},
+    {"Tessum record --http", "tests/desktop/recording/record_http_test.cc"},
+    {"Tessum update", "tests/desktop/update/update_program_test_linux.cc"},
+    {"Tessum update --download", "tests/desktop/update/update_program_test_linux.cc"},
     {"Tessum doctor", "tests/package/installed-debian"},
-    {"Tessum doctor --close-open", "tests/desktop/doctor_test.cc"},
+    {"Tessum doctor --close-open", "tests/desktop/doctor/doctor_test.cc"},
     {"scripts/test", ".ci/run"},
     {"scripts/run", "tests/package/from-readme"},
     {"cmake --build build/run", "tests/package/from-readme"},

@@ -98,7 +98,7 @@ TEST_F(WorkspaceX11Test, AWindowThatSaysNothingHasTheNameOfItsProcess) {
   desktop_.startWindowManager();
   desktop_.addWindow("");
   open();
-  EXPECT_EQ(front(), "test_x11");
+  EXPECT_EQ(front(), "test_workspace");
 }
 
 TEST_F(WorkspaceX11Test, AWindowThatIsGoneCountsAsNone) {
