@@ -1,4 +1,4 @@
-// The main thread's loop: tasks from other threads, and repeating timers.
+// The main thread's loop: tasks from other threads, and timers.
 
 #pragma once
 
@@ -11,7 +11,7 @@ class MainLoop {
  public:
   using Task = std::function<void()>;
 
-  // Names one repeating timer of one loop; never used twice.
+  // Names one timer of one loop; never used twice.
   enum class TimerToken : std::uint64_t {};
 
   virtual ~MainLoop() = default;
@@ -24,6 +24,9 @@ class MainLoop {
   // The timer runs until it is invalidated or the loop is destroyed, whether or not its token is
   // kept. Main thread only.
   virtual TimerToken startTimer(double seconds, Task task) = 0;
+
+  // Runs `task` once, after `seconds`. Main thread only.
+  virtual TimerToken runAfter(double seconds, Task task) = 0;
 
   // Ends a timer: its task does not run again. One that has ended is no error. Main thread only.
   virtual void invalidateTimer(TimerToken token) = 0;

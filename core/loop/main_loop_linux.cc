@@ -1,5 +1,5 @@
-// The main loop over poll(): it sleeps until the next timer is due or a descriptor has something
-// to read, one of which is an eventfd that other threads write to. Nothing else wakes it.
+// The main loop over poll(): it sleeps until the next timer is due or a watched descriptor is
+// ready, one of which is an eventfd that other threads write to. Nothing else wakes it.
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -12,6 +12,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -25,15 +26,33 @@ namespace {
 using SteadyClock = std::chrono::steady_clock;
 
 struct Timer {
-  SteadyClock::duration interval;
+  std::optional<SteadyClock::duration> interval;  // absent where it runs once
   SteadyClock::time_point due;
   MainLoop::Task task;
 };
 
 struct Watch {
   int descriptor;
+  short events;
   MainLoop::Task task;
 };
+
+short pollEvents(SystemMainLoop::Readiness readiness) {
+  using enum SystemMainLoop::Readiness;
+  switch (readiness) {
+    case readable:
+      return POLLIN;
+    case writable:
+      return POLLOUT;
+    case readableOrWritable:
+      break;
+  }
+  return POLLIN | POLLOUT;
+}
+
+SteadyClock::duration durationOf(double seconds) {
+  return std::chrono::duration_cast<SteadyClock::duration>(std::chrono::duration<double>(seconds));
+}
 
 Descriptor makeEvent() {
   Descriptor event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
@@ -72,7 +91,7 @@ struct SystemMainLoop::State {
     std::vector<pollfd> descriptors{{wakeUp.number(), POLLIN, 0}};
     std::vector<WatchToken> tokens;
     for (const auto& [token, watch] : watches) {
-      descriptors.push_back({watch.descriptor, POLLIN, 0});
+      descriptors.push_back({watch.descriptor, watch.events, 0});
       tokens.push_back(token);
     }
     if (poll(descriptors.data(), descriptors.size(), millisecondsToNextTimer()) < 0) {
@@ -84,11 +103,11 @@ struct SystemMainLoop::State {
       eventfd_read(wakeUp.number(), &ignored);
     }
 
-    std::vector<WatchToken> readable;
+    std::vector<WatchToken> ready;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-      if (descriptors[i + 1].revents != 0) readable.push_back(tokens[i]);
+      if (descriptors[i + 1].revents != 0) ready.push_back(tokens[i]);
     }
-    return readable;
+    return ready;
   }
 
   // Tasks, timers and watches may end any timer or watch, their own too, so each is looked up
@@ -118,14 +137,18 @@ struct SystemMainLoop::State {
       const auto found = timers.find(token);
       if (found == timers.end() || isQuitting) continue;
       Timer& timer = found->second;
-      timer.due = std::max(timer.due, now - timer.interval) + timer.interval;
       const Task task = timer.task;
+      if (timer.interval) {
+        timer.due = std::max(timer.due, now - *timer.interval) + *timer.interval;
+      } else {
+        timers.erase(found);
+      }
       task();
     }
   }
 
-  void runWatches(const std::vector<WatchToken>& readable) {
-    for (const WatchToken token : readable) {
+  void runWatches(const std::vector<WatchToken>& ready) {
+    for (const WatchToken token : ready) {
       const auto found = watches.find(token);
       if (found == watches.end() || isQuitting) continue;
       const Task task = found->second.task;
@@ -147,10 +170,15 @@ void SystemMainLoop::post(Task task) {
 }
 
 MainLoop::TimerToken SystemMainLoop::startTimer(double seconds, Task task) {
-  const auto interval =
-      std::chrono::duration_cast<SteadyClock::duration>(std::chrono::duration<double>(seconds));
+  const auto interval = durationOf(seconds);
   const TimerToken token{++state_->lastToken};
   state_->timers[token] = {interval, SteadyClock::now() + interval, std::move(task)};
+  return token;
+}
+
+MainLoop::TimerToken SystemMainLoop::runAfter(double seconds, Task task) {
+  const TimerToken token{++state_->lastToken};
+  state_->timers[token] = {std::nullopt, SteadyClock::now() + durationOf(seconds), std::move(task)};
   return token;
 }
 
@@ -158,10 +186,15 @@ void SystemMainLoop::invalidateTimer(TimerToken token) {
   state_->timers.erase(token);
 }
 
-SystemMainLoop::WatchToken SystemMainLoop::watchReadable(int descriptor, Task task) {
+SystemMainLoop::WatchToken SystemMainLoop::watch(int descriptor, Readiness readiness, Task task) {
   const WatchToken token{++state_->lastToken};
-  state_->watches[token] = {descriptor, std::move(task)};
+  state_->watches[token] = {descriptor, pollEvents(readiness), std::move(task)};
   return token;
+}
+
+void SystemMainLoop::setReadiness(WatchToken token, Readiness readiness) {
+  const auto found = state_->watches.find(token);
+  if (found != state_->watches.end()) found->second.events = pollEvents(readiness);
 }
 
 void SystemMainLoop::unwatch(WatchToken token) {

@@ -45,6 +45,15 @@ void runTimer(CFRunLoopTimerRef, void* info) {
   (*task)();
 }
 
+// `timer` must stay where it is.
+void addTimer(Timer& timer, double seconds, CFTimeInterval interval, Task task) {
+  timer.task = std::make_shared<const Task>(std::move(task));
+  CFRunLoopTimerContext context{0, &timer, nullptr, nullptr, nullptr};
+  timer.timer.reset(CFRunLoopTimerCreate(kCFAllocatorDefault, CFAbsoluteTimeGetCurrent() + seconds,
+                                         interval, 0, 0, runTimer, &context));
+  CFRunLoopAddTimer(CFRunLoopGetMain(), timer.timer.get(), kCFRunLoopDefaultMode);
+}
+
 // A cancelled source runs its handler no more, as both happen on the main thread. What the handler
 // uses goes with the source.
 struct SourceEnder {
@@ -54,7 +63,7 @@ struct SourceEnder {
   }
 };
 
-using Watch = std::unique_ptr<std::remove_pointer_t<dispatch_source_t>, SourceEnder>;
+using Source = std::unique_ptr<std::remove_pointer_t<dispatch_source_t>, SourceEnder>;
 
 void runWatch(void* context) {
   const std::shared_ptr<const Task> task = *static_cast<std::shared_ptr<const Task>*>(context);
@@ -63,6 +72,36 @@ void runWatch(void* context) {
 
 void endWatch(void* context) {
   delete static_cast<std::shared_ptr<const Task>*>(context);
+}
+
+Source makeSource(dispatch_source_type_t type, int descriptor,
+                  const std::shared_ptr<const Task>& task) {
+  const auto number = static_cast<std::uintptr_t>(descriptor);
+  Source source(dispatch_source_create(type, number, 0, dispatch_get_main_queue()));
+  dispatch_set_context(source.get(), new std::shared_ptr(task));
+  dispatch_source_set_event_handler_f(source.get(), runWatch);
+  dispatch_set_finalizer_f(source.get(), endWatch);
+  dispatch_resume(source.get());
+  return source;
+}
+
+struct Watch {
+  int descriptor;
+  std::shared_ptr<const Task> task;
+  Source reading;  // null where the watch does not wait for it
+  Source writing;
+};
+
+void wait(Watch& watch, SystemMainLoop::Readiness readiness) {
+  using enum SystemMainLoop::Readiness;
+  watch.reading.reset();
+  watch.writing.reset();
+  if (readiness != writable) {
+    watch.reading = makeSource(DISPATCH_SOURCE_TYPE_READ, watch.descriptor, watch.task);
+  }
+  if (readiness != readable) {
+    watch.writing = makeSource(DISPATCH_SOURCE_TYPE_WRITE, watch.descriptor, watch.task);
+  }
 }
 
 }  // namespace
@@ -84,12 +123,17 @@ void SystemMainLoop::post(Task task) {
 
 MainLoop::TimerToken SystemMainLoop::startTimer(double seconds, Task task) {
   const TimerToken token{++state_->lastToken};
-  Timer& timer = state_->timers[token];
-  timer.task = std::make_shared<const Task>(std::move(task));
-  CFRunLoopTimerContext context{0, &timer, nullptr, nullptr, nullptr};
-  timer.timer.reset(CFRunLoopTimerCreate(kCFAllocatorDefault, CFAbsoluteTimeGetCurrent() + seconds,
-                                         seconds, 0, 0, runTimer, &context));
-  CFRunLoopAddTimer(CFRunLoopGetMain(), timer.timer.get(), kCFRunLoopDefaultMode);
+  addTimer(state_->timers[token], seconds, seconds, std::move(task));
+  return token;
+}
+
+MainLoop::TimerToken SystemMainLoop::runAfter(double seconds, Task task) {
+  const TimerToken token{++state_->lastToken};
+  constexpr CFTimeInterval kOnce = 0;
+  addTimer(state_->timers[token], seconds, kOnce, [this, token, task = std::move(task)] {
+    invalidateTimer(token);
+    task();
+  });
   return token;
 }
 
@@ -97,18 +141,17 @@ void SystemMainLoop::invalidateTimer(TimerToken token) {
   state_->timers.erase(token);
 }
 
-SystemMainLoop::WatchToken SystemMainLoop::watchReadable(int descriptor, Task task) {
+SystemMainLoop::WatchToken SystemMainLoop::watch(int descriptor, Readiness readiness, Task task) {
   const WatchToken token{++state_->lastToken};
-  const auto number = static_cast<std::uintptr_t>(descriptor);
-  Watch source(
-      dispatch_source_create(DISPATCH_SOURCE_TYPE_READ, number, 0, dispatch_get_main_queue()));
-  dispatch_set_context(source.get(),
-                       new std::shared_ptr(std::make_shared<const Task>(std::move(task))));
-  dispatch_source_set_event_handler_f(source.get(), runWatch);
-  dispatch_set_finalizer_f(source.get(), endWatch);
-  dispatch_resume(source.get());
-  state_->watches[token] = std::move(source);
+  Watch& added = state_->watches[token];
+  added = {descriptor, std::make_shared<const Task>(std::move(task)), nullptr, nullptr};
+  wait(added, readiness);
   return token;
+}
+
+void SystemMainLoop::setReadiness(WatchToken token, Readiness readiness) {
+  const auto found = state_->watches.find(token);
+  if (found != state_->watches.end()) wait(found->second, readiness);
 }
 
 void SystemMainLoop::unwatch(WatchToken token) {

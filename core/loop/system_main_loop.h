@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "core/loop/main_loop.h"
 
@@ -15,6 +16,10 @@ class SystemMainLoop final : public MainLoop {
   // Names one watch of one loop; never used twice.
   enum class WatchToken : std::uint64_t {};
 
+  // What a watch waits for. A descriptor that its peer has closed, or that has an error, is ready
+  // for both.
+  enum class Readiness { readable, writable, readableOrWritable };
+
   // Throws std::system_error when the system has no descriptors left.
   SystemMainLoop();
   ~SystemMainLoop() override;
@@ -23,11 +28,18 @@ class SystemMainLoop final : public MainLoop {
 
   void post(Task task) override;
   TimerToken startTimer(double seconds, Task task) override;
+  TimerToken runAfter(double seconds, Task task) override;
   void invalidateTimer(TimerToken token) override;
 
-  // Runs `task` whenever `descriptor` has bytes to read or has been closed by its peer. The
-  // descriptor stays the caller's and must stay open until it is unwatched. Main thread only.
-  WatchToken watchReadable(int descriptor, Task task);
+  // Runs `task` whenever `descriptor` is ready. The descriptor stays the caller's and must stay
+  // open until it is unwatched. Main thread only.
+  WatchToken watch(int descriptor, Readiness readiness, Task task);
+  WatchToken watchReadable(int descriptor, Task task) {
+    return watch(descriptor, Readiness::readable, std::move(task));
+  }
+
+  // Changes what a watch waits for. A watch that has ended is no error. Main thread only.
+  void setReadiness(WatchToken token, Readiness readiness);
 
   // Ends a watch: its task does not run again. One that has ended is no error. Main thread only.
   void unwatch(WatchToken token);

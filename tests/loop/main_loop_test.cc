@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -120,6 +121,58 @@ TEST_F(MainLoopTest, ATimerCanEndItselfAndAnother) {
   run();
   EXPECT_EQ(first, 1);
   EXPECT_EQ(second, 0);
+}
+
+TEST_F(MainLoopTest, RunsATaskOnceAfterAWhile) {
+  const auto start = std::chrono::steady_clock::now();
+  int count = 0;
+  loop_.runAfter(0.02, [&] { ++count; });
+  const auto cancelled = loop_.runAfter(0.02, [&] { ADD_FAILURE() << "it was invalidated"; });
+  loop_.invalidateTimer(cancelled);
+  loop_.runAfter(0.06, [&] { loop_.quit(); });
+  run();
+  EXPECT_EQ(count, 1);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(60));
+}
+
+TEST_F(MainLoopTest, TellsWhenADescriptorCanBeWrittenTo) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  const Descriptor readEnd(ends[0]);
+  const Descriptor writeEnd(ends[1]);
+  ASSERT_EQ(fcntl(writeEnd.number(), F_SETFL, O_NONBLOCK), 0);
+  const std::string bytes(4096, 'x');
+  while (write(writeEnd.number(), bytes.data(), bytes.size()) > 0) {
+  }
+  bool hasRoom = false;
+  const auto watch = loop_.watch(writeEnd.number(), SystemMainLoop::Readiness::writable, [&] {
+    EXPECT_TRUE(hasRoom) << "the pipe is full";
+    loop_.quit();
+  });
+  loop_.runAfter(0.02, [&] {
+    hasRoom = true;
+    std::string taken(65536, 'x');
+    EXPECT_GT(read(readEnd.number(), taken.data(), taken.size()), 0);
+  });
+  run();
+  loop_.unwatch(watch);
+}
+
+TEST_F(MainLoopTest, AWatchCanChangeWhatItWaitsFor) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  const Descriptor readEnd(ends[0]);
+  const Descriptor writeEnd(ends[1]);
+  int count = 0;
+  const auto watch =
+      loop_.watch(writeEnd.number(), SystemMainLoop::Readiness::readable, [&] { ++count; });
+  loop_.runAfter(0.02, [&] {
+    EXPECT_EQ(count, 0) << "the end for writing never has anything to read";
+    loop_.setReadiness(watch, SystemMainLoop::Readiness::readableOrWritable);
+    loop_.runAfter(0.02, [&] { loop_.quit(); });
+  });
+  run();
+  EXPECT_GT(count, 0);
 }
 
 TEST_F(MainLoopTest, WatchesADescriptorUntilItIsUnwatched) {

@@ -38,6 +38,15 @@ class FakeMainLoop final : public MainLoop {
     return token;
   }
 
+  TimerToken runAfter(double seconds, Task task) override {
+    const TimerToken token{++lastToken_};
+    timers_[token] = {0, movedBy(clock_.now(), seconds), [this, token, task = std::move(task)] {
+                        timers_.erase(token);
+                        task();
+                      }};
+    return token;
+  }
+
   void invalidateTimer(TimerToken token) override { timers_.erase(token); }
 
   // Runs what was posted, also what that posts in turn. Returns how many tasks ran.

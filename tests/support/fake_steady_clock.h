@@ -1,0 +1,26 @@
+// A steady clock that follows a test's own clock.
+
+#pragma once
+
+#include "core/platform/steady_clock.h"
+#include "tests/support/fake_clock.h"
+
+namespace tessum {
+
+// Shows the seconds of `clock`, which counts up and is not set back.
+class FakeSteadyClock final : public SteadyClock {
+ public:
+  explicit FakeSteadyClock(const FakeClock& clock) : clock_(clock) {}
+
+  [[nodiscard]] Moment now() const override { return {clock_.now().secondsSince1970}; }
+  [[nodiscard]] double secondsAsleep() const override { return asleep_; }
+
+  // Has the computer sleep for `seconds` of those that the clock is advanced by.
+  void sleep(double seconds) { asleep_ += seconds; }
+
+ private:
+  const FakeClock& clock_;
+  double asleep_ = 0;
+};
+
+}  // namespace tessum
