@@ -1,4 +1,4 @@
-// Tessum: records what is in front, and everything that a person does with the record.
+// Tessum: records what is in front, and everything that a person does with the history.
 
 #include <CLI/CLI.hpp>
 
@@ -10,17 +10,7 @@
 #include "core/store/database_error.h"
 #include "core/store/history.h"
 #include "desktop/command.h"
-#include "desktop/commands/backup_command.h"
-#include "desktop/commands/client_commands.h"
-#include "desktop/commands/doctor_command.h"
-#include "desktop/commands/export_command.h"
-#include "desktop/commands/forget_command.h"
-#include "desktop/commands/note_command.h"
-#include "desktop/commands/record_command.h"
-#include "desktop/commands/report_commands.h"
-#include "desktop/commands/status_command.h"
-#include "desktop/commands/timeline_command.h"
-#include "desktop/commands/update_command.h"
+#include "desktop/commands/commands.h"
 #include "desktop/reports/text_layout.h"
 
 namespace tessum {
@@ -34,7 +24,7 @@ int runCommand(int argc, char** argv) {
   const SystemUrlOpener opener;
   Host host{clock, calendar, locations, files, opener};
 
-  CLI::App app("Keeps a record of your day on this computer, for you and your AI assistants.",
+  CLI::App app("Keeps a history of your day on this computer, for you and your AI assistants.",
                "Tessum");
   app.require_subcommand(1);
   app.set_version_flag("--version", "Tessum " + SystemAppInfo().version().value_or("unknown"),

@@ -1,4 +1,5 @@
-// The record as a person handles it: read in whole, checked, mended, copied, and cut.
+// The history as a person handles it: read in whole, checked, mended, copied, and cut. The bodies
+// are in history.cc (opening and reading) and history_upkeep.cc (all the rest).
 //
 // The programs that record and answer use `Database`, which never waits, never deletes and gives
 // what it could read. A person wants to know when something could not be read, so this connection
@@ -29,11 +30,11 @@ struct sqlite3;
 
 namespace tessum {
 
-// Where the record lies; the file need not exist.
-[[nodiscard]] std::string recordPath(const Locations& locations);
+// Where the history lies; the file need not exist.
+[[nodiscard]] std::string historyPath(const Locations& locations);
 
-// There is no record yet.
-class NoRecord : public std::runtime_error {
+// There is no history yet.
+class NoHistory : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
@@ -66,17 +67,17 @@ struct Selected {
   std::int64_t lastNote = 0;
 };
 
-// One connection to an existing record. Every call throws DatabaseError when it cannot be
+// One connection to an existing history. Every call throws DatabaseError when it cannot be
 // completed, and then has changed nothing. Not thread-safe.
-class Record {
+class History {
  public:
   enum class Access { read, write };
 
-  // Throws NoRecord when there is no file at `path`.
-  Record(const std::string& path, Access access);
-  ~Record();
-  Record(const Record&) = delete;
-  Record& operator=(const Record&) = delete;
+  // Throws NoHistory when there is no file at `path`.
+  History(const std::string& path, Access access);
+  ~History();
+  History(const History&) = delete;
+  History& operator=(const History&) = delete;
 
   ////////////////////////////////////////////////////////////////////////////////////////////
   // Reading.
@@ -105,7 +106,7 @@ class Record {
   ////////////////////////////////////////////////////////////////////////////////////////////
   // Mending and copying.
 
-  // What SQLite finds wrong in the record, a sentence each; empty when it is sound.
+  // What SQLite finds wrong in the history, a sentence each; empty when it is sound.
   [[nodiscard]] std::vector<std::string> damage();
 
   // The beginning of the first session that began after `session`, which is stored; absent when
@@ -118,7 +119,7 @@ class Record {
   // Ends the session with row id `id` at `end`, if it has not ended yet.
   void endSession(std::int64_t id, Date end);
 
-  // Makes the file at `path` a copy of the record as it is at one moment. There must be no file at
+  // Makes the file at `path` a copy of the history as it is at one moment. There must be no file at
   // `path` yet; when copying fails there is none afterwards. Throws std::system_error when it
   // cannot be created.
   void copyTo(const std::string& path);
@@ -132,6 +133,9 @@ class Record {
   void forget(const Selection& selection, const Selected& selected);
 
  private:
+  // How long a lock that another program holds is waited for.
+  static constexpr int kLockPatienceMilliseconds = 1000;
+
   struct Close {
     void operator()(sqlite3* db) const noexcept;
   };

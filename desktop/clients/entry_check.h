@@ -19,7 +19,4 @@ struct EntryReport {
 // few seconds for an answer from the endpoint, which is asked only when it is our own.
 [[nodiscard]] EntryReport checkEntry(const json::Value& entry);
 
-// The URL of our HTTP endpoint on its usual port.
-[[nodiscard]] std::string usualEndpointURL();
-
 }  // namespace tessum

@@ -1,4 +1,4 @@
-#include "desktop/commands/backup_command.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -10,21 +10,21 @@
 namespace tessum {
 
 void addBackupCommand(CLI::App& app, Host& host) {
-  auto* command = app.add_subcommand("backup", "Copy the record, also while it is being written");
+  auto* command = app.add_subcommand("backup", "Copy the history, also while it is being written");
   const auto path = std::make_shared<std::string>();
   command->add_option("FILE", *path, "where the copy goes; a file that exists is left as it is")
       ->type_name("")
       ->required();
   command->footer(
       "The copy is checked before it is called done. To go back to it, stop recording and put it\n"
-      "in the place of the record, which \"Tessum status\" shows.\n\n"
+      "in the place of the history, which \"Tessum status\" shows.\n\n"
       "Examples:\n"
       "  Tessum backup tessum.db\n"
       "  Tessum backup \"$HOME/tessum-$(date +%F).db\"");
   command->callback([&host, path] {
-    Record record(recordPath(host.locations), Record::Access::read);
-    record.copyTo(*path);
-    print("The record was copied to " + *path + ".\n");
+    History history(historyPath(host.locations), History::Access::read);
+    history.copyTo(*path);
+    print("The history was copied to " + *path + ".\n");
   });
 }
 

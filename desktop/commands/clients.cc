@@ -1,4 +1,4 @@
-#include "desktop/commands/client_commands.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -16,6 +16,7 @@
 #include "core/install/mcp_installer.h"
 #include "desktop/clients/client_files.h"
 #include "desktop/clients/config_file.h"
+#include "desktop/clients/endpoint_state.h"
 #include "desktop/clients/entry_check.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/reports/text_layout.h"

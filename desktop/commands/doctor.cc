@@ -1,4 +1,4 @@
-#include "desktop/commands/doctor_command.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -23,8 +23,8 @@ void examine(Host& host) {
     findings.insert(findings.end(), more.begin(), more.end());
   };
   add(checkFolder(host));
-  add(checkRecord(host));
-  add(checkDesktop());
+  add(checkHistory(host));
+  add(checkWorkspace());
   add(checkClients(host));
   add(checkEndpoint());
 
@@ -43,9 +43,9 @@ void examine(Host& host) {
 }
 
 // When `session` ends: after the time given, or where the next one began, whichever comes first.
-std::optional<Date> endOf(Record& record, const Activity& session,
+std::optional<Date> endOf(History& history, const Activity& session,
                           const std::optional<double>& seconds) {
-  const auto next = record.startOfNext(session);
+  const auto next = history.startOfNext(session);
   if (!seconds) return next;
   const Date end = movedBy(session.startTime, *seconds);
   return next && next->secondsSince1970 < end.secondsSince1970 ? *next : end;
@@ -54,21 +54,21 @@ std::optional<Date> endOf(Record& record, const Activity& session,
 void closeOpenSessions(Host& host, const std::string& duration) {
   std::optional<double> seconds;
   if (!duration.empty()) seconds = durationArgument(duration);
-  Record record(recordPath(host.locations), Record::Access::write);
-  auto open = record.openSessions();
+  History history(historyPath(host.locations), History::Access::write);
+  auto open = history.openSessions();
   if (currentSession(recorderState(host.locations), open)) open.pop_back();
   if (open.empty()) print("No session was left open.\n");
   for (const Activity& session : open) {
     const std::string name = printable(session.appName) + " of " + dateText(session.startTime) +
                              " " + clockText(session.startTime);
-    const auto end = endOf(record, session, seconds);
+    const auto end = endOf(history, session, seconds);
     if (!end) {
       print(name + " stays open: no session came after it. Say how long it lasted, as in\n" +
             "\"Tessum doctor --close-open 10m\".\n");
       host.status = kFailure;
       continue;
     }
-    record.endSession(session.id.value_or(0), *end);
+    history.endSession(session.id.value_or(0), *end);
     print(name + " now ends at " + dateText(*end) + " " + clockText(*end) + ".\n");
   }
 }

@@ -1,4 +1,4 @@
-#include "desktop/commands/export_command.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -67,21 +67,21 @@ std::string csvLine(std::string_view kind, Date start, const std::optional<Date>
 }
 
 // Lines end with a carriage return and a line feed, as the format's readers expect.
-void exportCsv(Record& record, const DayRange& range) {
+void exportCsv(History& history, const DayRange& range) {
   Writer out;
   out.add("kind,start,end,seconds,application,bundle_id,text\r\n");
-  record.visitSessions(range, [&](const Activity& session) {
+  history.visitSessions(range, [&](const Activity& session) {
     out.add(csvLine("session", session.startTime, session.endTime, session.appName,
                     session.bundleID.value_or(""), session.title.value_or("")));
   });
-  record.visitNotes(range, [&](const Annotation& note) {
+  history.visitNotes(range, [&](const Annotation& note) {
     out.add(csvLine("note", note.startedAt, note.endedAt, "", "", note.text));
   });
   out.flush();
 }
 
-// One object; a record a line.
-void exportJson(Record& record, const DayRange& range) {
+// One object; an entry a line.
+void exportJson(History& history, const DayRange& range) {
   Writer out;
   const char* separator = "\n";
   const auto add = [&](const json::Value& value) {
@@ -90,10 +90,10 @@ void exportJson(Record& record, const DayRange& range) {
     separator = ",\n";
   };
   out.add("{\"activities\":[");
-  record.visitSessions(range, [&](const Activity& session) { add(toJson(session)); });
+  history.visitSessions(range, [&](const Activity& session) { add(toJson(session)); });
   out.add("\n],\"annotations\":[");
   separator = "\n";
-  record.visitNotes(range, [&](const Annotation& note) { add(toJson(note)); });
+  history.visitNotes(range, [&](const Annotation& note) { add(toJson(note)); });
   out.add("\n]}\n");
   out.flush();
 }
@@ -101,7 +101,7 @@ void exportJson(Record& record, const DayRange& range) {
 }  // namespace
 
 void addExportCommand(CLI::App& app, Host& host) {
-  auto* command = app.add_subcommand("export", "Write the record to standard output");
+  auto* command = app.add_subcommand("export", "Write the history to standard output");
   const auto options = std::make_shared<ExportOptions>();
   command->add_option("--from", options->from, "the first day; all from the beginning if absent")
       ->type_name("DATE");
@@ -114,15 +114,15 @@ void addExportCommand(CLI::App& app, Host& host) {
   command->footer(
       "Times are in UTC. A day holds what began on it, in local time.\n\n"
       "Examples:\n"
-      "  Tessum export > record.csv\n"
+      "  Tessum export > history.csv\n"
       "  Tessum export --from 2025-03-01 --to 2025-03-31 --format json > march.json");
   command->callback([&host, options] {
     const DayRange range = daysArgument(options->from, options->to, host);
-    Record record(recordPath(host.locations), Record::Access::read);
+    History history(historyPath(host.locations), History::Access::read);
     if (options->format == "json") {
-      exportJson(record, range);
+      exportJson(history, range);
     } else {
-      exportCsv(record, range);
+      exportCsv(history, range);
     }
   });
 }

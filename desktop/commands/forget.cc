@@ -1,4 +1,4 @@
-#include "desktop/commands/forget_command.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -53,10 +53,10 @@ std::string description(const Selection& selection, const Selected& selected) {
 
 void forget(Host& host, const ForgetOptions& options) {
   const Selection selection = selectionOf(host, options);
-  Record record(recordPath(host.locations), Record::Access::write);
-  const Selected selected = record.select(selection);
+  History history(historyPath(host.locations), History::Access::write);
+  const Selected selected = history.select(selection);
   if (selected.sessions == 0 && selected.notes == 0) {
-    print("Nothing of that kind is in the record.\n");
+    print("Nothing of that kind is in the history.\n");
     return;
   }
   print("This deletes " + description(selection, selected) + ".\n");
@@ -65,7 +65,7 @@ void forget(Host& host, const ForgetOptions& options) {
     host.status = kFailure;
     return;
   }
-  record.forget(selection, selected);
+  history.forget(selection, selected);
   print("Deleted.\n");
 }
 

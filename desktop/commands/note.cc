@@ -1,4 +1,4 @@
-#include "desktop/commands/note_command.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -33,19 +33,19 @@ void startNote(const Host& host, const NoteOptions& options) {
     throw CLI::ValidationError("the duration \"" + options.duration + "\" is too long");
   }
   createPrivateFolders(host.locations.dataFolder());
-  Database database(recordPath(host.locations), host.calendar);
+  Database database(historyPath(host.locations), host.calendar);
   database.insertAnnotation({.id = {}, .text = text, .startedAt = start, .endedAt = {}});
   print("Note started: " + printable(text) + " (since " + clockText(start) + ")\n");
 }
 
 void endNote(const Host& host) {
-  Record record(recordPath(host.locations), Record::Access::read);
-  const auto note = record.currentNote();
+  History history(historyPath(host.locations), History::Access::read);
+  const auto note = history.currentNote();
   if (!note) {
     print("There is no note to end.\n");
     return;
   }
-  Database database(recordPath(host.locations), host.calendar);
+  Database database(historyPath(host.locations), host.calendar);
   database.endCurrentAnnotation(host.clock.now());
   print("Note ended: " + printable(note->text) + "\n");
 }

@@ -1,4 +1,4 @@
-#include "desktop/commands/record_command.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "desktop/commands/report_commands.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -33,20 +33,20 @@ void addPlainOption(CLI::App& command, ReportOptions& options, const std::string
 
 // The report of an assistant's tool, made by the same engine.
 std::string toolText(const Host& host, const char* tool, json::Value::Object arguments) {
-  auto database = std::make_shared<Database>(recordPath(host.locations), host.calendar);
+  auto database = std::make_shared<Database>(historyPath(host.locations), host.calendar);
   MCPServer server(std::move(database), limits::kDefaultPort, host.clock, host.calendar);
   const auto result =
       server.callTool(tool, AnyCodable::encoded(json::compact(std::move(arguments))));
   return result.content.front().text + "\n";
 }
 
-using Report = std::string (*)(const DayRecord&, const Paper&);
+using Report = std::string (*)(const DayHistory&, const Paper&);
 
 // Prints `report` of the day, or what `tool` says of it.
 void showDay(const Host& host, const ReportOptions& options, Report report, const char* tool) {
   const Date day = dayArgument(options.day, host);
-  Record record(recordPath(host.locations), Record::Access::read);
-  const DayRecord content = readDay(record, host, day);
+  History history(historyPath(host.locations), History::Access::read);
+  const DayHistory content = readDay(history, host, day);
   if (options.isPlain) {
     print(toolText(host, tool, {{"date", dateText(day)}}));
     return;
@@ -103,8 +103,8 @@ void addReportCommands(CLI::App& app, Host& host) {
       "  Tessum search \"pull request\" --limit 200");
   search->callback([&host, options] {
     const std::string query = validUtf8(options->query);
-    Record record(recordPath(host.locations), Record::Access::read);
-    const auto sessions = record.search(query, options->limit);
+    History history(historyPath(host.locations), History::Access::read);
+    const auto sessions = history.search(query, options->limit);
     if (options->isPlain) {
       print(toolText(host, "search_activities", {{"query", query}, {"limit", options->limit}}));
       return;

@@ -1,4 +1,4 @@
-#include "desktop/commands/status_command.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -7,9 +7,9 @@
 
 #include "core/store/history.h"
 #include "core/store/records.h"
-#include "desktop/clients/entry_check.h"
+#include "desktop/clients/endpoint_state.h"
+#include "desktop/clients/registered_clients.h"
 #include "desktop/commands/standard_output.h"
-#include "desktop/doctor/finding.h"
 #include "desktop/recording/recorder_state.h"
 #include "desktop/reports/text_layout.h"
 #include "desktop/reports/wall_clock.h"
@@ -69,7 +69,7 @@ std::string endpointText() {
 
 void showStatus(const Host& host) {
   const Date now = host.clock.now();
-  const std::string path = recordPath(host.locations);
+  const std::string path = historyPath(host.locations);
   const RecorderState recorder = recorderState(host.locations);
   using enum Table::Alignment;
   Table table({left, left});
@@ -82,12 +82,12 @@ void showStatus(const Host& host) {
     add("Recording", "no; \"Tessum record\" begins", Tone::bad);
   }
   try {
-    Record record(path, Record::Access::read);
-    add("In front", sessionText(currentSession(recorder, record.openSessions()), now));
-    add("Note", noteText(record.currentNote(), now));
-    add("Record", path + ", " + sizeText(std::filesystem::file_size(path)));
-  } catch (const NoRecord&) {
-    add("Record", path + ", which does not exist yet");
+    History history(path, History::Access::read);
+    add("In front", sessionText(currentSession(recorder, history.openSessions()), now));
+    add("Note", noteText(history.currentNote(), now));
+    add("History", path + ", " + sizeText(std::filesystem::file_size(path)));
+  } catch (const NoHistory&) {
+    add("History", path + ", which does not exist yet");
   }
   add("Clients", clientsText(host));
   add("Endpoint", endpointText());

@@ -1,4 +1,4 @@
-#include "desktop/commands/timeline_command.h"
+#include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -23,8 +23,8 @@ struct TimelineOptions {
 
 void showTimeline(const Host& host, const TimelineOptions& options) {
   const Date day = dayArgument(options.day, host);
-  Record record(recordPath(host.locations), Record::Access::read);
-  const std::string page = timelinePage(readDay(record, host, day));
+  History history(historyPath(host.locations), History::Access::read);
+  const std::string page = timelinePage(readDay(history, host, day));
   if (!options.file.empty()) {
     if (std::filesystem::exists(options.file) && !std::filesystem::is_regular_file(options.file)) {
       throw std::runtime_error(options.file + " is not a file that can be replaced");

@@ -1,4 +1,4 @@
-#include "desktop/commands/update_command.h"
+#include "desktop/commands/commands.h"
 
 #include <unistd.h>
 

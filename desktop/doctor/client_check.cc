@@ -1,7 +1,5 @@
 // The doctor's look at the assistant applications and the HTTP endpoint.
 
-#include <asio/ip/tcp.hpp>
-#include <chrono>
 #include <string>
 #include <system_error>
 
@@ -9,19 +7,12 @@
 #include "core/install/mcp_client.h"
 #include "desktop/clients/client_files.h"
 #include "desktop/clients/config_file.h"
+#include "desktop/clients/endpoint_state.h"
 #include "desktop/clients/entry_check.h"
 #include "desktop/doctor/finding.h"
 
 namespace tessum {
 namespace {
-
-bool acceptsConnections(std::uint16_t port) {
-  constexpr auto kPatience = std::chrono::seconds(2);
-  asio::ip::tcp::iostream stream;
-  stream.expires_after(kPatience);
-  stream.connect("localhost", std::to_string(port));
-  return static_cast<bool>(stream);
-}
 
 std::string remedyFor(const EntryReport& report, const MCPClient client) {
   if (report.form == "HTTP") return "Start \"Tessum record --http\", or register anew.";
@@ -59,28 +50,6 @@ std::vector<Finding> checkClients(const Host& host) {
     }
   }
   return findings;
-}
-
-std::vector<std::string> registeredClients(const Host& host) {
-  std::vector<std::string> names;
-  for (const MCPClient client : MCPClient::allCases()) {
-    const std::string file = clientFiles(client, host.locations).front();
-    try {
-      const ConfigFile config = lookAt(host.files, file);
-      if (config.object && tessumEntry(*config.object) != nullptr) {
-        names.emplace_back(client.displayName());
-      }
-    } catch (const std::system_error&) {
-      // A file that cannot be read registers nobody here; the doctor says why.
-    }
-  }
-  return names;
-}
-
-EndpointState endpointState() {
-  const json::Value entry(json::Value::Object{{"url", usualEndpointURL()}});
-  if (checkEntry(entry).problem.empty()) return EndpointState::answers;
-  return acceptsConnections(limits::kDefaultPort) ? EndpointState::taken : EndpointState::silent;
 }
 
 std::vector<Finding> checkEndpoint() {

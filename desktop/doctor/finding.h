@@ -1,4 +1,4 @@
-// What the doctor finds.
+// What the doctor finds, and where it looks.
 
 #pragma once
 
@@ -19,16 +19,9 @@ struct Finding {
 
 // Each looks at one thing and changes nothing. What cannot be looked at is a finding too.
 [[nodiscard]] std::vector<Finding> checkFolder(const Host& host);
-[[nodiscard]] std::vector<Finding> checkRecord(const Host& host);
-[[nodiscard]] std::vector<Finding> checkDesktop();
+[[nodiscard]] std::vector<Finding> checkHistory(const Host& host);
+[[nodiscard]] std::vector<Finding> checkWorkspace();
 [[nodiscard]] std::vector<Finding> checkClients(const Host& host);
 [[nodiscard]] std::vector<Finding> checkEndpoint();
-
-// What is at the port of our HTTP endpoint.
-enum class EndpointState { answers, silent, taken };
-[[nodiscard]] EndpointState endpointState();
-
-// The assistant applications that are registered, by the names to show.
-[[nodiscard]] std::vector<std::string> registeredClients(const Host& host);
 
 }  // namespace tessum

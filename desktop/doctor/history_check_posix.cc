@@ -1,4 +1,4 @@
-// The doctor's look at the record and its folder.
+// The doctor's look at the history and its folder.
 
 #include <unistd.h>
 
@@ -23,8 +23,8 @@ std::filesystem::path nearestExisting(std::filesystem::path path) {
   return path;
 }
 
-Finding openSessionsFinding(const Host& host, Record& record) {
-  auto open = record.openSessions();
+Finding openSessionsFinding(const Host& host, History& history) {
+  auto open = history.openSessions();
   if (currentSession(recorderState(host.locations), open)) open.pop_back();
   if (open.empty()) return {"Every session of the past has ended.", ""};
   const bool isOne = open.size() == 1;
@@ -51,27 +51,27 @@ std::vector<Finding> checkFolder(const Host& host) {
   return {{"The folder " + folder + " can be written to.", ""}};
 }
 
-std::vector<Finding> checkRecord(const Host& host) {
-  const std::string path = recordPath(host.locations);
+std::vector<Finding> checkHistory(const Host& host) {
+  const std::string path = historyPath(host.locations);
   std::vector<Finding> findings;
   try {
-    Record record(path, Record::Access::read);
-    const auto damage = record.damage();
+    History history(path, History::Access::read);
+    const auto damage = history.damage();
     for (const auto& sentence : damage) {
-      findings.push_back({"The record is damaged: " + sentence, remedyForDamage()});
+      findings.push_back({"The history is damaged: " + sentence, remedyForDamage()});
     }
     if (!damage.empty()) return findings;
     if (access(path.c_str(), W_OK) != 0) {
-      findings.push_back({"The record " + path + " is read-only.",
+      findings.push_back({"The history " + path + " is read-only.",
                           "Give yourself the right to write: chmod u+w \"" + path + "\""});
     } else {
-      findings.push_back({"The record " + path + " is sound.", ""});
+      findings.push_back({"The history " + path + " is sound.", ""});
     }
-    findings.push_back(openSessionsFinding(host, record));
-  } catch (const NoRecord&) {
-    findings.push_back({"There is no record yet; \"Tessum record\" begins one.", ""});
+    findings.push_back(openSessionsFinding(host, history));
+  } catch (const NoHistory&) {
+    findings.push_back({"There is no history yet; \"Tessum record\" begins one.", ""});
   } catch (const DatabaseError& error) {
-    findings.push_back({std::string("The record ") + path + ": " + error.what(), remedy(error)});
+    findings.push_back({std::string("The history ") + path + ": " + error.what(), remedy(error)});
   } catch (const std::system_error& error) {
     findings.push_back({error.what(), "Look at the file's permissions."});
   }

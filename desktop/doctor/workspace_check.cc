@@ -10,7 +10,7 @@
 
 namespace tessum {
 
-std::vector<Finding> checkDesktop() {
+std::vector<Finding> checkWorkspace() {
   std::vector<Finding> findings;
   const auto add = [&](const std::string& text) {
     findings.push_back(

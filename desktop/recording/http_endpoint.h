@@ -1,4 +1,4 @@
-// The record, offered to assistants over HTTP by a program that does something else besides.
+// The history, offered to assistants over HTTP by a program that does something else besides.
 
 #pragma once
 

@@ -47,7 +47,7 @@ FileLock lockOf(const std::string& folder) {
 // read-only or damaged, has to be found out before.
 std::shared_ptr<Database> writableStore(const std::string& path, const Calendar& calendar) {
   auto database = std::make_shared<Database>(path, calendar);
-  Record(path, Record::Access::write).tryWriting();
+  History(path, History::Access::write).tryWriting();
   return database;
 }
 
@@ -58,7 +58,7 @@ Recorder::Recorder(const Host& host)
       folder_(preparedFolder(host)),
       lock_(lockOf(folder_)),
       signals_(loop_, [this] { loop_.quit(); }),
-      database_(writableStore(recordPath(host.locations), host.calendar)),
+      database_(writableStore(historyPath(host.locations), host.calendar)),
       workspace_(openSystemWorkspace(loop_, [this](const auto& notice) { handle(notice); })),
       monitor_(database_, host.clock, *workspace_, loop_) {}
 

@@ -25,9 +25,9 @@ std::string totalText(std::span<const Activity> sessions, Date now) {
          counted(sessions.size(), "session");
 }
 
-std::string heading(const DayRecord& record, const Paper& paper) {
-  std::string text = toned(longDateText(record.day.start), Tone::strong, paper);
-  if (!record.sessions.empty()) text += "  " + totalText(record.sessions, record.now);
+std::string heading(const DayHistory& history, const Paper& paper) {
+  std::string text = toned(longDateText(history.day.start), Tone::strong, paper);
+  if (!history.sessions.empty()) text += "  " + totalText(history.sessions, history.now);
   return text + "\n";
 }
 
@@ -52,15 +52,15 @@ std::string usageTable(std::span<const Activity> sessions, Date now, const Paper
   return table.text(paper);
 }
 
-std::string notesTable(const DayRecord& record, const Paper& paper) {
+std::string notesTable(const DayHistory& history, const Paper& paper) {
   const auto momentText = [&](Date date) {
-    const bool isToday = date.secondsSince1970 >= record.day.start.secondsSince1970 &&
-                         date.secondsSince1970 < record.day.end.secondsSince1970;
+    const bool isToday = date.secondsSince1970 >= history.day.start.secondsSince1970 &&
+                         date.secondsSince1970 < history.day.end.secondsSince1970;
     return isToday ? clockText(date) : dateText(date) + " " + clockText(date);
   };
   Table table({right, right, right, left});
-  for (const Annotation& note : record.notes) {
-    const double seconds = secondsBetween(note.startedAt, note.endedAt.value_or(record.now));
+  for (const Annotation& note : history.notes) {
+    const double seconds = secondsBetween(note.startedAt, note.endedAt.value_or(history.now));
     table.addRow({{momentText(note.startedAt), Tone::faint},
                   {note.endedAt ? momentText(*note.endedAt) : "now", Tone::faint},
                   {durationText(seconds, DurationForm::longForm)},
@@ -71,11 +71,11 @@ std::string notesTable(const DayRecord& record, const Paper& paper) {
 
 }  // namespace
 
-DayRecord readDay(Record& record, const Host& host, Date day) {
+DayHistory readDay(History& history, const Host& host, Date day) {
   const DayRange range = host.calendar.dayOf(day);
   return {.day = range,
-          .sessions = record.sessionsBegunIn(range),
-          .notes = record.notesIn(range),
+          .sessions = history.sessionsBegunIn(range),
+          .notes = history.notesIn(range),
           .now = host.clock.now()};
 }
 
@@ -102,18 +102,18 @@ std::vector<AppUsageSummary> usageOf(std::span<const Activity> sessions, Date no
   return summaries;
 }
 
-std::string dayReport(const DayRecord& record, const Paper& paper) {
-  std::string text = heading(record, paper);
-  if (!record.notes.empty()) {
-    text += "\n" + toned("Notes", Tone::strong, paper) + "\n" + notesTable(record, paper);
+std::string dayReport(const DayHistory& history, const Paper& paper) {
+  std::string text = heading(history, paper);
+  if (!history.notes.empty()) {
+    text += "\n" + toned("Notes", Tone::strong, paper) + "\n" + notesTable(history, paper);
   }
-  if (record.sessions.empty()) return text + "\nNothing was recorded on this day.\n";
+  if (history.sessions.empty()) return text + "\nNothing was recorded on this day.\n";
 
   text += "\n" + toned("Applications", Tone::strong, paper) + "\n" +
-          usageTable(record.sessions, record.now, paper);
+          usageTable(history.sessions, history.now, paper);
   Table table({right, right, right, left, left});
-  for (const Activity& session : record.sessions) {
-    const double seconds = secondsUntil(record.now, session);
+  for (const Activity& session : history.sessions) {
+    const double seconds = secondsUntil(history.now, session);
     table.addRow({{clockText(session.startTime), Tone::faint},
                   {endText(session.endTime), Tone::faint},
                   {durationText(seconds, DurationForm::longForm)},
@@ -123,18 +123,18 @@ std::string dayReport(const DayRecord& record, const Paper& paper) {
   return text + "\n" + toned("Sessions", Tone::strong, paper) + "\n" + table.text(paper);
 }
 
-std::string usageReport(const DayRecord& record, const Paper& paper) {
-  const std::string text = heading(record, paper) + "\n";
-  if (record.sessions.empty()) return text + "Nothing was recorded on this day.\n";
-  return text + usageTable(record.sessions, record.now, paper);
+std::string usageReport(const DayHistory& history, const Paper& paper) {
+  const std::string text = heading(history, paper) + "\n";
+  if (history.sessions.empty()) return text + "Nothing was recorded on this day.\n";
+  return text + usageTable(history.sessions, history.now, paper);
 }
 
-std::string notesReport(const DayRecord& record, const Paper& paper) {
-  const std::string text = toned(longDateText(record.day.start), Tone::strong, paper) + "\n\n";
-  if (record.notes.empty()) {
+std::string notesReport(const DayHistory& history, const Paper& paper) {
+  const std::string text = toned(longDateText(history.day.start), Tone::strong, paper) + "\n\n";
+  if (history.notes.empty()) {
     return text + "There are no notes for this day. \"Tessum note TEXT\" makes one.\n";
   }
-  return text + notesTable(record, paper);
+  return text + notesTable(history, paper);
 }
 
 std::string searchReport(std::span<const Activity> sessions, Date now, const Paper& paper) {

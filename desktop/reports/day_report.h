@@ -15,7 +15,7 @@
 namespace tessum {
 
 // What one day holds, each list with the oldest first.
-struct DayRecord {
+struct DayHistory {
   DayRange day;
   std::vector<Activity> sessions;  // begun on the day
   std::vector<Annotation> notes;   // that overlap it
@@ -23,7 +23,7 @@ struct DayRecord {
 };
 
 // Reads the local day that holds `day`.
-[[nodiscard]] DayRecord readDay(Record& record, const Host& host, Date day);
+[[nodiscard]] DayHistory readDay(History& history, const Host& host, Date day);
 
 // Seconds of `session`, up to `now` while it is open.
 [[nodiscard]] double secondsUntil(Date now, const Activity& session);
@@ -33,9 +33,9 @@ struct DayRecord {
 
 // Each report is a heading and a line for each record, or a sentence where there are none, with a
 // line feed at the end.
-[[nodiscard]] std::string dayReport(const DayRecord& record, const Paper& paper);
-[[nodiscard]] std::string usageReport(const DayRecord& record, const Paper& paper);
-[[nodiscard]] std::string notesReport(const DayRecord& record, const Paper& paper);
+[[nodiscard]] std::string dayReport(const DayHistory& history, const Paper& paper);
+[[nodiscard]] std::string usageReport(const DayHistory& history, const Paper& paper);
+[[nodiscard]] std::string notesReport(const DayHistory& history, const Paper& paper);
 
 // The newest first, as it is found.
 [[nodiscard]] std::string searchReport(std::span<const Activity> sessions, Date now,

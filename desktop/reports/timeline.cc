@@ -143,17 +143,17 @@ std::string spanText(Date start, const std::optional<Date>& end, Date now) {
 // took: on a day when the clock is changed one is missing or drawn twice.
 class Scale {
  public:
-  Scale(const DayRecord& record) : start_(record.day.end), end_(record.day.start) {
-    for (const Activity& session : record.sessions) {
-      include(record, session.startTime, session.endTime.value_or(record.now));
+  Scale(const DayHistory& history) : start_(history.day.end), end_(history.day.start) {
+    for (const Activity& session : history.sessions) {
+      include(history, session.startTime, session.endTime.value_or(history.now));
     }
-    for (const Annotation& note : record.notes) {
+    for (const Annotation& note : history.notes) {
       // A note can go on for days; where it begins on this one it is shown.
-      include(record, note.startedAt, note.startedAt);
+      include(history, note.startedAt, note.startedAt);
     }
     if (start_.secondsSince1970 > end_.secondsSince1970) {
-      start_ = movedBy(record.day.start, 9 * kHour);
-      end_ = movedBy(record.day.start, 17 * kHour);
+      start_ = movedBy(history.day.start, 9 * kHour);
+      end_ = movedBy(history.day.start, 17 * kHour);
     }
     const WallTime begin = wallTime(start_);
     start_ = movedBy(start_, -(begin.minute * 60.0 + begin.second));
@@ -179,9 +179,9 @@ class Scale {
   }
 
  private:
-  void include(const DayRecord& record, Date start, Date end) {
-    const double first = record.day.start.secondsSince1970;
-    const double last = record.day.end.secondsSince1970;
+  void include(const DayHistory& history, Date start, Date end) {
+    const double first = history.day.start.secondsSince1970;
+    const double last = history.day.end.secondsSince1970;
     start_.secondsSince1970 =
         std::min(start_.secondsSince1970, std::clamp(start.secondsSince1970, first, last));
     end_.secondsSince1970 =
@@ -195,7 +195,7 @@ class Scale {
 // The applications of a day in the order of their totals. Those behind the last colour share a row.
 class Rows {
  public:
-  explicit Rows(const DayRecord& record) : summaries_(usageOf(record.sessions, record.now)) {}
+  explicit Rows(const DayHistory& history) : summaries_(usageOf(history.sessions, history.now)) {}
 
   [[nodiscard]] std::size_t count() const { return std::min(summaries_.size(), kColours + 1); }
 
@@ -237,10 +237,11 @@ class Rows {
 // Draws from the top down and keeps what it drew.
 class Drawing {
  public:
-  explicit Drawing(const DayRecord& record) : record_(record), scale_(record), rows_(record) {}
+  explicit Drawing(const DayHistory& history)
+      : history_(history), scale_(history), rows_(history) {}
 
   [[nodiscard]] std::string text() {
-    const bool hasNotes = !record_.notes.empty();
+    const bool hasNotes = !history_.notes.empty();
     const double noteTop = kAxisHeight;
     const double allTop = noteTop + (hasNotes ? kNoteHeight + kGap : 0);
     const double rowTop = allTop + kAllHeight + kGap;
@@ -269,11 +270,11 @@ class Drawing {
 
   void drawNotes(double top) {
     out_ += label(0, top + kNoteHeight / 2, "faint", "Notes");
-    for (const Annotation& note : record_.notes) {
+    for (const Annotation& note : history_.notes) {
       const double left = scale_.x(note.startedAt);
-      const double width = scale_.x(note.endedAt.value_or(record_.now)) - left;
+      const double width = scale_.x(note.endedAt.value_or(history_.now)) - left;
       const std::string tip =
-          escaped(note.text) + "\n" + spanText(note.startedAt, note.endedAt, record_.now);
+          escaped(note.text) + "\n" + spanText(note.startedAt, note.endedAt, history_.now);
       out_ += "<rect class=\"note\" rx=\"6\"" +
               box(left + 1, top, std::max(width - 2, kLeastSpan), kNoteHeight) + "><title>" + tip +
               "</title></rect>\n";
@@ -289,7 +290,7 @@ class Drawing {
   void drawAll(double top) {
     out_ += label(0, top + kAllHeight / 2, "faint", "All applications");
     drawLane(top, kAllHeight);
-    for (const Activity& session : record_.sessions) {
+    for (const Activity& session : history_.sessions) {
       drawSession(session, rows_.rowOf(session), top, kAllHeight);
     }
     out_ += label(kTotalsRight, top + kAllHeight / 2, "total",
@@ -305,7 +306,7 @@ class Drawing {
       out_ += "<rect class=\"" + rows_.styleOf(row) + "\" rx=\"3\"" + box(0, middle - 5, 10, 10) +
               "/>\n" + label(18, middle, "name", shortened(printable(rows_.nameOf(row)), 20));
       drawLane(barTop, kBarHeight);
-      for (const Activity& session : record_.sessions) {
+      for (const Activity& session : history_.sessions) {
         if (rows_.rowOf(session) == row) drawSession(session, row, barTop, kBarHeight);
       }
       const double seconds = rows_.secondsOf(row);
@@ -323,43 +324,44 @@ class Drawing {
 
   void drawSession(const Activity& session, std::size_t row, double top, double height) {
     const double left = scale_.x(session.startTime);
-    const double width = scale_.x(session.endTime.value_or(record_.now)) - left;
+    const double width = scale_.x(session.endTime.value_or(history_.now)) - left;
     const std::string title =
         session.title && !session.title->empty() ? "\n" + escaped(*session.title) : "";
     out_ += "<rect class=\"session " + rows_.styleOf(row) + "\"" +
             box(left, top, std::max(width, kLeastSpan), height) + "><title>" +
             escaped(session.appName) + title + "\n" +
-            spanText(session.startTime, session.endTime, record_.now) + "</title></rect>\n";
+            spanText(session.startTime, session.endTime, history_.now) + "</title></rect>\n";
   }
 
   void drawNow(double bottom) {
-    if (!scale_.contains(record_.now)) return;
-    const double x = scale_.x(record_.now);
+    if (!scale_.contains(history_.now)) return;
+    const double x = scale_.x(history_.now);
     out_ += "<line class=\"now\"" + measure("x1", x) + measure("x2", x) +
             measure("y1", kAxisHeight - 6) + measure("y2", bottom) + "><title>Now</title></line>\n";
   }
 
-  const DayRecord& record_;
+  const DayHistory& history_;
   const Scale scale_;
   const Rows rows_;
   std::string out_;
 };
 
-std::string summary(const DayRecord& record) {
-  if (record.sessions.empty()) return "Nothing was recorded on this day.";
-  const Rows rows(record);
+std::string summary(const DayHistory& history) {
+  if (history.sessions.empty()) return "Nothing was recorded on this day.";
+  const Rows rows(history);
   std::string text = durationText(rows.totalSeconds(), DurationForm::shortForm) + " in " +
-                     counted(record.sessions.size(), "session");
-  if (!record.notes.empty()) text += " · " + counted(record.notes.size(), "note");
+                     counted(history.sessions.size(), "session");
+  if (!history.notes.empty()) text += " · " + counted(history.notes.size(), "note");
   return text;
 }
 
 }  // namespace
 
-std::string timelinePage(const DayRecord& record) {
-  const std::string date = longDateText(record.day.start);
+std::string timelinePage(const DayHistory& history) {
+  const std::string date = longDateText(history.day.start);
   return kHead + ("<title>" + date + "</title>\n</head>\n<body>\n<main>\n<h1>") + date +
-         "</h1>\n<p>" + summary(record) + "</p>\n<div class=\"card\">\n" + Drawing(record).text() +
+         "</h1>\n<p>" + summary(history) + "</p>\n<div class=\"card\">\n" +
+         Drawing(history).text() +
          "</div>\n<footer>Point at a span for its title. Tessum made this page on your own "
          "computer; it loads nothing from elsewhere.</footer>\n</main>\n</body>\n</html>\n";
 }

@@ -12,6 +12,6 @@ namespace tessum {
 // one line, then a line for each application with its total beside it. Every span tells its title,
 // its times and its length when it is pointed at. The page follows the reader's choice of light or
 // dark, loads nothing and runs no script.
-[[nodiscard]] std::string timelinePage(const DayRecord& record);
+[[nodiscard]] std::string timelinePage(const DayHistory& history);
 
 }  // namespace tessum

@@ -46,9 +46,9 @@ User::User() {
                 {"TZ", "UTC"}};
 }
 
-Database User::record() const {
+Database User::database() const {
   std::filesystem::create_directories(dataFolder());
-  return Database(recordPath(), kCalendar);
+  return Database(historyPath(), kCalendar);
 }
 
 void User::addSession(const char* app, const char* title, const char* start,
@@ -57,7 +57,7 @@ void User::addSession(const char* app, const char* title, const char* start,
       .id = {}, .appName = app, .bundleID = {}, .title = {}, .startTime = at(start), .endTime = {}};
   if (title != nullptr) session.title = title;
   if (end != nullptr) session.endTime = at(end);
-  record().insert(session);
+  database().insert(session);
 }
 
 std::vector<std::string> User::environment() const {

@@ -35,12 +35,12 @@ class User {
 
   [[nodiscard]] std::string file(std::string_view name) const { return home_.file(name); }
   [[nodiscard]] std::string dataFolder() const { return file("data/Tessum"); }
-  [[nodiscard]] std::string recordPath() const { return dataFolder() + "/activities.db"; }
+  [[nodiscard]] std::string historyPath() const { return dataFolder() + "/activities.db"; }
 
-  // The user's record, made where it is missing.
-  [[nodiscard]] Database record() const;
+  // The user's history, made where it is missing.
+  [[nodiscard]] Database database() const;
 
-  // Adds a session to the record; `title` and `end` are null where it has none.
+  // Adds a session to the history; `title` and `end` are null where it has none.
   void addSession(const char* app, const char* title, const char* start, const char* end) const;
 
   // Starts the host program with `arguments`.

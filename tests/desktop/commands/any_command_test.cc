@@ -1,4 +1,4 @@
-// What holds for every command that works on the record: bad days, and a record that is missing,
+// What holds for every command that works on the history: bad days, and a history that is missing,
 // locked, damaged or read-only.
 
 #include <gtest/gtest.h>
@@ -50,10 +50,10 @@ const Command kWriters[] = {
     {"closeOpen", {"doctor", "--close-open", "10m"}},
 };
 
-// The picture is drawn into the folder of the record, so it needs more than reading.
+// The picture is drawn into the folder of the history, so it needs more than reading.
 const Command kTimeline{"timeline", {"timeline", "2025-03-04"}};
 
-// It has something to say without a record, too.
+// It has something to say without a history, too.
 const Command kStatus{"status", {"status"}};
 
 std::vector<Command> readersAnd(std::vector<Command> others) {
@@ -73,16 +73,16 @@ std::string nameOf(const testing::TestParamInfo<Command>& info) {
 }
 
 void fill(const User& user) {
-  Database record = user.record();
-  record.insert({.id = {},
-                 .appName = "Editor",
-                 .bundleID = {},
-                 .title = "x",
-                 .startTime = at("2025-03-04T09:00:00Z"),
-                 .endTime = {}});
-  record.insertAnnotation(
+  Database database = user.database();
+  database.insert({.id = {},
+                   .appName = "Editor",
+                   .bundleID = {},
+                   .title = "x",
+                   .startTime = at("2025-03-04T09:00:00Z"),
+                   .endTime = {}});
+  database.insertAnnotation(
       {.id = {}, .text = "Note", .startedAt = at("2025-03-04T09:00:00Z"), .endedAt = {}});
-  Sql(user.recordPath())
+  Sql(user.historyPath())
       .run(
           "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 499) "
           "INSERT INTO activities (app_name, title, start_time, end_time) "
@@ -101,7 +101,7 @@ class NeedsARecord : public testing::TestWithParam<Command> {};
 TEST_P(NeedsARecord, SaysThatThereIsNoneAndMakesNone) {
   const User user;
   const Outcome outcome = user.run(GetParam().argumentsOf(user));
-  expectFailure(outcome, "there is no record yet");
+  expectFailure(outcome, "there is no history yet");
   EXPECT_EQ(outcome.output, "");
   EXPECT_FALSE(std::filesystem::exists(Command::fileOf(user)));
   EXPECT_FALSE(std::filesystem::exists(user.dataFolder()));
@@ -117,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(Commands, NeedsARecord,
 TEST(ALockedRecord, IsSaidByEachCommandAndNotChanged) {
   const User user;
   fill(user);
-  Sql other(user.recordPath());
+  Sql other(user.historyPath());
   other.run("BEGIN EXCLUSIVE;");
   const auto commands = allCommands();
   std::vector<std::unique_ptr<ChildProcess>> programs;
@@ -141,13 +141,13 @@ class MeetsDamage : public testing::TestWithParam<Command> {};
 TEST_P(MeetsDamage, SaysSoInsteadOfShowingARest) {
   const User user;
   fill(user);
-  std::string bytes = readFile(user.recordPath());
+  std::string bytes = readFile(user.historyPath());
   constexpr std::size_t kPage = 4096;
   ASSERT_GT(bytes.size(), 12 * kPage);
   for (std::size_t i = kPage; i < bytes.size(); ++i) bytes[i] = '\x5a';
-  writeFile(user.recordPath(), bytes);
+  writeFile(user.historyPath(), bytes);
   expectFailure(user.run(GetParam().argumentsOf(user)), "malformed");
-  EXPECT_EQ(readFile(user.recordPath()), bytes);
+  EXPECT_EQ(readFile(user.historyPath()), bytes);
   EXPECT_FALSE(std::filesystem::exists(Command::fileOf(user)));
 }
 
@@ -159,9 +159,9 @@ TEST_P(MeetsAnotherFile, LeavesWhatIsNoDatabaseAlone) {
   const User user;
   std::filesystem::create_directories(user.dataFolder());
   const std::string letter(5000, 'a');
-  writeFile(user.recordPath(), letter);
+  writeFile(user.historyPath(), letter);
   expectFailure(user.run(GetParam().argumentsOf(user)), "not a database");
-  EXPECT_EQ(readFile(user.recordPath()), letter);
+  EXPECT_EQ(readFile(user.historyPath()), letter);
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, MeetsAnotherFile, testing::ValuesIn(allCommands()), nameOf);
@@ -171,7 +171,7 @@ class ReadsWhatIsReadOnly : public testing::TestWithParam<Command> {};
 TEST_P(ReadsWhatIsReadOnly, LikeAnyOther) {
   const User user;
   fill(user);
-  chmod(user.recordPath().c_str(), 0400);
+  chmod(user.historyPath().c_str(), 0400);
   chmod(user.dataFolder().c_str(), 0500);
   const Outcome outcome = user.runWithoutPowers(GetParam().argumentsOf(user));
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
@@ -196,12 +196,12 @@ TEST_P(WritesToWhatIsReadOnly, SaysSoAndChangesNothing) {
   const User user;
   fill(user);
   writeFile(user.dataFolder() + "/recorder.lock", "");  // of an earlier recorder
-  const std::string before = readFile(user.recordPath());
-  chmod(user.recordPath().c_str(), 0400);
+  const std::string before = readFile(user.historyPath());
+  chmod(user.historyPath().c_str(), 0400);
   chmod(user.dataFolder().c_str(), 0500);
   expectFailure(user.runWithoutPowers(GetParam().argumentsOf(user)), "readonly database");
   chmod(user.dataFolder().c_str(), 0700);
-  EXPECT_EQ(readFile(user.recordPath()), before);
+  EXPECT_EQ(readFile(user.historyPath()), before);
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, WritesToWhatIsReadOnly, testing::ValuesIn(kWriters), nameOf);

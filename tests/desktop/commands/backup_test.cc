@@ -12,8 +12,8 @@ namespace {
 class Backup : public testing::Test {
  protected:
   Backup() {
-    { const Database made = user.record(); }
-    Sql(user.recordPath())
+    { const Database made = user.database(); }
+    Sql(user.historyPath())
         .run(
             "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 299) "
             "INSERT INTO activities (app_name, title, start_time) "
@@ -36,7 +36,7 @@ TEST_F(Backup, IsTheWholeRecordForTheUserAlone) {
 }
 
 TEST_F(Backup, GoesOnWhileAnotherOneReadsAndIsInTheMiddleOfWriting) {
-  Sql other(user.recordPath());
+  Sql other(user.historyPath());
   other.run("BEGIN IMMEDIATE; DELETE FROM activities;");
   const std::string copy = user.file("copy.db");
   EXPECT_EQ(user.run({"backup", copy}).status, 0);
@@ -50,14 +50,14 @@ TEST_F(Backup, LeavesAFileThatExistsAlone) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.errors.find("File exists"), std::string::npos) << outcome.errors;
   EXPECT_EQ(readFile(copy), "precious");
-  EXPECT_EQ(user.run({"backup", user.recordPath()}).status, 1);
-  EXPECT_EQ(Sql(user.recordPath()).row("SELECT COUNT(*) FROM activities"), "300");
+  EXPECT_EQ(user.run({"backup", user.historyPath()}).status, 1);
+  EXPECT_EQ(Sql(user.historyPath()).row("SELECT COUNT(*) FROM activities"), "300");
 }
 
 TEST_F(Backup, LeavesNothingBehindWhenItFails) {
   const std::string copy = user.file("copy.db");
   {
-    Sql other(user.recordPath());
+    Sql other(user.historyPath());
     other.run("BEGIN EXCLUSIVE;");
     const Outcome outcome = user.run({"backup", copy});
     EXPECT_EQ(outcome.status, 1);
@@ -65,9 +65,9 @@ TEST_F(Backup, LeavesNothingBehindWhenItFails) {
   }
   EXPECT_FALSE(std::filesystem::exists(copy));
 
-  std::string bytes = readFile(user.recordPath());
+  std::string bytes = readFile(user.historyPath());
   for (std::size_t i = 4096; i < bytes.size(); ++i) bytes[i] = '\x5a';
-  writeFile(user.recordPath(), bytes);
+  writeFile(user.historyPath(), bytes);
   EXPECT_EQ(user.run({"backup", copy}).status, 1);
   EXPECT_FALSE(std::filesystem::exists(copy));
 

@@ -11,20 +11,20 @@ namespace {
 class Export : public testing::Test {
  protected:
   Export() {
-    Database record = user.record();
-    record.insert({.id = {},
-                   .appName = "Editor, \"the best\"",
-                   .bundleID = "org.example.editor",
-                   .title = "two\nlines",
-                   .startTime = at("2025-03-04T09:00:00Z"),
-                   .endTime = Date{at("2025-03-04T09:00:30Z").secondsSince1970 + 0.25}});
-    record.insert({.id = {},
-                   .appName = "Browser",
-                   .bundleID = {},
-                   .title = {},
-                   .startTime = at("2025-03-05T23:00:00Z"),
-                   .endTime = {}});
-    record.insertAnnotation(
+    Database database = user.database();
+    database.insert({.id = {},
+                     .appName = "Editor, \"the best\"",
+                     .bundleID = "org.example.editor",
+                     .title = "two\nlines",
+                     .startTime = at("2025-03-04T09:00:00Z"),
+                     .endTime = Date{at("2025-03-04T09:00:30Z").secondsSince1970 + 0.25}});
+    database.insert({.id = {},
+                     .appName = "Browser",
+                     .bundleID = {},
+                     .title = {},
+                     .startTime = at("2025-03-05T23:00:00Z"),
+                     .endTime = {}});
+    database.insertAnnotation(
         {.id = {}, .text = "Work", .startedAt = at("2025-03-05T08:00:00Z"), .endedAt = {}});
   }
 
@@ -57,7 +57,7 @@ TEST_F(Export, JsonIsOneObjectOfTheRecords) {
 
 TEST_F(Export, AnEmptyRecordIsStillAnObject) {
   const User other;
-  { const Database made = other.record(); }
+  { const Database made = other.database(); }
   const json::Value document = json::parse(other.run({"export", "--format", "json"}).output);
   EXPECT_TRUE(document.object()->at("activities").array()->empty());
   EXPECT_TRUE(document.object()->at("annotations").array()->empty());
@@ -90,7 +90,7 @@ TEST_F(Export, ALastDayBeforeTheFirstIsAMistake) {
 
 // More rows than one step reads, many of them with the same begin.
 TEST_F(Export, EveryRowOfALongRecordComesOnce) {
-  Sql(user.recordPath())
+  Sql(user.historyPath())
       .run(
           "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 4499) "
           "INSERT INTO activities (app_name, start_time) "

@@ -9,18 +9,18 @@ namespace {
 class Forget : public testing::Test {
  protected:
   Forget() {
-    Database record = user.record();
+    Database database = user.database();
     user.addSession("Editor", "Secret_plan", "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
     user.addSession("Editor", "other", "2025-03-05T09:00:00Z", "2025-03-05T09:30:00Z");
     user.addSession("Browser", "the SECRET_PLAN", "2025-03-05T10:00:00Z", "2025-03-05T10:30:00Z");
     user.addSession("Browser", "SecretXplan", "2025-03-06T10:00:00Z", "2025-03-06T10:30:00Z");
-    record.insertAnnotation(
+    database.insertAnnotation(
         {.id = {}, .text = "Work", .startedAt = at("2025-03-05T08:00:00Z"), .endedAt = {}});
   }
 
   // What is left: the numbers of sessions and of notes.
   std::string left() {
-    return Sql(user.recordPath())
+    return Sql(user.historyPath())
         .row("SELECT (SELECT COUNT(*) FROM activities), (SELECT COUNT(*) FROM annotations)");
   }
 
@@ -46,7 +46,7 @@ TEST_F(Forget, TheEndOfTheInputSaysNo) {
 
 TEST_F(Forget, AnApplicationIsMeantByItsExactName) {
   EXPECT_EQ(user.run({"forget", "--app", "edit", "--yes"}).output,
-            "Nothing of that kind is in the record.\n");
+            "Nothing of that kind is in the history.\n");
   const Outcome outcome = user.run({"forget", "--app", "Editor", "--yes"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.output,
@@ -58,7 +58,7 @@ TEST_F(Forget, AnApplicationIsMeantByItsExactName) {
 TEST_F(Forget, ATitleIsMeantAsItIsWritten) {
   EXPECT_EQ(user.run({"forget", "--title", "secret_plan", "--yes"}).status, 0);
   EXPECT_EQ(left(), "2|1");
-  EXPECT_EQ(Sql(user.recordPath()).row("SELECT title FROM activities WHERE app_name = 'Browser'"),
+  EXPECT_EQ(Sql(user.historyPath()).row("SELECT title FROM activities WHERE app_name = 'Browser'"),
             "SecretXplan");
 }
 
@@ -71,9 +71,9 @@ TEST_F(Forget, ConditionsNarrowEachOther) {
 }
 
 TEST_F(Forget, NoByteOfItStaysInTheFile) {
-  ASSERT_NE(readFile(user.recordPath()).find("Secret_plan"), std::string::npos);
+  ASSERT_NE(readFile(user.historyPath()).find("Secret_plan"), std::string::npos);
   ASSERT_EQ(user.run({"forget", "--app", "Editor", "--yes"}).status, 0);
-  EXPECT_EQ(readFile(user.recordPath()).find("Secret_plan"), std::string::npos);
+  EXPECT_EQ(readFile(user.historyPath()).find("Secret_plan"), std::string::npos);
 }
 
 TEST_F(Forget, NothingIsForgottenUnlessItIsNamed) {

@@ -13,7 +13,7 @@ TEST(Note, BeginsTheRecordWhereThereIsNone) {
   const Outcome outcome = user.run({"note", "  Fixing bug \n"});
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_TRUE(outcome.output.starts_with("Note started: Fixing bug (since ")) << outcome.output;
-  const auto current = user.record().currentAnnotation();
+  const auto current = user.database().currentAnnotation();
   ASSERT_TRUE(current);
   EXPECT_EQ(current->text, "Fixing bug");
 }
@@ -22,7 +22,7 @@ TEST(Note, StartsInThePastAndEndsTheOneBefore) {
   const User user;
   ASSERT_EQ(user.run({"note", "first", "--for", "3h"}).status, 0);
   ASSERT_EQ(user.run({"note", "second", "--for", "1h30m"}).status, 0);
-  Sql sql(user.recordPath());
+  Sql sql(user.historyPath());
   EXPECT_EQ(sql.row("SELECT text FROM annotations WHERE ended_at IS NULL"), "second");
   EXPECT_EQ(sql.row("SELECT a.ended_at = b.started_at FROM annotations a, annotations b "
                     "WHERE a.text = 'first' AND b.text = 'second'"),
@@ -38,7 +38,7 @@ TEST(Note, EndsTheCurrentOne) {
   const Outcome outcome = user.run({"note", "--end"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.output, "Note ended: Fixing bug\n");
-  EXPECT_FALSE(user.record().currentAnnotation());
+  EXPECT_FALSE(user.database().currentAnnotation());
   EXPECT_EQ(user.run({"note", "--end"}).output, "There is no note to end.\n");
 }
 
@@ -58,7 +58,7 @@ TEST_P(BadNotes, ChangeNothing) {
   EXPECT_EQ(outcome.output, "");
   EXPECT_TRUE(outcome.errors.starts_with("Tessum: ")) << outcome.errors;
   EXPECT_NE(outcome.errors.find(GetParam().complaint), std::string::npos) << outcome.errors;
-  const auto current = user.record().currentAnnotation();
+  const auto current = user.database().currentAnnotation();
   ASSERT_TRUE(current);
   EXPECT_EQ(current->text, "before");
 }
@@ -79,7 +79,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Note, KeepsTextThatIsNotUtf8Readable) {
   const User user;
   ASSERT_EQ(user.run({"note", "caf\xE9"}).status, 0);
-  EXPECT_EQ(user.record().currentAnnotation()->text, "caf\uFFFD");
+  EXPECT_EQ(user.database().currentAnnotation()->text, "caf\uFFFD");
 }
 
 }  // namespace

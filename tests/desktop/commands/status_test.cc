@@ -10,12 +10,12 @@ namespace tessum {
 namespace {
 
 void addOpenSession(const User& user) {
-  user.record().insert({.id = {},
-                        .appName = "Editor",
-                        .bundleID = {},
-                        .title = "main.cc",
-                        .startTime = SystemClock().now(),
-                        .endTime = {}});
+  user.database().insert({.id = {},
+                          .appName = "Editor",
+                          .bundleID = {},
+                          .title = "main.cc",
+                          .startTime = SystemClock().now(),
+                          .endTime = {}});
 }
 
 TEST(Status, OfAFreshMachineSaysThatThereIsNoRecordAndMakesNone) {
@@ -37,7 +37,7 @@ TEST(Status, ShowsTheSessionThatTheRecorderIsInTheMiddleOf) {
   EXPECT_TRUE(contains(outcome.output, "Recording  yes, since "));
   EXPECT_TRUE(contains(outcome.output, "Editor – main.cc, since "));
   EXPECT_TRUE(contains(outcome.output, "Fixing bug, since "));
-  EXPECT_TRUE(contains(outcome.output, user.recordPath() + ", "));
+  EXPECT_TRUE(contains(outcome.output, user.historyPath() + ", "));
   EXPECT_TRUE(contains(outcome.output, " kB"));
 }
 
@@ -53,7 +53,7 @@ TEST(Status, DoesNotTakeASessionOfAPastRunForTheCurrentOne) {
 TEST(Status, FailsWhereTheRecordCannotBeRead) {
   const User user;
   addOpenSession(user);
-  Sql other(user.recordPath());
+  Sql other(user.historyPath());
   other.run("BEGIN EXCLUSIVE;");
   const Outcome outcome = user.run({"status"});
   EXPECT_EQ(outcome.status, 1);

@@ -18,13 +18,13 @@ TEST(Doctor, FindsTheRecordSound) {
   const Outcome outcome = user.run({"doctor"});
   EXPECT_TRUE(
       contains(outcome.output, "ok   The folder " + user.dataFolder() + " can be written to."));
-  EXPECT_TRUE(contains(outcome.output, "ok   The record " + user.recordPath() + " is sound."));
+  EXPECT_TRUE(contains(outcome.output, "ok   The history " + user.historyPath() + " is sound."));
   EXPECT_TRUE(contains(outcome.output, "ok   Every session of the past has ended."));
 }
 
 TEST(Doctor, FindsNothingWrongWithARecordThatIsYetToCome) {
   const User user;
-  EXPECT_TRUE(contains(user.run({"doctor"}).output, "ok   There is no record yet"));
+  EXPECT_TRUE(contains(user.run({"doctor"}).output, "ok   There is no history yet"));
   EXPECT_FALSE(std::filesystem::exists(user.dataFolder()));
 }
 
@@ -51,9 +51,9 @@ TEST(Doctor, FindsAFileInThePlaceOfTheFolder) {
 TEST(Doctor, FindsARecordThatIsReadOnlyOrCannotBeRead) {
   const User user;
   user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
-  chmod(user.recordPath().c_str(), 0400);
+  chmod(user.historyPath().c_str(), 0400);
   EXPECT_TRUE(contains(user.runWithoutPowers({"doctor"}).output, "is read-only."));
-  chmod(user.recordPath().c_str(), 0);
+  chmod(user.historyPath().c_str(), 0);
   const Outcome outcome = user.runWithoutPowers({"doctor"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(contains(outcome.output, "unable to open database file"));
@@ -63,12 +63,12 @@ TEST(Doctor, FindsARecordThatIsReadOnlyOrCannotBeRead) {
 TEST(Doctor, FindsALock) {
   const User user;
   user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
-  Sql other(user.recordPath());
+  Sql other(user.historyPath());
   other.run("BEGIN EXCLUSIVE;");
   const Outcome outcome = user.run({"doctor"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(contains(outcome.output, "database is locked"));
-  EXPECT_TRUE(contains(outcome.output, "Another program is using the record."));
+  EXPECT_TRUE(contains(outcome.output, "Another program is using the history."));
 }
 
 TEST(Doctor, FindsDamage) {
@@ -76,7 +76,7 @@ TEST(Doctor, FindsDamage) {
   user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
   {
     // An index that lacks a row: reading goes on as if nothing were wrong.
-    Sql sql(user.recordPath());
+    Sql sql(user.historyPath());
     sql.run(
         "PRAGMA writable_schema = ON;"
         "UPDATE sqlite_master SET rootpage = (SELECT rootpage FROM sqlite_master WHERE name = "
@@ -84,7 +84,7 @@ TEST(Doctor, FindsDamage) {
   }
   const Outcome outcome = user.run({"doctor"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_TRUE(contains(outcome.output, "BAD  The record is damaged: "));
+  EXPECT_TRUE(contains(outcome.output, "BAD  The history is damaged: "));
   EXPECT_TRUE(contains(outcome.output, "Tessum backup"));
 }
 
@@ -158,7 +158,7 @@ class OpenSessions : public testing::Test {
   }
 
   std::string endOf(const std::string& app) {
-    return Sql(user.recordPath())
+    return Sql(user.historyPath())
         .row("SELECT strftime('%H:%M', end_time, 'unixepoch') FROM activities WHERE app_name = '" +
              app + "'");
   }

@@ -12,36 +12,36 @@ namespace {
 class Reports : public testing::Test {
  protected:
   Reports() {
-    Database record = user.record();
-    record.insert({.id = {},
-                   .appName = "Editor",
-                   .bundleID = "org.example.editor",
-                   .title = "main.cc",
-                   .startTime = at("2025-03-04T09:15:00Z"),
-                   .endTime = at("2025-03-04T10:15:00Z")});
-    record.insert({.id = {},
-                   .appName = "Browser",
-                   .bundleID = {},
-                   .title = "Pull request 42",
-                   .startTime = at("2025-03-04T10:15:00Z"),
-                   .endTime = at("2025-03-04T10:45:00Z")});
-    record.insert({.id = {},
-                   .appName = "Editor",
-                   .bundleID = "org.example.editor",
-                   .title = {},
-                   .startTime = at("2025-03-04T23:50:00Z"),
-                   .endTime = at("2025-03-05T00:20:00Z")});
-    record.insert({.id = {},
-                   .appName = "Terminal",
-                   .bundleID = {},
-                   .title = "make",
-                   .startTime = at("2025-03-05T08:00:00Z"),
-                   .endTime = at("2025-03-05T08:00:42Z")});
-    record.insertAnnotation({.id = {},
-                             .text = "Review of the budget",
-                             .startedAt = at("2025-03-04T09:00:00Z"),
-                             .endedAt = {}});
-    record.endCurrentAnnotation(at("2025-03-04T10:30:00Z"));
+    Database database = user.database();
+    database.insert({.id = {},
+                     .appName = "Editor",
+                     .bundleID = "org.example.editor",
+                     .title = "main.cc",
+                     .startTime = at("2025-03-04T09:15:00Z"),
+                     .endTime = at("2025-03-04T10:15:00Z")});
+    database.insert({.id = {},
+                     .appName = "Browser",
+                     .bundleID = {},
+                     .title = "Pull request 42",
+                     .startTime = at("2025-03-04T10:15:00Z"),
+                     .endTime = at("2025-03-04T10:45:00Z")});
+    database.insert({.id = {},
+                     .appName = "Editor",
+                     .bundleID = "org.example.editor",
+                     .title = {},
+                     .startTime = at("2025-03-04T23:50:00Z"),
+                     .endTime = at("2025-03-05T00:20:00Z")});
+    database.insert({.id = {},
+                     .appName = "Terminal",
+                     .bundleID = {},
+                     .title = "make",
+                     .startTime = at("2025-03-05T08:00:00Z"),
+                     .endTime = at("2025-03-05T08:00:42Z")});
+    database.insertAnnotation({.id = {},
+                               .text = "Review of the budget",
+                               .startedAt = at("2025-03-04T09:00:00Z"),
+                               .endedAt = {}});
+    database.endCurrentAnnotation(at("2025-03-04T10:30:00Z"));
   }
 
   User user;
@@ -136,12 +136,12 @@ TEST_F(Reports, ADayWithoutRecordsSaysSo) {
 
 TEST_F(Reports, TodayIsTheDayUnlessAnotherIsNamed) {
   const Date now = SystemClock().now();
-  user.record().insert({.id = {},
-                        .appName = "Ongoing",
-                        .bundleID = {},
-                        .title = {},
-                        .startTime = now,
-                        .endTime = {}});
+  user.database().insert({.id = {},
+                          .appName = "Ongoing",
+                          .bundleID = {},
+                          .title = {},
+                          .startTime = now,
+                          .endTime = {}});
   EXPECT_TRUE(contains(user.run({"day"}).output, "now"));
   EXPECT_TRUE(contains(user.run({"day", "today"}).output, "Ongoing"));
   EXPECT_FALSE(contains(user.run({"day", "yesterday"}).output, "Ongoing"));
@@ -158,23 +158,23 @@ TEST_F(Reports, ColumnsLineUpUnderWideAndCombiningCharacters) {
 }
 
 TEST_F(Reports, ATitleCannotCommandTheTerminal) {
-  user.record().insert({.id = {},
-                        .appName = "Evil",
-                        .bundleID = {},
-                        .title = "a\x1b[2Jb\nc\x07\u202Ed",
-                        .startTime = at("2025-06-01T08:00:00Z"),
-                        .endTime = at("2025-06-01T09:00:00Z")});
+  user.database().insert({.id = {},
+                          .appName = "Evil",
+                          .bundleID = {},
+                          .title = "a\x1b[2Jb\nc\x07\u202Ed",
+                          .startTime = at("2025-06-01T08:00:00Z"),
+                          .endTime = at("2025-06-01T09:00:00Z")});
   const std::string output = user.run({"day", "2025-06-01"}).output;
   EXPECT_TRUE(contains(output, "Evil  a\uFFFD[2Jb c\uFFFD\uFFFDd\n"));
 }
 
 TEST_F(Reports, ATerminalGetsColourAndLinesThatFit) {
-  user.record().insert({.id = {},
-                        .appName = "Long",
-                        .bundleID = {},
-                        .title = std::string(200, 'x'),
-                        .startTime = at("2025-06-01T08:00:00Z"),
-                        .endTime = at("2025-06-01T09:00:00Z")});
+  user.database().insert({.id = {},
+                          .appName = "Long",
+                          .bundleID = {},
+                          .title = std::string(200, 'x'),
+                          .startTime = at("2025-06-01T08:00:00Z"),
+                          .endTime = at("2025-06-01T09:00:00Z")});
   const Outcome coloured = user.runOnTerminal({"day", "2025-06-01"}, 60);
   EXPECT_EQ(coloured.status, 0);
   EXPECT_TRUE(contains(coloured.output, "\x1b[1mLong\x1b[0m"));
@@ -191,15 +191,15 @@ TEST_F(Reports, ATerminalGetsColourAndLinesThatFit) {
 
 TEST_F(Reports, UsageAgreesWithTheToolsOnADayOfManyApplications) {
   {
-    Database record = user.record();
+    Database database = user.database();
     for (int i = 0; i < 60; ++i) {
       const double start = at("2025-07-01T08:00:00Z").secondsSince1970 + i * 600.0;
-      record.insert({.id = {},
-                     .appName = "App" + std::to_string(i % 7),
-                     .bundleID = i % 2 == 0 ? std::optional<std::string>("id") : std::nullopt,
-                     .title = {},
-                     .startTime = {start},
-                     .endTime = Date{start + 60.0 * (i % 11)}});
+      database.insert({.id = {},
+                       .appName = "App" + std::to_string(i % 7),
+                       .bundleID = i % 2 == 0 ? std::optional<std::string>("id") : std::nullopt,
+                       .title = {},
+                       .startTime = {start},
+                       .endTime = Date{start + 60.0 * (i % 11)}});
     }
   }
   const auto people = linesOf(user.run({"usage", "2025-07-01"}).output);

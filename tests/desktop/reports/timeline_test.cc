@@ -22,15 +22,15 @@ constexpr char kMarkupEscaped[] =
 class Timeline : public testing::Test {
  protected:
   Timeline() {
-    Database record = user.record();
+    Database database = user.database();
     user.addSession("Editor", "main.cc", "2025-03-04T09:00:00Z", "2025-03-04T11:00:00Z");
     user.addSession("Browser", kMarkup, "2025-03-04T11:00:00Z", "2025-03-04T12:00:00Z");
     user.addSession("Editor", "day.cc", "2025-03-04T12:30:00Z", "2025-03-04T13:00:00Z");
-    record.insertAnnotation({.id = {},
-                             .text = "Review of the budget",
-                             .startedAt = at("2025-03-04T09:00:00Z"),
-                             .endedAt = {}});
-    record.endCurrentAnnotation(at("2025-03-04T10:00:00Z"));
+    database.insertAnnotation({.id = {},
+                               .text = "Review of the budget",
+                               .startedAt = at("2025-03-04T09:00:00Z"),
+                               .endedAt = {}});
+    database.endCurrentAnnotation(at("2025-03-04T10:00:00Z"));
   }
 
   std::string page(const std::string& day = "2025-03-04") {
@@ -62,7 +62,7 @@ TEST_F(Timeline, KeepsMarkupInATitleText) {
 TEST_F(Timeline, NamesNothingThatCouldBeFetched) {
   std::string html = page();
   EXPECT_TRUE(contains(html, "content=\"default-src 'none'; style-src 'unsafe-inline'\""));
-  // The title with markup is text of the record; what is left is the page's own.
+  // The title with markup is text of the history; what is left is the page's own.
   for (std::size_t begin = 0; (begin = html.find(kMarkupEscaped)) != std::string::npos;) {
     html.erase(begin, sizeof kMarkupEscaped - 1);
   }

@@ -1,0 +1,22 @@
+// Reads the rows of a statement to their end, with every failure reported. For History alone.
+
+#pragma once
+
+#include <vector>
+
+#include "core/store/records.h"
+#include "core/store/statement.h"
+
+namespace tessum {
+
+// Throws DatabaseError unless the last read of `db` came to its end: a Statement stops at an error
+// as it stops after the last row.
+void requireComplete(sqlite3* db);
+
+// The statement's columns must be id, app_name, bundle_id, title, start_time, end_time.
+[[nodiscard]] std::vector<Activity> readSessions(Statement& statement, sqlite3* db);
+
+// The statement's columns must be id, text, started_at, ended_at.
+[[nodiscard]] std::vector<Annotation> readNotes(Statement& statement, sqlite3* db);
+
+}  // namespace tessum

@@ -1,0 +1,198 @@
+// The part of History that checks, mends, copies and deletes.
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "core/store/history.h"
+#include "core/store/history_rows.h"
+
+namespace tessum {
+namespace {
+
+// Takes back what was written since it was begun, unless it is kept.
+class Transaction {
+ public:
+  explicit Transaction(sqlite3* db) : db_(db) { Statement(db_, "BEGIN IMMEDIATE;").execute(); }
+  ~Transaction() {
+    if (sqlite3_get_autocommit(db_) == 0) {
+      sqlite3_exec(db_, "ROLLBACK;", nullptr, nullptr, nullptr);
+    }
+  }
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+
+  void keep() { Statement(db_, "COMMIT;").execute(); }
+
+ private:
+  sqlite3* db_;
+};
+
+std::vector<std::string> checkIntegrity(sqlite3* db) {
+  std::vector<std::string> findings;
+  Statement statement(db, "PRAGMA integrity_check(5);");
+  while (statement.nextRow()) findings.push_back(statement.text(0));
+  requireComplete(db);
+  if (findings.size() == 1 && findings.front() == "ok") findings.clear();
+  return findings;
+}
+
+}  // namespace
+
+std::vector<std::string> History::damage() {
+  // A copy is checked, as the check holds the lock for as long as it takes.
+  sqlite3* copy = nullptr;
+  const int result = sqlite3_open(":memory:", &copy);
+  const Connection owned(copy);
+  if (result != SQLITE_OK) throw DatabaseError::openFailed("out of memory");
+  copyInto(copy);
+  return checkIntegrity(copy);
+}
+
+constexpr char kTrial[] = "INSERT INTO activities (app_name, start_time) VALUES ('', 0);";
+
+void History::tryWriting() {
+  const Transaction transaction(db_.get());
+  Statement(db_.get(), kTrial).execute();
+}
+
+constexpr char kEndSession[] =
+    "UPDATE activities SET end_time = ? WHERE id = ? AND end_time IS NULL;";
+
+void History::endSession(std::int64_t id, Date end) {
+  Statement(db_.get(), kEndSession).bind(end).bindRowID(id).execute();
+}
+
+// Page by page, with the lock released in between: a change made meanwhile begins the copy anew.
+void History::copyInto(sqlite3* target) {
+  struct Finish {
+    void operator()(sqlite3_backup* backup) const noexcept { sqlite3_backup_finish(backup); }
+  };
+  constexpr int kPagesPerStep = 256;
+  constexpr int kPauseMilliseconds = 5;
+  constexpr int kMostPauses = kLockPatienceMilliseconds / kPauseMilliseconds;
+
+  std::unique_ptr<sqlite3_backup, Finish> backup(
+      sqlite3_backup_init(target, "main", db_.get(), "main"));
+  if (backup == nullptr) throw DatabaseError::executionFailed(sqlite3_errmsg(target));
+  int result = SQLITE_OK;
+  for (int pauses = 0; result != SQLITE_DONE;) {
+    result = sqlite3_backup_step(backup.get(), kPagesPerStep);
+    if (result == SQLITE_OK || result == SQLITE_DONE) continue;
+    const bool isLocked = result == SQLITE_BUSY || result == SQLITE_LOCKED;
+    if (!isLocked || ++pauses > kMostPauses) {
+      throw DatabaseError::executionFailed(sqlite3_errstr(result));
+    }
+    sqlite3_sleep(kPauseMilliseconds);
+  }
+}
+
+void History::copyTo(const std::string& path) {
+  // The file is made here, for the user alone; SQLite takes an empty one for an empty database.
+  const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (file < 0) throw std::system_error(errno, std::generic_category(), "cannot create " + path);
+  close(file);
+  struct Remove {
+    const std::string& path;
+    bool isKept = false;
+    ~Remove() {
+      if (!isKept) unlink(path.c_str());
+    }
+  } unfinished{path};
+
+  sqlite3* copy = nullptr;
+  const int result = sqlite3_open_v2(path.c_str(), &copy, SQLITE_OPEN_READWRITE, nullptr);
+  const Connection owned(copy);
+  if (result != SQLITE_OK) {
+    throw DatabaseError::openFailed(copy == nullptr ? "out of memory" : sqlite3_errmsg(copy));
+  }
+  copyInto(copy);
+  if (!checkIntegrity(copy).empty()) {
+    throw DatabaseError::executionFailed(sqlite3_errstr(SQLITE_CORRUPT));
+  }
+  unfinished.isKept = true;
+}
+
+constexpr char kSelectSessions[] =
+    R"(SELECT COUNT(*), MIN(start_time), MAX(start_time), MAX(id),
+       COALESCE(SUM(end_time - start_time), 0)
+FROM activities
+WHERE start_time >= ? AND start_time < ?
+  AND (?3 IS NULL OR app_name = ?3)
+  AND (?4 IS NULL OR instr(lower(title), lower(?4)) > 0);)";
+
+constexpr char kSelectNotes[] =
+    R"(SELECT COUNT(*), MIN(started_at), MAX(started_at), MAX(id)
+FROM annotations
+WHERE started_at >= ? AND started_at < ?;)";
+
+Selected History::select(const Selection& selection) {
+  Selected selected;
+  const auto widen = [&](Date first, Date last) {
+    if (!selected.first || first.secondsSince1970 < selected.first->secondsSince1970) {
+      selected.first = first;
+    }
+    if (!selected.last || last.secondsSince1970 > selected.last->secondsSince1970) {
+      selected.last = last;
+    }
+  };
+  const DayRange range = selection.begun.value_or(kAllTimes);
+  Statement sessions(db_.get(), kSelectSessions);
+  sessions.bind(range.start).bind(range.end);
+  sessions.bind(selection.appName).bind(selection.titlePart);
+  while (sessions.nextRow()) {
+    selected.sessions = sessions.rowID(0);
+    if (selected.sessions == 0) continue;
+    widen(sessions.date(1), sessions.date(2));
+    selected.lastSession = sessions.rowID(3);
+    selected.seconds = sessions.real(4);
+  }
+  requireComplete(db_.get());
+  if (!selection.includesNotes()) return selected;
+  Statement notes(db_.get(), kSelectNotes);
+  notes.bind(range.start).bind(range.end);
+  while (notes.nextRow()) {
+    selected.notes = notes.rowID(0);
+    if (selected.notes == 0) continue;
+    widen(notes.date(1), notes.date(2));
+    selected.lastNote = notes.rowID(3);
+  }
+  requireComplete(db_.get());
+  return selected;
+}
+
+constexpr char kForgetSessions[] =
+    R"(DELETE FROM activities
+WHERE start_time >= ? AND start_time < ?
+  AND (?3 IS NULL OR app_name = ?3)
+  AND (?4 IS NULL OR instr(lower(title), lower(?4)) > 0)
+  AND id <= ?5;)";
+
+constexpr char kForgetNotes[] =
+    "DELETE FROM annotations WHERE started_at >= ? AND started_at < ? AND id <= ?;";
+
+void History::forget(const Selection& selection, const Selected& selected) {
+  const DayRange range = selection.begun.value_or(kAllTimes);
+  run("PRAGMA secure_delete = ON;");
+  Transaction transaction(db_.get());
+  Statement(db_.get(), kForgetSessions)
+      .bind(range.start)
+      .bind(range.end)
+      .bind(selection.appName)
+      .bind(selection.titlePart)
+      .bindRowID(selected.lastSession)
+      .execute();
+  if (selection.includesNotes()) {
+    Statement(db_.get(), kForgetNotes)
+        .bind(range.start)
+        .bind(range.end)
+        .bindRowID(selected.lastNote)
+        .execute();
+  }
+  transaction.keep();
+}
+
+}  // namespace tessum

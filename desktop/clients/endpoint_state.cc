@@ -1,0 +1,39 @@
+#include "desktop/clients/endpoint_state.h"
+
+#include <asio/ip/tcp.hpp>
+#include <chrono>
+#include <string_view>
+
+#include "core/base/limits.h"
+
+namespace tessum {
+namespace {
+
+// Our transport describes itself in the answer to this request.
+constexpr std::string_view kRequest =
+    "GET / HTTP/1.1\r\n"
+    "Host: localhost\r\n"
+    "Connection: close\r\n"
+    "\r\n";
+constexpr std::string_view kSelfDescription = "Tessum MCP Server";
+constexpr auto kPatience = std::chrono::seconds(2);
+
+}  // namespace
+
+EndpointState endpointState() {
+  asio::ip::tcp::iostream stream;
+  stream.expires_after(kPatience);
+  stream.connect("localhost", std::to_string(limits::kDefaultPort));
+  if (!stream) return EndpointState::silent;
+  stream << kRequest << std::flush;
+  for (std::string line; std::getline(stream, line);) {
+    if (line.starts_with(kSelfDescription)) return EndpointState::answers;
+  }
+  return EndpointState::taken;
+}
+
+std::string usualEndpointURL() {
+  return "http://localhost:" + std::to_string(limits::kDefaultPort) + "/mcp";
+}
+
+}  // namespace tessum

@@ -1,0 +1,26 @@
+// The commands of the host program. Each function adds one or a few to `app`; a command that is
+// chosen runs while `app` parses and leaves its outcome in `host`, which must outlive the parsing.
+
+#pragma once
+
+#include "desktop/command.h"
+
+namespace CLI {
+class App;
+}
+
+namespace tessum {
+
+void addRecordCommand(CLI::App& app, Host& host);
+void addStatusCommand(CLI::App& app, Host& host);
+void addReportCommands(CLI::App& app, Host& host);  // day, usage, notes and search
+void addNoteCommand(CLI::App& app, Host& host);
+void addTimelineCommand(CLI::App& app, Host& host);
+void addDoctorCommand(CLI::App& app, Host& host);
+void addExportCommand(CLI::App& app, Host& host);
+void addForgetCommand(CLI::App& app, Host& host);
+void addBackupCommand(CLI::App& app, Host& host);
+void addClientCommands(CLI::App& app, Host& host);  // clients, install and uninstall
+void addUpdateCommand(CLI::App& app, Host& host);
+
+}  // namespace tessum
