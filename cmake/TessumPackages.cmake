@@ -55,10 +55,10 @@ set_target_properties(mcpb PROPERTIES BUNDLE_FILE "${bundle}")
 
 set(CPACK_PACKAGE_NAME tessum)
 set(CPACK_PACKAGE_VENDOR Tessum)
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "record of your day, for you and your AI assistants")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "history of your day, for you and your AI assistants")
 set(CPACK_PACKAGE_DESCRIPTION
   "Records which application is in front and its window's title, on this computer only, and lets
-AI assistants read that record through the Model Context Protocol.")
+AI assistants read that history through the Model Context Protocol.")
 set(CPACK_PACKAGE_CONTACT "The Tessum developers <maintainers@tessum.example>")
 set(CPACK_COMPONENTS_ALL programs)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
