@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "core/store/database_error.h"
+
 namespace tessum {
 namespace {
 
@@ -19,7 +21,7 @@ void dropStoreErrors(Write write) {
 
 }  // namespace
 
-ActivityMonitor::ActivityMonitor(std::shared_ptr<Database> database, const Clock& clock,
+ActivityMonitor::ActivityMonitor(std::shared_ptr<SessionWriter> database, const Clock& clock,
                                  Workspace& workspace, MainLoop& loop)
     : database_(std::move(database)),
       clock_(clock),

@@ -9,7 +9,7 @@
 
 #include "core/loop/main_loop.h"
 #include "core/platform/clock.h"
-#include "core/store/database.h"
+#include "core/store/session_writer.h"
 #include "core/workspace/workspace.h"
 
 namespace tessum {
@@ -21,7 +21,7 @@ namespace tessum {
 class ActivityMonitor {
  public:
   // Starts nothing. The monitor shares `database`; the rest must outlive it.
-  ActivityMonitor(std::shared_ptr<Database> database, const Clock& clock, Workspace& workspace,
+  ActivityMonitor(std::shared_ptr<SessionWriter> database, const Clock& clock, Workspace& workspace,
                   MainLoop& loop);
 
   // Stops first.
@@ -43,7 +43,7 @@ class ActivityMonitor {
   [[nodiscard]] std::optional<std::string> windowTitle(const RunningApplication& application);
   void endCurrentActivity();
 
-  const std::shared_ptr<Database> database_;
+  const std::shared_ptr<SessionWriter> database_;
   std::optional<std::int64_t> currentActivityID_;  // the open session
   std::optional<Workspace::ObserverToken> observer_;
   std::optional<MainLoop::TimerToken> titlePollTimer_;

@@ -4,24 +4,49 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "core/base/date.h"
 #include "core/platform/descriptor.h"
 
 namespace tessum {
 
 // Held until the object goes or the process ends, in whatever way: the system gives it back, so
-// none can be left behind. The file stays. One thread at a time.
+// none can be left behind. The file stays, and shows with its content and its time of modification
+// what the holder says of itself. A process must not open the file of a lock that it holds, as the
+// system gives the lock back when it closes that. One thread at a time.
 class FileLock {
  public:
-  // Takes the lock on the file at `path`, which is created for the user alone where it is missing
-  // and gets the present moment for its time of modification.
-  // Absent when another one holds it. Throws std::system_error with the path in the text.
+  // Takes the lock on the file at `path`, which is created for the user alone where it is missing.
+  // Absent when another process holds it. Throws std::system_error with the path in the text.
   [[nodiscard]] static std::optional<FileLock> take(const std::string& path);
 
+  // When the file was last modified before the lock was taken; absent for a new file.
+  [[nodiscard]] std::optional<Date> lastModified() const { return lastModified_; }
+
+  // Makes `content` the whole content of the file. A failure is not reported.
+  void write(std::string_view content) const;
+
+  // Makes the present moment the file's time of modification. A failure is not reported.
+  void touch() const;
+
  private:
-  explicit FileLock(Descriptor file) : file_(std::move(file)) {}
+  FileLock(Descriptor file, std::optional<Date> lastModified)
+      : file_(std::move(file)), lastModified_(lastModified) {}
 
   Descriptor file_;
+  std::optional<Date> lastModified_;
 };
+
+// The file of a lock as other processes see it.
+struct LockFile {
+  bool isHeld = false;
+  Date lastModified;
+  std::string content;
+};
+
+// Looks at the file at `path` without taking its lock, not even for a moment; absent when there is
+// none. Not for a process that holds the lock. Throws std::system_error with the path in the text.
+[[nodiscard]] std::optional<LockFile> readLockFile(const std::string& path);
 
 }  // namespace tessum

@@ -1,27 +1,82 @@
-#include "core/platform/file_lock.h"
-
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <system_error>
 #include <utility>
 
+#include "core/platform/file_lock.h"
+
 namespace tessum {
+namespace {
+
+struct flock wholeFile() {
+  struct flock lock {};
+  lock.l_type = F_WRLCK;
+  lock.l_whence = SEEK_SET;
+  return lock;
+}
+
+[[noreturn]] void fail(const std::string& what, const std::string& path) {
+  throw std::system_error(errno, std::generic_category(), what + " " + path);
+}
+
+struct stat statusOf(const Descriptor& file, const std::string& path) {
+  struct stat status {};
+  if (fstat(file.number(), &status) != 0) fail("Cannot look at", path);
+  return status;
+}
+
+}  // namespace
 
 std::optional<FileLock> FileLock::take(const std::string& path) {
-  Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
+  constexpr int kFlags = O_RDWR | O_CLOEXEC;
+  constexpr mode_t kUserAlone = S_IRUSR | S_IWUSR;
+  Descriptor file(open(path.c_str(), kFlags));
+  const bool isNew = file.number() < 0 && errno == ENOENT;
+  if (isNew) file = Descriptor(open(path.c_str(), kFlags | O_CREAT, kUserAlone));
+  if (file.number() < 0) fail("Cannot open", path);
+  struct flock lock = wholeFile();
+  while (fcntl(file.number(), F_SETLK, &lock) != 0) {
+    if (errno == EACCES || errno == EAGAIN) return std::nullopt;
+    if (errno != EINTR) fail("Cannot lock", path);
+  }
+  std::optional<Date> lastModified;
+  if (!isNew) lastModified = Date{static_cast<double>(statusOf(file, path).st_mtime)};
+  return FileLock(std::move(file), lastModified);
+}
+
+void FileLock::write(std::string_view content) const {
+  // The new text goes in before the rest of a longer old one is cut off, so that it is never empty.
+  if (pwrite(file_.number(), content.data(), content.size(), 0) < 0) return;
+  static_cast<void>(ftruncate(file_.number(), static_cast<off_t>(content.size())) + 1);
+  touch();
+}
+
+void FileLock::touch() const {
+  futimens(file_.number(), nullptr);
+}
+
+std::optional<LockFile> readLockFile(const std::string& path) {
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (file.number() < 0) {
-    throw std::system_error(errno, std::generic_category(), "Cannot open " + path);
+    if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
+    fail("Cannot look at", path);
   }
-  while (flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
-    if (errno == EWOULDBLOCK) return std::nullopt;
-    if (errno == EINTR) continue;
-    throw std::system_error(errno, std::generic_category(), "Cannot lock " + path);
+  struct flock lock = wholeFile();
+  if (fcntl(file.number(), F_GETLK, &lock) != 0) fail("Cannot look at", path);
+  LockFile found{.isHeld = lock.l_type != F_UNLCK,
+                 .lastModified = {static_cast<double>(statusOf(file, path).st_mtime)},
+                 .content = {}};
+  std::array<char, 4096> buffer{};
+  while (true) {
+    const ssize_t count = read(file.number(), buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return found;
+    found.content.append(buffer.data(), static_cast<std::size_t>(count));
   }
-  futimens(file.number(), nullptr);  // whoever looks at the file sees since when it is held
-  return FileLock(std::move(file));
 }
 
 }  // namespace tessum

@@ -14,6 +14,7 @@
 #include "core/platform/calendar.h"
 #include "core/store/database_error.h"
 #include "core/store/records.h"
+#include "core/store/session_writer.h"
 
 struct sqlite3;
 
@@ -31,12 +32,12 @@ using ActivityVisitor = std::function<void(const Activity&)>;
 // commits by itself. It throws DatabaseError::prepareFailed when the statement cannot be
 // prepared; a writing one throws executionFailed when it does not complete, while a reading one
 // then gives the rows read so far.
-class Database {
+class Database final : public SessionWriter {
  public:
   // Opens the file at `path`, creating it and its tables where they are missing. Throws
   // DatabaseError. `calendar` says where days begin and must outlive the store.
   Database(std::string path, const Calendar& calendar);
-  ~Database();
+  ~Database() override;
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
 
@@ -48,11 +49,11 @@ class Database {
   // 32-bit range stops the process.
 
   // Stores `activity`, whose id is ignored, and returns its row id.
-  std::int64_t insert(const Activity& activity);
+  std::int64_t insert(const Activity& activity) override;
 
   // Sets the end or the title of a session. An id that does not exist is no error.
-  void updateEndTime(std::int64_t id, Date end);
-  void updateTitle(std::int64_t id, const std::string& title);
+  void updateEndTime(std::int64_t id, Date end) override;
+  void updateTitle(std::int64_t id, const std::string& title) override;
 
   // The sessions that began on the local day of `day`, the newest first. Given a visitor, they
   // are handed to it one by one: of many sessions a list takes several times their text's memory.

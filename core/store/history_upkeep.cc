@@ -9,27 +9,10 @@
 
 #include "core/store/history.h"
 #include "core/store/history_rows.h"
+#include "core/store/transaction.h"
 
 namespace tessum {
 namespace {
-
-// Takes back what was written since it was begun, unless it is kept.
-class Transaction {
- public:
-  explicit Transaction(sqlite3* db) : db_(db) { Statement(db_, "BEGIN IMMEDIATE;").execute(); }
-  ~Transaction() {
-    if (sqlite3_get_autocommit(db_) == 0) {
-      sqlite3_exec(db_, "ROLLBACK;", nullptr, nullptr, nullptr);
-    }
-  }
-  Transaction(const Transaction&) = delete;
-  Transaction& operator=(const Transaction&) = delete;
-
-  void keep() { Statement(db_, "COMMIT;").execute(); }
-
- private:
-  sqlite3* db_;
-};
 
 std::vector<std::string> checkIntegrity(sqlite3* db) {
   std::vector<std::string> findings;

@@ -11,6 +11,7 @@
 #include "core/base/limits.h"
 #include "core/platform/folders.h"
 #include "core/store/history.h"
+#include "desktop/recording/recorder_state.h"
 #include "desktop/update/update_dialogue.h"
 
 namespace tessum {
@@ -37,8 +38,8 @@ std::string preparedFolder(const Host& host) {
   return folder;
 }
 
-FileLock lockOf(const std::string& folder) {
-  auto lock = FileLock::take(folder + "/recorder.lock");
+FileLock lockOf(const Locations& locations, const std::string& folder) {
+  auto lock = FileLock::take(recorderFile(locations));
   if (!lock) throw std::runtime_error("Another recorder is already writing to " + folder + ".");
   return std::move(*lock);
 }
@@ -56,7 +57,7 @@ std::shared_ptr<Database> writableStore(const std::string& path, const Calendar&
 Recorder::Recorder(const Host& host)
     : locations_(host.locations),
       folder_(preparedFolder(host)),
-      lock_(lockOf(folder_)),
+      lock_(lockOf(locations_, folder_)),
       signals_(loop_, [this] { loop_.quit(); }),
       database_(writableStore(historyPath(host.locations), host.calendar)),
       workspace_(openSystemWorkspace(loop_, [this](const auto& notice) { handle(notice); })),

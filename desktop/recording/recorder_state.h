@@ -1,9 +1,10 @@
-// Whether the recorder runs, as other processes can tell.
+// What the recorder says of itself, for other processes.
 
 #pragma once
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/base/date.h"
 #include "core/platform/locations.h"
@@ -13,15 +14,28 @@ namespace tessum {
 
 struct RecorderState {
   bool isRecording = false;
-  std::optional<Date> since;  // absent while it does not run
+
+  // What follows is of the last recorder when none runs.
+  std::optional<Date> since;  // when it began; absent where no recorder ever ran
+  std::optional<Date>
+      lastSign;     // when it was last known to live, a minute ago at most while it runs
+  std::string way;  // how the desktop tells what is in front, such as "X11"
+  std::optional<Date> awaySince;   // absent while the user is there
+  std::vector<std::string> awake;  // what keeps the user from being away, each as a person reads it
 };
 
-// Looks at the lock that a recorder holds for as long as it runs; nothing is created. Throws
-// std::system_error when the lock file is there but cannot be looked at.
+// The file whose lock a recorder holds for as long as it runs. It holds what stateText() gives.
+[[nodiscard]] std::string recorderFile(const Locations& locations);
+
+// What a recorder says of itself as the content of its file.
+[[nodiscard]] std::string stateText(const RecorderState& state);
+
+// Looks at that file; nothing is created and no lock is taken. Throws std::system_error when it is
+// there but cannot be looked at.
 [[nodiscard]] RecorderState recorderState(const Locations& locations);
 
 // The one of `openSessions`, which come oldest first, that the recorder is in the middle of;
-// absent when it does not run or has none. The others were left open by a run that was cut off.
+// absent when it does not run or has none. The others were left open.
 [[nodiscard]] std::optional<Activity> currentSession(const RecorderState& state,
                                                      const std::vector<Activity>& openSessions);
 

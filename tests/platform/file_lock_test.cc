@@ -1,10 +1,13 @@
 #include "core/platform/file_lock.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
+#include <functional>
 #include <system_error>
 
 #include "tests/support/temporary_folder.h"
@@ -12,14 +15,24 @@
 namespace tessum {
 namespace {
 
-TEST(FileLock, IsHeldByOneAtATime) {
+// Whether `test` holds in another process, as a process cannot lock itself out.
+bool holdsElsewhere(const std::function<bool()>& test) {
+  const pid_t child = fork();
+  if (child == 0) _exit(test() ? 0 : 1);
+  int status = -1;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  return status == 0;
+}
+
+TEST(FileLock, IsHeldByOneProcessAtATime) {
   const TemporaryFolder folder;
-  auto first = FileLock::take(folder.file("lock"));
+  const std::string path = folder.file("lock");
+  auto first = FileLock::take(path);
   ASSERT_TRUE(first.has_value());
-  EXPECT_FALSE(FileLock::take(folder.file("lock")).has_value());
-  EXPECT_TRUE(FileLock::take(folder.file("other")).has_value());
+  EXPECT_TRUE(holdsElsewhere([&] { return !FileLock::take(path); }));
+  EXPECT_TRUE(holdsElsewhere([&] { return FileLock::take(path + "2").has_value(); }));
   first.reset();
-  EXPECT_TRUE(FileLock::take(folder.file("lock")).has_value());
+  EXPECT_TRUE(holdsElsewhere([&] { return FileLock::take(path).has_value(); }));
 }
 
 TEST(FileLock, CreatesItsFileForTheUserAlone) {
@@ -32,24 +45,52 @@ TEST(FileLock, CreatesItsFileForTheUserAlone) {
 
 TEST(FileLock, IsGivenBackByAProcessThatDies) {
   const TemporaryFolder folder;
-  const pid_t child = fork();
-  if (child == 0) {
-    const auto lock = FileLock::take(folder.file("lock"));
-    _exit(lock.has_value() ? 0 : 1);  // without giving anything back itself
+  const std::string path = folder.file("lock");
+  EXPECT_TRUE(holdsElsewhere([&] { return FileLock::take(path).has_value(); }));
+  EXPECT_FALSE(readLockFile(path)->isHeld);
+  EXPECT_TRUE(FileLock::take(path).has_value());
+}
+
+TEST(FileLock, IsSeenByOthersWhoDoNotTakeIt) {
+  const TemporaryFolder folder;
+  const std::string path = folder.file("lock");
+  EXPECT_FALSE(readLockFile(path).has_value());
+  const auto lock = FileLock::take(path);
+  lock->write("a longer text");
+  lock->write("text");
+  EXPECT_TRUE(holdsElsewhere([&] {
+    const auto found = readLockFile(path);
+    return found && found->isHeld && found->content == "text";
+  }));
+  EXPECT_TRUE(holdsElsewhere([&] { return !FileLock::take(path); })) << "looking took the lock";
+}
+
+TEST(FileLock, KnowsWhenItsFileWasLastModifiedByTheHolderBefore) {
+  const TemporaryFolder folder;
+  const std::string path = folder.file("lock");
+  {
+    const auto first = FileLock::take(path);
+    EXPECT_FALSE(first->lastModified().has_value());
+    first->write("text");
   }
-  int status = -1;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
-  EXPECT_TRUE(FileLock::take(folder.file("lock")).has_value());
+  const std::array<timespec, 2> past{timespec{1000, 0}, timespec{1000, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), past.data(), 0), 0);
+  const auto second = FileLock::take(path);
+  EXPECT_EQ(second->lastModified(), Date{1000});
+  second->touch();
+  struct stat found {};
+  ASSERT_EQ(stat(path.c_str(), &found), 0);
+  EXPECT_GT(found.st_mtime, 1000);
 }
 
 TEST(FileLock, NamesTheFileItCannotOpen) {
   const TemporaryFolder folder;
+  const std::string path = folder.file("missing/lock");
   try {
-    static_cast<void>(FileLock::take(folder.file("missing/lock")));
+    static_cast<void>(FileLock::take(path));
     FAIL() << "expected an error";
   } catch (const std::system_error& error) {
-    EXPECT_NE(std::string(error.what()).find(folder.file("missing/lock")), std::string::npos);
+    EXPECT_NE(std::string(error.what()).find(path), std::string::npos);
   }
 }
 
