@@ -5,23 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 #include <string_view>
 
 #include "core/http/http_request.h"
 
 namespace {
-
-// A copy of `bytes` of exactly their size, so that reading past them is noticed.
-struct Arrived {
-  explicit Arrived(std::string_view bytes) : memory(new char[bytes.size()]), size(bytes.size()) {
-    bytes.copy(memory.get(), size);
-  }
-  [[nodiscard]] std::string_view view() const { return {memory.get(), size}; }
-
-  std::unique_ptr<char[]> memory;
-  std::size_t size;
-};
 
 void require(bool condition) {
   if (!condition) std::abort();
@@ -39,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::size_t arrived = 0;
   for (std::size_t i = 0; i <= cuts; ++i) {
     arrived = i == cuts ? bytes.size() : std::min<std::size_t>(bytes.size(), arrived + data[1 + i]);
-    const Arrived part(bytes.substr(0, arrived));
+    const tessum::json::PaddedString part(bytes.substr(0, arrived));
     const auto found = parser.parse(part.view());
     const auto expected = tessum::parseHTTPRequest(part.view());
     require(found == expected);

@@ -3,12 +3,9 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdlib>
-#include <memory>
 #include <optional>
-#include <string_view>
 
-#include "core/json/reader.h"
+#include "core/json/padded.h"
 
 namespace tessum {
 
@@ -25,18 +22,13 @@ class LineReader {
   [[nodiscard]] std::optional<json::PaddedView> next();
 
  private:
-  struct Free {
-    void operator()(char* bytes) const noexcept { std::free(bytes); }
-  };
-
-  [[nodiscard]] std::string_view leftover() const;
+  [[nodiscard]] json::PaddedView leftover() const { return buffer_.view(begin_, end_ - begin_); }
   [[nodiscard]] bool readMore();
   void makeRoom();
 
   int descriptor_;
-  std::unique_ptr<char, Free> buffer_;
-  std::size_t capacity_ = 0;  // without the padding that lies behind it
-  std::size_t begin_ = 0;     // of what has not been returned yet
+  json::PaddedBuffer buffer_;
+  std::size_t begin_ = 0;  // of what has not been returned yet
   std::size_t end_ = 0;
 };
 

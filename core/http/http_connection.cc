@@ -54,44 +54,37 @@ void HTTPConnection::receiveWhenReadable() {
 }
 
 void HTTPConnection::receive() {
+  json::PaddedBuffer& received = service_->received;
   asio::error_code error;
   const std::size_t size =
-      socket_.read_some(asio::buffer(service_->received.data(), kReceiveSize), error);
+      socket_.read_some(asio::buffer(received.data(), received.capacity()), error);
   if (wouldBlock(error)) return receiveWhenReadable();
   if (error) return close();
   try {
-    take({service_->received.data(), size});
+    take(received.view(0, size));
   } catch (const std::bad_alloc&) {
     close();  // a message too large for this computer costs its sender the connection, no more
   }
 }
 
-void HTTPConnection::take(std::string_view received) {
-  std::string_view bytes = received;
-  if (!bytes_.empty()) {
-    bytes_.resize(bytes_.size() - json::kPadding);
-    bytes_.append(received).append(json::kPadding, '\0');
-    bytes = std::string_view(bytes_).substr(0, bytes_.size() - json::kPadding);
-  }
-  if (const auto request = parser_.parse(bytes)) {
-    return answer(*request, bytes.data() + bytes.size() + json::kPadding);
+void HTTPConnection::take(json::PaddedView received) {
+  if (pieces_) pieces_->append(received.text());
+  if (const auto request = parser_.parse(pieces_ ? pieces_->view() : received)) {
+    return answer(*request);
   }
   if (parser_.isUnreadable()) {
-    bytes_ = {};  // the peer may go on, but nothing will come of it
-  } else if (bytes_.empty()) {
-    bytes_.append(received).append(json::kPadding, '\0');
+    pieces_.reset();  // no further bytes help
+  } else if (!pieces_) {
+    pieces_.emplace(received.text());
   }
   receiveWhenReadable();
 }
 
-void HTTPConnection::answer(const HTTPRequest& request, const char* readableEnd) {
+void HTTPConnection::answer(const HTTPRequest& request) {
   isAnswered_ = true;
   const auto handleBody = service_->handleBody;  // a copy, as the call may end the server
-  HTTPResponse response = respond(request, [&](std::string_view body) {
-    const char* const bodyEnd = body.data() + body.size();
-    return handleBody({body, static_cast<std::size_t>(readableEnd - bodyEnd)});
-  });
-  bytes_ = {};
+  HTTPResponse response = respond(request, handleBody);
+  pieces_.reset();
   head_ = responseHead(response);
   body_ = std::move(response.body);
   sendAnswer();
@@ -112,8 +105,9 @@ void HTTPConnection::sendAnswer() {
 }
 
 void HTTPConnection::drain() {
+  json::PaddedBuffer& received = service_->received;
   asio::error_code error;
-  socket_.read_some(asio::buffer(service_->received.data(), kReceiveSize), error);
+  socket_.read_some(asio::buffer(received.data(), received.capacity()), error);
   if (error && !wouldBlock(error)) return close();
   socket_.async_wait(asio::ip::tcp::socket::wait_read,
                      [self = shared_from_this()](const asio::error_code& waitError) {

@@ -4,20 +4,17 @@
 
 #pragma once
 
-#include <array>
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <unordered_set>
 
 #include "core/http/http_request.h"
 #include "core/http/http_response.h"
-#include "core/json/reader.h"
+#include "core/json/padded.h"
 
 namespace tessum {
 
@@ -29,11 +26,11 @@ inline constexpr std::size_t kReceiveSize = 65536;
 // What the connections of one transport share. Server queue only.
 struct HTTPService {
   // The engine; empty once the server is gone. This is how connections hold it weakly.
-  std::function<std::optional<std::string>(json::PaddedView)> handleBody;
+  AnswerMessage handleBody;
 
   // Every receive lands here first: idle connections then need no buffer of their own, and a
   // request that arrives in one piece is answered from here.
-  std::array<char, kReceiveSize + json::kPadding> received{};
+  json::PaddedBuffer received{kReceiveSize};
 
   std::unordered_set<HTTPConnection*> connections;
 };
@@ -54,8 +51,8 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
  private:
   void receiveWhenReadable();
   void receive();
-  void take(std::string_view received);
-  void answer(const HTTPRequest& request, const char* readableEnd);
+  void take(json::PaddedView received);
+  void answer(const HTTPRequest& request);
   void sendAnswer();
   void drain();
   void closeAfterLastMoment();
@@ -65,7 +62,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   asio::steady_timer lastMoment_;
   const std::shared_ptr<HTTPService> service_;
   HTTPRequestParser parser_;
-  std::string bytes_;  // those of a request in several pieces, with json::kPadding behind them
+  std::optional<json::PaddedString> pieces_;  // of a request that did not arrive whole
   bool isAnswered_ = false;
   std::string head_;
   std::string body_;

@@ -47,11 +47,12 @@ std::size_t announcedSize(std::string_view text) {
 
 }  // namespace
 
-std::optional<HTTPRequest> parseHTTPRequest(std::string_view bytes) {
+std::optional<HTTPRequest> parseHTTPRequest(json::PaddedView bytes) {
   return HTTPRequestParser().parse(bytes);
 }
 
-std::optional<HTTPRequest> HTTPRequestParser::parse(std::string_view bytes) {
+std::optional<HTTPRequest> HTTPRequestParser::parse(json::PaddedView arrived) {
+  const std::string_view bytes = arrived.text();
   if (state_ == State::inHead) {
     const std::size_t end = bytes.find(kHeadEnd, searched_);
     if (end == std::string_view::npos) {
@@ -64,7 +65,7 @@ std::optional<HTTPRequest> HTTPRequestParser::parse(std::string_view bytes) {
   if (state_ == State::unreadable || bytes.size() - bodyStart_ < bodySize_) return std::nullopt;
   return HTTPRequest{bytes.substr(0, methodEnd_),
                      bytes.substr(methodEnd_ + 1, pathEnd_ - methodEnd_ - 1),
-                     bytes.substr(bodyStart_, bodySize_)};
+                     arrived.substr(bodyStart_, bodySize_)};
 }
 
 void HTTPRequestParser::readHead(std::string_view head) {

@@ -10,13 +10,15 @@
 #include <optional>
 #include <string_view>
 
+#include "core/json/padded.h"
+
 namespace tessum {
 
 // A complete request. It refers to the bytes it was found in.
 struct HTTPRequest {
   std::string_view method;  // as sent, case kept
   std::string_view path;    // as sent, with its query
-  std::string_view body;    // as many bytes as Content-Length says, none without it
+  json::PaddedView body;    // as many bytes as Content-Length says, none without it
 
   friend bool operator==(const HTTPRequest&, const HTTPRequest&) = default;
 };
@@ -24,7 +26,7 @@ struct HTTPRequest {
 // The request that `bytes` begin with; absent while it is incomplete and when it can never become
 // one (a head that is not UTF-8, a request line of a single word). Bytes behind it are ignored.
 // Any thread.
-[[nodiscard]] std::optional<HTTPRequest> parseHTTPRequest(std::string_view bytes);
+[[nodiscard]] std::optional<HTTPRequest> parseHTTPRequest(json::PaddedView bytes);
 
 // The same for bytes that arrive bit by bit: it keeps its place, so that a request costs time
 // linear in its size however it is cut. The outcome is that of parseHTTPRequest() for the same
@@ -33,7 +35,7 @@ class HTTPRequestParser {
  public:
   // `bytes` are all that have arrived: those of the call before, possibly moved elsewhere in
   // memory, and further ones.
-  [[nodiscard]] std::optional<HTTPRequest> parse(std::string_view bytes);
+  [[nodiscard]] std::optional<HTTPRequest> parse(json::PaddedView bytes);
 
   // Whether the head is one that no further bytes can make a request of.
   [[nodiscard]] bool isUnreadable() const { return state_ == State::unreadable; }

@@ -8,10 +8,11 @@
 #include <string_view>
 
 #include "core/http/http_request.h"
+#include "core/json/padded.h"
 
 namespace tessum {
 
-// An answer. Whether it has a body or an empty one cannot be told from outside.
+// An answer. Absent and empty bodies look alike on the wire.
 struct HTTPResponse {
   int status = 200;
   std::string_view contentType;  // without parameters; a constant
@@ -24,7 +25,7 @@ struct HTTPResponse {
 [[nodiscard]] std::string responseHead(const HTTPResponse& response);
 
 // Answers the body of a message to the engine; absent where there is nothing to say.
-using AnswerMessage = std::function<std::optional<std::string>(std::string_view body)>;
+using AnswerMessage = std::function<std::optional<std::string>(json::PaddedView body)>;
 
 // The answer to `request`. `answerMessage` is called for what is posted to /mcp only; method and
 // path are compared byte by byte.

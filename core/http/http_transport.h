@@ -13,7 +13,7 @@
 #include <string>
 #include <system_error>
 
-#include "core/json/reader.h"
+#include "core/json/padded.h"
 #include "core/loop/serial_queue.h"
 
 namespace tessum {

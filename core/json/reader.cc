@@ -5,7 +5,6 @@
 #include <optional>
 #include <utility>
 
-#include "core/base/check.h"
 #include "core/base/limits.h"
 #include "core/json/number.h"
 
@@ -216,27 +215,6 @@ typename Maker::Result visitDocument(Document& document) {
 
 }  // namespace
 
-PaddedView::PaddedView(std::string_view text, std::size_t readable) : text_(text) {
-  TESSUM_CHECK(readable >= kPadding, "a JSON text without its padding");
-}
-
-PaddedString::PaddedString(std::string_view text) {
-  bytes_.reserve(text.size() + kPadding);
-  bytes_.append(text);
-  bytes_.append(kPadding, '\0');
-}
-
-PaddedString PaddedString::take(std::string text) {
-  PaddedString padded;
-  padded.bytes_ = std::move(text);
-  padded.bytes_.append(kPadding, '\0');
-  return padded;
-}
-
-PaddedView PaddedString::view() const {
-  return {std::string_view(bytes_).substr(0, bytes_.size() - kPadding), kPadding};
-}
-
 Value parse(PaddedView text) {
   Document document(text);
   return visitDocument<Building>(document);
@@ -252,7 +230,6 @@ void forEachMember(PaddedView text, const VisitMember& visitMember) {
     visitDocument<Checking>(document);
     throw DecodingError("expected an object");
   }
-  const char* const end = text.text().data() + text.text().size() + kPadding;
   for (auto member : checked(document->get_object())) {
     ondemand::field field = checked(std::move(member));
     const std::string_view key = withoutSurrogates(checked(field.unescaped_key()));
@@ -264,7 +241,8 @@ void forEachMember(PaddedView text, const VisitMember& visitMember) {
       const char* next = checked(document->current_location());
       source = trimmed({source.data(), static_cast<std::size_t>(next - source.data())});
     }
-    visitMember(key, {source, static_cast<std::size_t>(end - (source.data() + source.size()))});
+    const auto begin = static_cast<std::size_t>(source.data() - text.text().data());
+    visitMember(key, text.substr(begin, source.size()));
   }
   document.expectEnd();
 }

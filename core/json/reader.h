@@ -4,12 +4,12 @@
 
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "core/json/padded.h"
 #include "core/json/value.h"
 
 namespace tessum::json {
@@ -18,39 +18,6 @@ namespace tessum::json {
 class DecodingError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
-};
-
-// How many bytes behind a text the reader may look at, whatever they hold.
-inline constexpr std::size_t kPadding = 64;
-
-// A text that has kPadding readable bytes behind it. It does not own them.
-class PaddedView {
- public:
-  // `text` must be followed by `readable` further bytes of the same block of memory; fewer than
-  // kPadding stop the process.
-  PaddedView(std::string_view text, std::size_t readable);
-
-  [[nodiscard]] std::string_view text() const { return text_; }
-
- private:
-  std::string_view text_;
-};
-
-// An owned text with its padding.
-class PaddedString {
- public:
-  // A copy of `text`.
-  explicit PaddedString(std::string_view text);
-
-  // `text` itself.
-  [[nodiscard]] static PaddedString take(std::string text);
-
-  [[nodiscard]] PaddedView view() const;
-
- private:
-  PaddedString() = default;
-
-  std::string bytes_;  // the text and the padding
 };
 
 enum class Kind { null, boolean, number, text, array, object };

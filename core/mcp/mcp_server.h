@@ -10,7 +10,7 @@
 #include <system_error>
 #include <vector>
 
-#include "core/json/reader.h"
+#include "core/json/padded.h"
 #include "core/loop/serial_queue.h"
 #include "core/mcp/json_rpc.h"
 #include "core/mcp/mcp_records.h"

@@ -9,9 +9,11 @@
 namespace tessum {
 namespace {
 
+const json::PaddedString kMessage("message");
+
 HTTPResponse answerTo(std::string_view method, std::string_view path) {
-  return respond({method, path, "message"},
-                 [](std::string_view body) { return "answer to " + std::string(body); });
+  return respond({method, path, kMessage.view()},
+                 [](json::PaddedView body) { return "answer to " + std::string(body.text()); });
 }
 
 const HTTPResponse kNotFound{404, "text/plain", "Not found"};
@@ -22,7 +24,7 @@ TEST(Respond, AnswersAMessageThatIsPostedToMcp) {
 
 TEST(Respond, HasNoBodyWhereTheEngineSaysNothing) {
   const auto response =
-      respond({"POST", "/mcp", "{}"}, [](std::string_view) { return std::nullopt; });
+      respond({"POST", "/mcp", kMessage.view()}, [](json::PaddedView) { return std::nullopt; });
   EXPECT_EQ(response, (HTTPResponse{200, "application/json", ""}));
 }
 
@@ -64,12 +66,13 @@ TEST(Respond, FindsNothingElse) {
 
 TEST(Respond, LeavesTheEngineAloneForAnythingButAMessage) {
   int calls = 0;
-  const AnswerMessage count = [&](std::string_view) -> std::optional<std::string> {
+  const AnswerMessage count = [&](json::PaddedView) -> std::optional<std::string> {
     ++calls;
     return std::nullopt;
   };
+  const json::PaddedView body = kMessage.view();
   for (const HTTPRequest& request :
-       {HTTPRequest{"OPTIONS", "/mcp", ""}, {"GET", "/", ""}, {"POST", "/", ""}}) {
+       {HTTPRequest{"OPTIONS", "/mcp", body}, {"GET", "/", body}, {"POST", "/", body}}) {
     static_cast<void>(respond(request, count));
   }
   EXPECT_EQ(calls, 0);

@@ -120,9 +120,5 @@ TEST(FitsDouble, RefusesNumbersThatAreTooLarge) {
   EXPECT_FALSE(fitsDouble("-1e400"));
 }
 
-TEST(PaddedViewDeathTest, StopsTheProcessWithoutPadding) {
-  EXPECT_DEATH(PaddedView("{}", 3), "padding");
-}
-
 }  // namespace
 }  // namespace tessum::json
