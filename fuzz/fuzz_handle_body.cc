@@ -25,11 +25,9 @@ std::optional<JSONRPCRequest> decoded(json::PaddedView message) {
 // A limit beyond 32 bits stops the process by design.
 bool hasLimitThatStopsTheProcess(const JSONRPCRequest& request) {
   if (!request.params) return false;
-  const auto arguments = request.params->member("arguments");
-  const auto limit = arguments ? arguments->member("limit") : std::nullopt;
-  const auto number = limit ? limit->integer() : std::nullopt;
+  const auto limit = ToolCall::decode(*request.params).arguments.limit;
   using Range = std::numeric_limits<std::int32_t>;
-  return number && (*number < Range::min() || *number > Range::max());
+  return limit && (*limit < Range::min() || *limit > Range::max());
 }
 
 void checkAnswer(const std::string& answer, const std::optional<JSONRPCRequest>& request) {

@@ -23,14 +23,14 @@ std::optional<json::Value> parsed(json::PaddedView text) {
 std::optional<json::Value::Object> visited(json::PaddedView text) {
   json::Value::Object members;
   try {
-    json::forEachMember(text, [&](std::string_view key, json::PaddedView source) {
-      const json::Value value = json::parse(source);
-      TESSUM_CHECK((json::kindOf(source) == json::Kind::object) == (value.object() != nullptr),
+    json::forEachMember(text, [&](const json::Member& member) {
+      const json::Value value = json::parse(member.source);
+      TESSUM_CHECK(member.isObject() == (value.object() != nullptr),
                    "the kind of a member is not that of its value");
-      if (json::kindOf(source) == json::Kind::text) {
-        TESSUM_CHECK(json::decodeString(source) == *value.text(), "a text is decoded in two ways");
-      }
-      members.insert_or_assign(std::string(key), value);
+      TESSUM_CHECK(member.text.has_value() == (value.text() != nullptr),
+                   "a member is a text in one way of reading only");
+      if (member.text) TESSUM_CHECK(*member.text == *value.text(), "a text is decoded in two ways");
+      members.insert_or_assign(std::string(member.key), value);
     });
   } catch (const json::DecodingError&) {
     return std::nullopt;

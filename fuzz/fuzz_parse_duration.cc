@@ -6,7 +6,6 @@
 
 #include "core/base/check.h"
 #include "core/base/text.h"
-#include "core/json/writer.h"
 #include "core/mcp/duration_argument.h"
 #include "core/mcp/mcp_server.h"
 #include "fuzz/small_store.h"
@@ -23,9 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const SystemCalendar calendar;
   const FakeClock clock(kNow);
   MCPServer server(makeSmallStore(calendar), 0, clock, calendar);
-  const json::Value::Object arguments{{"text", "x"}, {"duration", text}};
-  const MCPToolResult result =
-      server.callTool("annotate", AnyCodable::encoded(json::compact(arguments)));
+  const MCPToolResult result = server.callTool("annotate", {.duration = text, .text = "x"});
 
   const std::string& answer = result.content.front().text;
   constexpr std::string_view kBeginning = "Annotation started: x (since ";

@@ -21,6 +21,10 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   throw DecodingError(std::string("The text is not valid JSON: ") + simdjson::error_message(error));
 }
 
+[[noreturn]] void failForMoreText() {
+  throw DecodingError("The text is not valid JSON: more text follows the value");
+}
+
 template <typename T>
 T checked(simdjson::simdjson_result<T> result) {
   T value;
@@ -28,11 +32,14 @@ T checked(simdjson::simdjson_result<T> result) {
   return value;
 }
 
+bool isWhiteSpace(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
 std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kWhiteSpace = " \t\n\r";
-  const auto first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+  while (!text.empty() && isWhiteSpace(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isWhiteSpace(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 // The parser lets an escaped low surrogate without its high one through as three bytes.
@@ -45,8 +52,11 @@ std::string_view withoutSurrogates(std::string_view text) {
   return text;
 }
 
-Kind kindOfFirst(char first) {
-  switch (first) {
+enum class Kind { null, boolean, number, text, array, object };
+
+// The kind that the first character of a value announces; number also where none announces any.
+Kind kindOf(std::string_view value) {
+  switch (value.empty() ? '\0' : value.front()) {
     case '{':
       return Kind::object;
     case '[':
@@ -109,7 +119,7 @@ struct Building {
 // at what it is asked for.
 template <typename Maker>
 typename Maker::Result makeScalar(std::string_view token) {
-  const Kind kind = kindOfFirst(token.empty() ? '\0' : token.front());
+  const Kind kind = kindOf(token);
   const bool isValid = kind == Kind::boolean ? token == "true" || token == "false"
                        : kind == Kind::null  ? token == "null"
                                              : isNumber(token);
@@ -165,24 +175,20 @@ class Document {
  public:
   explicit Document(PaddedView view) : text_(view.text()) {
     if (text_.starts_with(kByteOrderMark)) text_.remove_prefix(kByteOrderMark.size());
+    text_ = trimmed(text_);
+    if (text_.empty()) fail(simdjson::EMPTY);
     const simdjson::padded_string_view padded(text_.data(), text_.size(), text_.size() + kPadding);
     if (const auto error = parser_.iterate(padded).get(document_)) fail(error);
-    if (onlyToken().empty()) fail(simdjson::EMPTY);
   }
 
   ondemand::document* operator->() { return &document_; }
 
-  // The first character of the top-level value.
-  [[nodiscard]] char first() const { return onlyToken().front(); }
-
-  // The whole text, when its value is a scalar: one token.
-  [[nodiscard]] std::string_view onlyToken() const { return trimmed(text_); }
+  // The text without white space around it: of a scalar, its one token.
+  [[nodiscard]] std::string_view text() const { return text_; }
 
   void expectEnd() {
     // At the end there is no location: the one way to ask that all versions of the parser have.
-    if (document_.current_location().error() != simdjson::OUT_OF_BOUNDS) {
-      throw DecodingError("The text is not valid JSON: more text follows the value");
-    }
+    if (document_.current_location().error() != simdjson::OUT_OF_BOUNDS) failForMoreText();
   }
 
  private:
@@ -191,11 +197,11 @@ class Document {
   ondemand::document document_;
 };
 
-// The whole of a document. The parser does not offer a top-level scalar as a value, so these are
-// taken by their token; a string is decoded with an array around it, which makes it an element.
+// The whole of a document. The parser does not offer a top-level scalar as a value: its token is
+// read instead, and that of a string as the one element of an array.
 template <typename Maker>
 typename Maker::Result visitDocument(Document& document) {
-  switch (kindOfFirst(document.first())) {
+  switch (kindOf(document.text())) {
     case Kind::array:
     case Kind::object: {
       auto result = visit<Maker>(checked(document->get_value()), 0);
@@ -203,13 +209,19 @@ typename Maker::Result visitDocument(Document& document) {
       return result;
     }
     case Kind::text: {
-      const PaddedString wrapped("[" + std::string(document.onlyToken()) + "]");
+      const PaddedString wrapped("[" + std::string(document.text()) + "]");
       Document array(wrapped.view());
-      static_cast<void>(visitDocument<Checking>(array));
-      return Maker::string(decodeString(PaddedString(document.onlyToken()).view()));
+      std::optional<typename Maker::Result> result;
+      for (auto element : checked(array->get_array())) {
+        const ondemand::value value = checked(std::move(element));
+        if (result) failForMoreText();
+        result = visit<Maker>(value, 0);
+      }
+      array.expectEnd();
+      return *std::move(result);
     }
     default:
-      return makeScalar<Maker>(document.onlyToken());
+      return makeScalar<Maker>(document.text());
   }
 }
 
@@ -226,7 +238,7 @@ Value parse(std::string_view text) {
 
 void forEachMember(PaddedView text, const VisitMember& visitMember) {
   Document document(text);
-  if (document.first() != '{') {
+  if (kindOf(document.text()) != Kind::object) {
     visitDocument<Checking>(document);
     throw DecodingError("expected an object");
   }
@@ -235,32 +247,21 @@ void forEachMember(PaddedView text, const VisitMember& visitMember) {
     const std::string_view key = withoutSurrogates(checked(field.unescaped_key()));
     ondemand::value value = field.value();
     std::string_view source = trimmed(value.raw_json_token());
-    const auto type = checked(value.type());
-    visit<Checking>(value, 1);
-    if (type == ondemand::json_type::array || type == ondemand::json_type::object) {
+    std::optional<std::string_view> string;
+    const Kind kind = kindOf(source);
+    if (kind == Kind::text) {
+      string = withoutSurrogates(checked(value.get_string()));
+    } else {
+      visit<Checking>(value, 1);
+    }
+    if (kind == Kind::array || kind == Kind::object) {
       const char* next = checked(document->current_location());
       source = trimmed({source.data(), static_cast<std::size_t>(next - source.data())});
     }
     const auto begin = static_cast<std::size_t>(source.data() - text.text().data());
-    visitMember(key, text.substr(begin, source.size()));
+    visitMember({key, text.substr(begin, source.size()), string});
   }
   document.expectEnd();
-}
-
-Kind kindOf(PaddedView value) {
-  return kindOfFirst(trimmed(value.text()).front());
-}
-
-std::string decodeString(PaddedView value) {
-  Document document(value);
-  return std::string(withoutSurrogates(checked(document->get_string())));
-}
-
-bool fitsDouble(std::string_view number) {
-  const PaddedString padded(number);
-  Document document(padded.view());
-  double value = 0;
-  return document->get_double().get(value) == simdjson::SUCCESS;
 }
 
 }  // namespace tessum::json

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -20,26 +21,25 @@ class DecodingError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-enum class Kind { null, boolean, number, text, array, object };
-
 // The whole text as a value. Throws DecodingError.
 [[nodiscard]] Value parse(PaddedView text);
 [[nodiscard]] Value parse(std::string_view text);
 
-// Calls `visit` with the key and the source text of each member of the object that `text` is,
-// duplicates included. The key lives for that one call, the value's text as long as `text`.
-// Throws DecodingError: also when the text is JSON but not an object, and possibly after some
-// members have been visited.
-using VisitMember = std::function<void(std::string_view key, PaddedView value)>;
+// One member of an object. `key` and `text` live as long as the visit, `source` as long as the text
+// of the object.
+struct Member {
+  std::string_view key;
+  PaddedView source;                     // the value as it is written
+  std::optional<std::string_view> text;  // the value without escapes; absent unless it is a string
+
+  [[nodiscard]] bool isObject() const { return source.text().starts_with('{'); }
+};
+
+using VisitMember = std::function<void(const Member&)>;
+
+// Visits the members of the object `text` in their order, duplicates included. Throws
+// DecodingError: also when the text is JSON but not an object, and possibly after some members
+// have been visited.
 void forEachMember(PaddedView text, const VisitMember& visit);
-
-// The kind of a value, from its source text as forEachMember gives it.
-[[nodiscard]] Kind kindOf(PaddedView value);
-
-// The string that the source text `value` of a string stands for. Throws DecodingError.
-[[nodiscard]] std::string decodeString(PaddedView value);
-
-// Whether the number `text` is within the range of a double.
-[[nodiscard]] bool fitsDouble(std::string_view number);
 
 }  // namespace tessum::json

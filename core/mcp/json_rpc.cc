@@ -9,21 +9,28 @@
 namespace tessum {
 namespace {
 
-std::string requiredText(const std::optional<json::PaddedView>& value, const char* key) {
-  if (!value) throw json::DecodingError(std::string("missing member ") + key);
-  if (json::kindOf(*value) != json::Kind::text) {
-    throw json::DecodingError(std::string("expected text at ") + key);
-  }
-  return json::decodeString(*value);
+// A member that is kept until the whole message has been read: a later one of the same key
+// replaces it.
+struct Kept {
+  explicit Kept(const json::Member& member) : source(member.source), text(member.text) {}
+
+  json::PaddedView source;
+  std::optional<std::string> text;
+};
+
+std::string requiredText(std::optional<Kept> member, const char* key) {
+  if (!member) throw json::DecodingError(std::string("missing member ") + key);
+  if (!member->text) throw json::DecodingError(std::string("expected text at ") + key);
+  return *std::move(member->text);
 }
 
-bool isPresent(const std::optional<json::PaddedView>& value) {
-  return value && json::kindOf(*value) != json::Kind::null;
+bool isNull(json::PaddedView source) {
+  return source.text() == "null";
 }
 
-JSONRPCID decodeID(json::PaddedView value) {
-  if (const auto integer = json::integralValue(value.text())) return *integer;
-  if (json::kindOf(value) == json::Kind::text) return json::decodeString(value);
+JSONRPCID decodeID(Kept member) {
+  if (member.text) return *std::move(member.text);
+  if (const auto integer = json::integralValue(member.source.text())) return *integer;
   throw json::DecodingError("id must be int or string");
 }
 
@@ -38,22 +45,22 @@ void appendID(std::string& out, const JSONRPCID& id) {
 }  // namespace
 
 JSONRPCRequest JSONRPCRequest::decode(json::PaddedView message) {
-  std::optional<json::PaddedView> jsonrpc;
-  std::optional<json::PaddedView> id;
-  std::optional<json::PaddedView> method;
+  std::optional<Kept> jsonrpc;
+  std::optional<Kept> id;
+  std::optional<Kept> method;
   std::optional<json::PaddedView> params;
-  json::forEachMember(message, [&](std::string_view key, json::PaddedView value) {
-    if (key == "jsonrpc") jsonrpc = value;
-    if (key == "id") id = value;
-    if (key == "method") method = value;
-    if (key == "params") params = value;
+  json::forEachMember(message, [&](const json::Member& member) {
+    if (member.key == "jsonrpc") jsonrpc.emplace(member);
+    if (member.key == "id") id.emplace(member);
+    if (member.key == "method") method.emplace(member);
+    if (member.key == "params") params = member.source;
   });
 
   JSONRPCRequest request;
-  request.jsonrpc = requiredText(jsonrpc, "jsonrpc");
-  request.method = requiredText(method, "method");
-  if (isPresent(id)) request.id = decodeID(*id);
-  if (isPresent(params)) request.params = AnyCodable(*params);
+  request.jsonrpc = requiredText(std::move(jsonrpc), "jsonrpc");
+  request.method = requiredText(std::move(method), "method");
+  if (id && !isNull(id->source)) request.id = decodeID(*std::move(id));
+  if (params && !isNull(*params)) request.params = AnyCodable(*params);
   return request;
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -15,6 +16,7 @@
 #include "core/mcp/json_rpc.h"
 #include "core/mcp/mcp_records.h"
 #include "core/mcp/mcp_server_error.h"
+#include "core/mcp/tool_arguments.h"
 #include "core/platform/calendar.h"
 #include "core/platform/clock.h"
 #include "core/store/database.h"
@@ -62,8 +64,8 @@ class MCPServer {
   // The five tools, in the order in which they are listed.
   [[nodiscard]] static std::vector<MCPTool> availableTools();
 
-  // Runs a tool. An argument of the wrong kind counts as absent. Throws DatabaseError.
-  [[nodiscard]] MCPToolResult callTool(std::string_view name, const AnyCodable& arguments);
+  // Runs a tool. Throws DatabaseError.
+  [[nodiscard]] MCPToolResult callTool(std::string_view name, const ToolArguments& arguments);
 
   // Reads a resource; its URI is compared exactly. Throws MCPServerError::unknownResource and
   // DatabaseError.
@@ -89,9 +91,21 @@ class MCPServer {
   [[nodiscard]] std::string endpointURL() const;
 
  private:
-  [[nodiscard]] MCPToolResult annotate(const AnyCodable& arguments);
+  struct Tool;
+
+  // The table of tools.
+  [[nodiscard]] static std::span<const Tool> tools();
+
+  [[nodiscard]] MCPToolResult getActivities(const ToolArguments& arguments);
+  [[nodiscard]] MCPToolResult searchActivities(const ToolArguments& arguments);
+  [[nodiscard]] MCPToolResult getAppUsage(const ToolArguments& arguments);
+  [[nodiscard]] MCPToolResult annotate(const ToolArguments& arguments);
+  [[nodiscard]] MCPToolResult getAnnotations(const ToolArguments& arguments);
+
   [[nodiscard]] std::string activityReport(Date day, std::int64_t limit);
-  [[nodiscard]] Date dayArgument(const AnyCodable& arguments) const;
+
+  // The day that the arguments name, else today.
+  [[nodiscard]] Date dayOf(const ToolArguments& arguments) const;
 
   const std::shared_ptr<Database> database_;
   const std::uint16_t port_;

@@ -16,6 +16,15 @@ constexpr char kYesterday[] = "tessum://activities/yesterday";
 constexpr char kUsageToday[] = "tessum://usage/today";
 constexpr char kPlainText[] = "text/plain";
 
+// The member "uri" when it is a text.
+std::optional<std::string> uriOf(const AnyCodable& params) {
+  std::optional<std::string> uri;
+  params.forEachMember([&](const json::Member& member) {
+    if (member.key == "uri") uri = member.text;
+  });
+  return uri;
+}
+
 }  // namespace
 
 JSONRPCResponse MCPServer::handleResourcesList(const JSONRPCRequest& request) {
@@ -30,8 +39,7 @@ JSONRPCResponse MCPServer::handleResourcesList(const JSONRPCRequest& request) {
 // A read that fails is an error of the request, unlike a tool that fails: there is no result that
 // could carry the text.
 JSONRPCResponse MCPServer::handleResourcesRead(const JSONRPCRequest& request) {
-  const auto member = request.params ? request.params->member("uri") : std::nullopt;
-  const auto uri = member ? member->text() : std::nullopt;
+  const auto uri = request.params ? uriOf(*request.params) : std::nullopt;
   if (!uri) {
     return {request.id, JSONRPCError{error_code::kInvalidParams, "Invalid params: missing 'uri'"}};
   }

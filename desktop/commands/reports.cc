@@ -7,7 +7,6 @@
 
 #include "core/base/limits.h"
 #include "core/base/text.h"
-#include "core/json/writer.h"
 #include "core/mcp/mcp_server.h"
 #include "core/store/database.h"
 #include "core/store/history.h"
@@ -32,12 +31,10 @@ void addPlainOption(CLI::App& command, ReportOptions& options, const std::string
 }
 
 // The report of an assistant's tool, made by the same engine.
-std::string toolText(const Host& host, const char* tool, json::Value::Object arguments) {
+std::string toolText(const Host& host, const char* tool, const ToolArguments& arguments) {
   auto database = std::make_shared<Database>(historyPath(host.locations), host.calendar);
   MCPServer server(std::move(database), limits::kDefaultPort, host.clock, host.calendar);
-  const auto result =
-      server.callTool(tool, AnyCodable::encoded(json::compact(std::move(arguments))));
-  return result.content.front().text + "\n";
+  return server.callTool(tool, arguments).content.front().text + "\n";
 }
 
 using Report = std::string (*)(const DayHistory&, const Paper&);
@@ -48,7 +45,7 @@ void showDay(const Host& host, const ReportOptions& options, Report report, cons
   History history(historyPath(host.locations), History::Access::read);
   const DayHistory content = readDay(history, host, day);
   if (options.isPlain) {
-    print(toolText(host, tool, {{"date", dateText(day)}}));
+    print(toolText(host, tool, {.date = dateText(day)}));
     return;
   }
   print(report(content, standardOutputPaper()));
@@ -106,7 +103,7 @@ void addReportCommands(CLI::App& app, Host& host) {
     History history(historyPath(host.locations), History::Access::read);
     const auto sessions = history.search(query, options->limit);
     if (options->isPlain) {
-      print(toolText(host, "search_activities", {{"query", query}, {"limit", options->limit}}));
+      print(toolText(host, "search_activities", {.limit = options->limit, .query = query}));
       return;
     }
     print(searchReport(sessions, host.clock.now(), standardOutputPaper()));
