@@ -6,19 +6,19 @@
 
 #include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "core/base/described_error.h"
 #include "core/json/padded.h"
 #include "core/json/value.h"
 
 namespace tessum::json {
 
-// A text that is not JSON, or not the JSON that was expected. Its what() is one line for people.
-class DecodingError : public std::runtime_error {
+// A text that is not JSON, or not the JSON that was expected.
+class DecodingError : public DescribedError {
  public:
-  using std::runtime_error::runtime_error;
+  using DescribedError::DescribedError;
 };
 
 // The whole text as a value. Throws DecodingError.

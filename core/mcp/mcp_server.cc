@@ -30,9 +30,8 @@ std::optional<std::string> MCPServer::handleBody(json::PaddedView body) {
     if (!request.id) return std::nullopt;
     return handle(request).encode();
   } catch (const json::DecodingError& error) {
-    return JSONRPCResponse(std::nullopt, JSONRPCError{error_code::kParseError,
-                                                      std::string("Parse error: ") + error.what()})
-        .encode();
+    const JSONRPCError parseError{error_code::kParseError, "Parse error: " + error.description()};
+    return JSONRPCResponse(std::nullopt, parseError).encode();
   }
 }
 

@@ -1,9 +1,11 @@
 #include "core/mcp/mcp_server_error.h"
 
+#include <utility>
+
 namespace tessum {
 
-MCPServerError::MCPServerError(Case errorCase, const std::string& description)
-    : std::runtime_error(description), case_(errorCase) {}
+MCPServerError::MCPServerError(Case errorCase, std::string description)
+    : DescribedError(std::move(description)), case_(errorCase) {}
 
 MCPServerError MCPServerError::invalidPort(std::uint16_t port) {
   return {Case::invalidPort, "Invalid port number: " + std::to_string(port)};

@@ -3,6 +3,7 @@
 #include <exception>
 #include <utility>
 
+#include "core/base/described_error.h"
 #include "core/base/limits.h"
 #include "core/base/text.h"
 #include "core/mcp/mcp_server.h"
@@ -46,7 +47,7 @@ JSONRPCResponse MCPServer::handleResourcesRead(const JSONRPCRequest& request) {
   try {
     return {request.id, AnyCodable::encoded(encode(readResource(*uri)))};
   } catch (const std::exception& error) {
-    return {request.id, JSONRPCError{error_code::kInternalError, validUtf8(error.what())}};
+    return {request.id, JSONRPCError{error_code::kInternalError, validUtf8(descriptionOf(error))}};
   }
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "core/base/described_error.h"
 #include "core/base/limits.h"
 #include "core/base/text.h"
 #include "core/json/writer.h"
@@ -142,7 +143,7 @@ JSONRPCResponse MCPServer::handleToolsCall(const JSONRPCRequest& request) {
   try {
     result = callTool(*call.name, call.arguments);
   } catch (const std::exception& error) {
-    result = failure("Error: " + validUtf8(error.what()));
+    result = failure("Error: " + validUtf8(descriptionOf(error)));
   }
   return {request.id, AnyCodable::encoded(encode(result))};
 }
@@ -155,8 +156,8 @@ MCPToolResult MCPServer::callTool(std::string_view name, const ToolArguments& ar
 }
 
 MCPToolResult MCPServer::getActivities(const ToolArguments& arguments) {
-  return success(activityReport(dayOf(arguments),
-                                arguments.limit.value_or(limits::kActivitiesPerCall)));
+  return success(
+      activityReport(dayOf(arguments), arguments.limit.value_or(limits::kActivitiesPerCall)));
 }
 
 MCPToolResult MCPServer::searchActivities(const ToolArguments& arguments) {

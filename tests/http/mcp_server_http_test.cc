@@ -75,7 +75,7 @@ TEST_F(MCPServerOverHTTP, RefusesPortZero) {
     ADD_FAILURE() << "port 0 was taken";
   } catch (const MCPServerError& error) {
     EXPECT_EQ(error.errorCase(), MCPServerError::Case::invalidPort);
-    EXPECT_STREQ(error.what(), "Invalid port number: 0");
+    EXPECT_EQ(error.description(), "Invalid port number: 0");
   }
   EXPECT_FALSE(server->listeningError());
   server->stop();

@@ -17,7 +17,7 @@ std::string failureOf(const std::function<void()>& read) {
   try {
     read();
   } catch (const DecodingError& error) {
-    return error.what();
+    return error.description();
   }
   return "no failure";
 }

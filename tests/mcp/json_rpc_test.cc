@@ -15,7 +15,7 @@ std::string failureOf(std::string_view text) {
   try {
     static_cast<void>(decode(text));
   } catch (const json::DecodingError& error) {
-    return error.what();
+    return error.description();
   }
   return "no failure";
 }

@@ -64,7 +64,8 @@ TEST_P(UnknownMethod, IsAnErrorWithTheMethodAsReceived) {
 
 INSTANTIATE_TEST_SUITE_P(Methods, UnknownMethod,
                          testing::Values("ping", "Initialize", "initialize ", "", "tools/List",
-                                         "prompts/list", "notifications/initialized", "tools"));
+                                         "prompts/list", "notifications/initialized", "tools",
+                                         R"(a\u0000b)"));
 
 struct UnreadableMessage : EngineTest, testing::WithParamInterface<const char*> {};
 

@@ -66,6 +66,15 @@ TEST_F(ResourcesTest, ComparesURIsExactly) {
   }
 }
 
+TEST_F(ResourcesTest, RepeatsAnUnknownURIWhole) {
+  const json::Value response = read(R"(tessum://a\u0000b\/c\u00e9)");
+  const json::Value* error = member(response, "error");
+  ASSERT_NE(error, nullptr);
+  EXPECT_EQ(*member(*error, "code"), json::Value(-32603));
+  EXPECT_EQ(*member(*error, "message")->text(),
+            std::string("Unknown resource URI: tessum://a\0b/cé", 38));
+}
+
 TEST_F(ResourcesTest, TodayIsTheActivityReportAlone) {
   EXPECT_EQ(textOf("tessum://activities/today"), "No activities found.");
   add("Editor", 0);

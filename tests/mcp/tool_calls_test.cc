@@ -40,6 +40,7 @@ TEST_F(ToolCallsTest, AnUnknownToolIsAResultThatSaysSo) {
   EXPECT_EQ(tool("nope"), (ToolText{"Unknown tool: nope", true}));
   EXPECT_EQ(tool("Annotate"), (ToolText{"Unknown tool: Annotate", true}));
   EXPECT_EQ(tool(""), (ToolText{"Unknown tool: ", true}));
+  EXPECT_EQ(tool(R"(a\u0000b)"), (ToolText{std::string("Unknown tool: a\0b", 17), true}));
 }
 
 TEST_F(ToolCallsTest, ArgumentsThatAreNoObjectCountAsNone) {
