@@ -61,7 +61,7 @@ void Database::open() {
   const int result = sqlite3_open(path_.c_str(), &db);
   db_.reset(db);
   if (result != SQLITE_OK) {
-    throw DatabaseError::openFailed(db == nullptr ? "Unknown error" : sqlite3_errmsg(db));
+    throw DatabaseError::openFailed(result, db == nullptr ? "Unknown error" : sqlite3_errmsg(db));
   }
 }
 
@@ -73,7 +73,7 @@ void Database::exec(const char* script) {
   const int result = sqlite3_exec(db_.get(), script, nullptr, nullptr, &message);
   const std::unique_ptr<char, Free> owned(message);
   if (result != SQLITE_OK) {
-    throw DatabaseError::executionFailed(message == nullptr ? "Unknown error" : message);
+    throw DatabaseError::executionFailed(result, message == nullptr ? "Unknown error" : message);
   }
 }
 

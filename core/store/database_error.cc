@@ -1,20 +1,28 @@
 #include "core/store/database_error.h"
 
+#include <utility>
+
 namespace tessum {
+namespace {
 
-DatabaseError::DatabaseError(Case errorCase, std::string_view prefix, std::string_view message)
-    : case_(errorCase), description_(std::string(prefix) + std::string(message)) {}
+// The low byte of an extended result code is the primary one.
+constexpr int kPrimaryCode = 0xFF;
 
-DatabaseError DatabaseError::openFailed(std::string_view message) {
-  return {Case::openFailed, "Failed to open database: ", message};
+}  // namespace
+
+DatabaseError::DatabaseError(Case errorCase, int code, std::string description)
+    : DescribedError(std::move(description)), case_(errorCase), code_(code & kPrimaryCode) {}
+
+DatabaseError DatabaseError::openFailed(int code, std::string_view message) {
+  return {Case::openFailed, code, "Failed to open database: " + std::string(message)};
 }
 
-DatabaseError DatabaseError::prepareFailed(std::string_view message) {
-  return {Case::prepareFailed, "Failed to prepare statement: ", message};
+DatabaseError DatabaseError::prepareFailed(int code, std::string_view message) {
+  return {Case::prepareFailed, code, "Failed to prepare statement: " + std::string(message)};
 }
 
-DatabaseError DatabaseError::executionFailed(std::string_view message) {
-  return {Case::executionFailed, "Failed to execute statement: ", message};
+DatabaseError DatabaseError::executionFailed(int code, std::string_view message) {
+  return {Case::executionFailed, code, "Failed to execute statement: " + std::string(message)};
 }
 
 }  // namespace tessum

@@ -2,32 +2,33 @@
 
 #pragma once
 
-#include <exception>
 #include <string>
 #include <string_view>
 
+#include "core/base/described_error.h"
+
 namespace tessum {
 
-// Carries the message that SQLite gave. Immutable.
-class DatabaseError : public std::exception {
+// Its description says what failed, then SQLite's message. Immutable.
+class DatabaseError : public DescribedError {
  public:
   enum class Case { openFailed, prepareFailed, executionFailed };
 
-  [[nodiscard]] static DatabaseError openFailed(std::string_view message);
-  [[nodiscard]] static DatabaseError prepareFailed(std::string_view message);
-  [[nodiscard]] static DatabaseError executionFailed(std::string_view message);
+  // `code` is SQLite's result code, primary or extended.
+  [[nodiscard]] static DatabaseError openFailed(int code, std::string_view message);
+  [[nodiscard]] static DatabaseError prepareFailed(int code, std::string_view message);
+  [[nodiscard]] static DatabaseError executionFailed(int code, std::string_view message);
 
   [[nodiscard]] Case errorCase() const { return case_; }
 
-  // The text for people: what failed, then SQLite's message. what() gives the same.
-  [[nodiscard]] const std::string& errorDescription() const { return description_; }
-  [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
+  // SQLite's primary result code, such as SQLITE_BUSY.
+  [[nodiscard]] int code() const { return code_; }
 
  private:
-  DatabaseError(Case errorCase, std::string_view prefix, std::string_view message);
+  DatabaseError(Case errorCase, int code, std::string description);
 
   Case case_;
-  std::string description_;
+  int code_;
 };
 
 }  // namespace tessum

@@ -22,20 +22,21 @@ std::string historyPath(const Locations& locations) {
   return locations.dataFolder() + "/activities.db";
 }
 
-// The message of an error ends with the text that SQLite has for its code.
 std::string remedy(const DatabaseError& error) {
-  const std::string& text = error.errorDescription();
-  if (text.ends_with(sqlite3_errstr(SQLITE_BUSY))) {
-    return "Another program is using the history. Try again; if that does not help, end it.";
+  switch (error.code()) {
+    case SQLITE_BUSY:
+      return "Another program is using the history. Try again; if that does not help, end it.";
+    case SQLITE_READONLY:
+      return "Give yourself the right to write to the history and its folder.";
+    case SQLITE_CANTOPEN:
+      return "Give yourself the right to read and write the history and its folder.";
+    case SQLITE_FULL:
+      return "Make room on the disk.";
+    case SQLITE_IOERR:
+      return "Check the disk, its cables and its free space, then try again.";
+    default:
+      return remedyForDamage();
   }
-  if (text.ends_with(sqlite3_errstr(SQLITE_READONLY))) {
-    return "Give yourself the right to write to the history and its folder.";
-  }
-  if (text.ends_with(sqlite3_errstr(SQLITE_CANTOPEN))) {
-    return "Give yourself the right to read and write the history and its folder.";
-  }
-  if (text.ends_with(sqlite3_errstr(SQLITE_FULL))) return "Make room on the disk.";
-  return remedyForDamage();
 }
 
 std::string remedyForDamage() {
@@ -57,7 +58,7 @@ History::History(const std::string& path, Access access) {
   const int result = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
   db_.reset(db);
   if (result != SQLITE_OK) {
-    throw DatabaseError::openFailed(db == nullptr ? "out of memory" : sqlite3_errmsg(db));
+    throw DatabaseError::openFailed(result, db == nullptr ? "out of memory" : sqlite3_errmsg(db));
   }
   sqlite3_busy_timeout(db, kLockPatienceMilliseconds);
 }
@@ -65,8 +66,9 @@ History::History(const std::string& path, Access access) {
 History::~History() = default;
 
 void History::run(const char* sql) {
-  if (sqlite3_exec(db_.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
-    throw DatabaseError::executionFailed(sqlite3_errmsg(db_.get()));
+  const int result = sqlite3_exec(db_.get(), sql, nullptr, nullptr, nullptr);
+  if (result != SQLITE_OK) {
+    throw DatabaseError::executionFailed(result, sqlite3_errmsg(db_.get()));
   }
 }
 

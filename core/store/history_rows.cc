@@ -7,9 +7,8 @@
 namespace tessum {
 
 void requireComplete(sqlite3* db) {
-  if (sqlite3_errcode(db) != SQLITE_DONE) {
-    throw DatabaseError::executionFailed(sqlite3_errmsg(db));
-  }
+  const int code = sqlite3_errcode(db);
+  if (code != SQLITE_DONE) throw DatabaseError::executionFailed(code, sqlite3_errmsg(db));
 }
 
 std::vector<Activity> readSessions(Statement& statement, sqlite3* db) {

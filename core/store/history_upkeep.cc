@@ -30,7 +30,7 @@ std::vector<std::string> History::damage() {
   sqlite3* copy = nullptr;
   const int result = sqlite3_open(":memory:", &copy);
   const Connection owned(copy);
-  if (result != SQLITE_OK) throw DatabaseError::openFailed("out of memory");
+  if (result != SQLITE_OK) throw DatabaseError::openFailed(result, "out of memory");
   copyInto(copy);
   return checkIntegrity(copy);
 }
@@ -60,14 +60,16 @@ void History::copyInto(sqlite3* target) {
 
   std::unique_ptr<sqlite3_backup, Finish> backup(
       sqlite3_backup_init(target, "main", db_.get(), "main"));
-  if (backup == nullptr) throw DatabaseError::executionFailed(sqlite3_errmsg(target));
+  if (backup == nullptr) {
+    throw DatabaseError::executionFailed(sqlite3_errcode(target), sqlite3_errmsg(target));
+  }
   int result = SQLITE_OK;
   for (int pauses = 0; result != SQLITE_DONE;) {
     result = sqlite3_backup_step(backup.get(), kPagesPerStep);
     if (result == SQLITE_OK || result == SQLITE_DONE) continue;
     const bool isLocked = result == SQLITE_BUSY || result == SQLITE_LOCKED;
     if (!isLocked || ++pauses > kMostPauses) {
-      throw DatabaseError::executionFailed(sqlite3_errstr(result));
+      throw DatabaseError::executionFailed(result, sqlite3_errstr(result));
     }
     sqlite3_sleep(kPauseMilliseconds);
   }
@@ -90,11 +92,12 @@ void History::copyTo(const std::string& path) {
   const int result = sqlite3_open_v2(path.c_str(), &copy, SQLITE_OPEN_READWRITE, nullptr);
   const Connection owned(copy);
   if (result != SQLITE_OK) {
-    throw DatabaseError::openFailed(copy == nullptr ? "out of memory" : sqlite3_errmsg(copy));
+    throw DatabaseError::openFailed(result,
+                                    copy == nullptr ? "out of memory" : sqlite3_errmsg(copy));
   }
   copyInto(copy);
   if (!checkIntegrity(copy).empty()) {
-    throw DatabaseError::executionFailed(sqlite3_errstr(SQLITE_CORRUPT));
+    throw DatabaseError::executionFailed(SQLITE_CORRUPT, sqlite3_errstr(SQLITE_CORRUPT));
   }
   unfinished.isKept = true;
 }

@@ -23,7 +23,7 @@ void SessionStore::open() {
   const int result = sqlite3_open_v2(path_.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);
   std::unique_ptr<sqlite3, Close> opened(db);
   if (result != SQLITE_OK) {
-    throw DatabaseError::openFailed(db == nullptr ? "out of memory" : sqlite3_errmsg(db));
+    throw DatabaseError::openFailed(result, db == nullptr ? "out of memory" : sqlite3_errmsg(db));
   }
   db_ = std::move(opened);
 }

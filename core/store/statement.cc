@@ -26,11 +26,11 @@ Statement::Statement(sqlite3* db, const char* sql) : db_(db) {
   sqlite3_stmt* statement = nullptr;
   const int result = sqlite3_prepare_v2(db, sql, -1, &statement, nullptr);
   statement_.reset(statement);
-  if (result != SQLITE_OK) throw DatabaseError::prepareFailed(lastMessage(db));
+  if (result != SQLITE_OK) throw DatabaseError::prepareFailed(result, lastMessage(db));
 }
 
 void Statement::checkBound(int result) const {
-  if (result != SQLITE_OK) throw DatabaseError::executionFailed(lastMessage(db_));
+  if (result != SQLITE_OK) throw DatabaseError::executionFailed(result, lastMessage(db_));
 }
 
 Statement& Statement::bind(const std::string& text) {
@@ -69,9 +69,8 @@ Statement& Statement::bindLimit(std::int64_t limit) {
 }
 
 void Statement::execute() {
-  if (sqlite3_step(statement_.get()) != SQLITE_DONE) {
-    throw DatabaseError::executionFailed(lastMessage(db_));
-  }
+  const int result = sqlite3_step(statement_.get());
+  if (result != SQLITE_DONE) throw DatabaseError::executionFailed(result, lastMessage(db_));
 }
 
 bool Statement::nextRow() {

@@ -71,7 +71,7 @@ std::vector<Finding> checkHistory(const Host& host) {
   } catch (const NoHistory&) {
     findings.push_back({"There is no history yet; \"Tessum record\" begins one.", ""});
   } catch (const DatabaseError& error) {
-    findings.push_back({std::string("The history ") + path + ": " + error.what(), remedy(error)});
+    findings.push_back({"The history " + path + ": " + error.description(), remedy(error)});
   } catch (const std::system_error& error) {
     findings.push_back({error.what(), "Look at the file's permissions."});
   }

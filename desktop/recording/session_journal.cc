@@ -39,7 +39,7 @@ struct SessionJournal::Batch {
     try {
       outcome.rowIDs = store.write(changes);
     } catch (const DatabaseError& error) {
-      outcome.failure = error.errorDescription();
+      outcome.failure = error.description();
     }
     promise.set_value(std::move(outcome));
   }

@@ -1,6 +1,7 @@
 #include "core/store/database.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include "tests/support/sql.h"
 #include "tests/support/temporary_folder.h"
@@ -74,7 +75,8 @@ TEST_F(DatabaseTest, FailsToOpenInAFolderThatIsMissing) {
     FAIL();
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.errorCase(), DatabaseError::Case::openFailed);
-    EXPECT_EQ(error.errorDescription(), "Failed to open database: unable to open database file");
+    EXPECT_EQ(error.code(), SQLITE_CANTOPEN);
+    EXPECT_EQ(error.description(), "Failed to open database: unable to open database file");
   }
 }
 
@@ -85,7 +87,8 @@ TEST_F(DatabaseTest, FailsForAFileThatIsNoDatabase) {
     FAIL();
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.errorCase(), DatabaseError::Case::executionFailed);
-    EXPECT_EQ(error.errorDescription(), "Failed to execute statement: file is not a database");
+    EXPECT_EQ(error.code(), SQLITE_NOTADB);
+    EXPECT_EQ(error.description(), "Failed to execute statement: file is not a database");
   }
   EXPECT_EQ(readFile(path_), std::string(4096, 'x'));
 }
@@ -105,7 +108,8 @@ TEST_F(DatabaseTest, MeetsALockAtOnceAndWorksAfterIt) {
     database.insert(session("Late", 11));
     FAIL();
   } catch (const DatabaseError& error) {
-    EXPECT_EQ(error.errorDescription(), "Failed to execute statement: database is locked");
+    EXPECT_EQ(error.code(), SQLITE_BUSY);
+    EXPECT_EQ(error.description(), "Failed to execute statement: database is locked");
   }
   EXPECT_TRUE(database.fetchActivities({10}, -1).empty());
   EXPECT_TRUE(database.appUsage({10}).empty());
@@ -123,7 +127,7 @@ TEST_F(DatabaseTest, FailsToPrepareOnceItKnowsThatATableIsGone) {
     static_cast<void>(database.fetchActivities({10}, 1));
     FAIL();
   } catch (const DatabaseError& error) {
-    EXPECT_EQ(error.errorDescription(), "Failed to prepare statement: no such table: activities");
+    EXPECT_EQ(error.description(), "Failed to prepare statement: no such table: activities");
   }
   EXPECT_THROW(static_cast<void>(database.appUsage({10})), DatabaseError);
 }

@@ -32,7 +32,8 @@ TEST_F(StatementTest, SaysWhyItCannotBePrepared) {
     FAIL();
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.errorCase(), DatabaseError::Case::prepareFailed);
-    EXPECT_EQ(error.errorDescription(), "Failed to prepare statement: no such table: nowhere");
+    EXPECT_EQ(error.code(), SQLITE_ERROR);
+    EXPECT_EQ(error.description(), "Failed to prepare statement: no such table: nowhere");
   }
 }
 
@@ -43,7 +44,8 @@ TEST_F(StatementTest, SaysWhyItWasNotExecuted) {
     FAIL();
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.errorCase(), DatabaseError::Case::executionFailed);
-    EXPECT_STREQ(error.what(), "Failed to execute statement: NOT NULL constraint failed: t.x");
+    EXPECT_EQ(error.code(), SQLITE_CONSTRAINT);
+    EXPECT_EQ(error.description(), "Failed to execute statement: NOT NULL constraint failed: t.x");
   }
 }
 
