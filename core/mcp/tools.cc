@@ -131,7 +131,10 @@ std::vector<MCPTool> MCPServer::availableTools() {
 }
 
 JSONRPCResponse MCPServer::handleToolsList(const JSONRPCRequest& request) {
-  return {request.id, AnyCodable::encoded(encode(MCPToolsListResult{availableTools()}))};
+  // The list is the same in every answer.
+  static const AnyCodable kResult =
+      AnyCodable::encoded(encode(MCPToolsListResult{availableTools()}));
+  return {request.id, kResult};
 }
 
 JSONRPCResponse MCPServer::handleToolsCall(const JSONRPCRequest& request) {
