@@ -133,4 +133,19 @@ std::string_view trimWhiteSpace(std::string_view text) {
   return text;
 }
 
+std::string_view trimBlanks(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t";
+  const auto first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+std::string lowerCaseAscii(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
 }  // namespace tessum

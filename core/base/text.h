@@ -1,4 +1,4 @@
-// Text from outside as UTF-8: converted, made valid, and trimmed.
+// Text from outside: converted to UTF-8, made valid, trimmed, and put into lower case.
 
 #pragma once
 
@@ -20,5 +20,11 @@ void appendValidUtf8(std::string& out, std::string_view bytes);
 // The part of valid UTF-8 `text` without leading and trailing white space: tab, U+000A to
 // U+000D, U+0085, U+2028, U+2029 and the space separators. It refers into `text`.
 [[nodiscard]] std::string_view trimWhiteSpace(std::string_view text);
+
+// The part of `text` without leading and trailing spaces and tabs. It refers into `text`.
+[[nodiscard]] std::string_view trimBlanks(std::string_view text);
+
+// `text` with the letters A to Z in lower case.
+[[nodiscard]] std::string lowerCaseAscii(std::string_view text);
 
 }  // namespace tessum

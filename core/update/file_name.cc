@@ -14,21 +14,6 @@ constexpr std::string_view kDefaultName = "Tessum.dmg";
 // The shortest limit of the file systems in use.
 constexpr std::size_t kLongestName = 255;
 
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
-
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t";
-  const auto first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 // Takes what comes before the next semicolon outside quotes, and that semicolon, off `rest`.
 std::string_view takeParameter(std::string_view& rest) {
   bool isQuoted = false;
@@ -51,8 +36,8 @@ std::optional<std::string_view> parameter(std::string_view header, std::string_v
     const std::string_view text = takeParameter(header);
     const auto equals = text.find('=');
     if (equals == std::string_view::npos) continue;
-    if (lowerCase(trimmed(text.substr(0, equals))) == name)
-      value = trimmed(text.substr(equals + 1));
+    if (lowerCaseAscii(trimBlanks(text.substr(0, equals))) == name)
+      value = trimBlanks(text.substr(equals + 1));
   }
   return value;
 }
@@ -75,7 +60,7 @@ std::optional<std::string> extendedText(std::string_view value) {
   if (first == std::string_view::npos) return std::nullopt;
   const auto second = value.find('\'', first + 1);
   if (second == std::string_view::npos) return std::nullopt;
-  const std::string characterSet = lowerCase(value.substr(0, first));
+  const std::string characterSet = lowerCaseAscii(value.substr(0, first));
   std::string text = percentDecoded(value.substr(second + 1));
   if (characterSet == "utf-8") return text;
   if (characterSet == "iso-8859-1") return utf8FromLatin1(text);

@@ -50,18 +50,10 @@ void note(const std::string& text) {
   std::fprintf(stderr, "%s\n", text.c_str());
 }
 
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
-
 MCPClient clientArgument(const std::string& name) {
   std::string known;
   for (const MCPClient client : MCPClient::allCases()) {
-    if (lowerCase(client.rawValue()) == lowerCase(name)) return client;
+    if (lowerCaseAscii(client.rawValue()) == lowerCaseAscii(name)) return client;
     known += (known.empty() ? "\"" : ", \"") + std::string(client.rawValue()) + "\"";
   }
   throw CLI::ValidationError("there is no application \"" + name + "\"; the known ones are " +

@@ -54,6 +54,19 @@ INSTANTIATE_TEST_SUITE_P(
                     TrimCase{"\u200Bx\u200B", "\u200Bx\u200B"},  // zero width space is none
                     TrimCase{"\uFEFFx", "\uFEFFx"}, TrimCase{"é", "é"}));
 
+TEST(TrimBlanks, RemovesSpacesAndTabsAtBothEnds) {
+  EXPECT_EQ(trimBlanks(""), "");
+  EXPECT_EQ(trimBlanks(" \t "), "");
+  EXPECT_EQ(trimBlanks("\t a\t b "), "a\t b");
+  EXPECT_EQ(trimBlanks("a\r\n"), "a\r\n");
+}
+
+TEST(LowerCaseAscii, ChangesTheLettersOfAsciiOnly) {
+  EXPECT_EQ(lowerCaseAscii("@AMZ[`amz{09"), "@amz[`amz{09");
+  EXPECT_EQ(lowerCaseAscii("\u00C9A\xC0"), "\u00C9a\xC0");
+  EXPECT_EQ(lowerCaseAscii(std::string_view("A\0B", 3)), std::string("a\0b", 3));
+}
+
 TEST(Utf8FromLatin1, TurnsEachByteIntoItsCharacter) {
   EXPECT_EQ(utf8FromLatin1(""), "");
   EXPECT_EQ(utf8FromLatin1("plain ~"), "plain ~");

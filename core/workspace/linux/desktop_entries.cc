@@ -21,13 +21,6 @@ std::string_view withoutSuffix(std::string_view id) {
   return id;
 }
 
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-  return lower;
-}
-
 // Values write a space, a line feed, a tab, a carriage return and a backslash as \s \n \t \r \\.
 std::string unescaped(std::string_view value) {
   constexpr std::string_view kLetters = "sntr\\";
@@ -181,10 +174,10 @@ std::optional<DesktopEntries::Match> DesktopEntries::forWindowClass(
       if (entry && entry->startupWMClass == claimed) return Match{id, *entry};
     }
   }
-  for (const auto& name : {lowerCase(instance), lowerCase(windowClass)}) {
+  for (const auto& name : {lowerCaseAscii(instance), lowerCaseAscii(windowClass)}) {
     if (name.empty()) continue;
     for (const auto& [id, entry] : entries_) {
-      if (entry && lowerCase(id) == name) return Match{id, *entry};
+      if (entry && lowerCaseAscii(id) == name) return Match{id, *entry};
     }
   }
   return std::nullopt;

@@ -120,9 +120,7 @@ const char* encodingNamed(std::string_view name) {
       {"microsoft-cp1255", "CP1255"},
       {"microsoft-cp1256", "CP1256"},
   };
-  std::string lower(name);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  const std::string lower = lowerCaseAscii(name);
   const auto* found = std::find_if(std::begin(kNames), std::end(kNames),
                                    [&](const Named& named) { return named.name == lower; });
   return found == std::end(kNames) ? nullptr : found->encoding;
