@@ -25,6 +25,7 @@
 
 #include "core/base/check.h"
 #include "core/fetch/fetch_parts.h"
+#include "core/platform/descriptor.h"
 
 namespace tessum {
 namespace {
@@ -38,22 +39,11 @@ constexpr long kMostRedirects = 20;
 constexpr std::size_t kLargestPiece = std::size_t{256} << 10;
 static_assert(kLargestPiece + CURL_MAX_WRITE_SIZE <= kLargestFetchPart);
 
-// Gives false with errno set when that is not possible.
-bool write(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-    if (count == -1 && errno == EINTR) continue;
-    if (count == -1) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
-}
-
 void tell(FetchPart kind, std::string_view content) {
   const FetchPartHeader header{kind, static_cast<std::uint32_t>(content.size())};
   std::string part(reinterpret_cast<const char*>(&header), sizeof header);
   part += content;
-  if (!write(STDERR_FILENO, part)) std::exit(EXIT_FAILURE);
+  if (writeAll(STDERR_FILENO, part) != 0) std::exit(EXIT_FAILURE);
 }
 
 bool isSomebodyReading() {
@@ -179,7 +169,7 @@ class Transfer {
     if (writeError_ != 0) return false;
     if (gathered_.empty()) return true;
     tell(FetchPart::body, std::to_string(gathered_.size()));
-    if (!write(STDOUT_FILENO, gathered_)) {
+    if (writeAll(STDOUT_FILENO, gathered_) != 0) {
       writeError_ = errno;
       return false;
     }

@@ -5,18 +5,20 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include "core/base/limits.h"
 #include "core/mcp/mcp_server.h"
 #include "core/platform/calendar.h"
 #include "core/platform/clock.h"
+#include "core/platform/descriptor.h"
 #include "core/platform/folders.h"
 #include "core/platform/locations.h"
 #include "core/store/database.h"
 #include "server/line_reader.h"
-#include "server/output.h"
 #include "server/standard_streams.h"
 
 int main() {
@@ -36,7 +38,9 @@ int main() {
     auto response = server.handleBody(*line);
     if (!response) continue;
     *response += '\n';
-    writeAll(STDOUT_FILENO, *response);
+    if (writeAll(STDOUT_FILENO, *response) != 0) {
+      throw std::system_error(errno, std::generic_category(), "Cannot write standard output");
+    }
   }
   return 0;
 }

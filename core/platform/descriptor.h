@@ -1,9 +1,11 @@
-// Ownership of a file descriptor.
+// Ownership of a file descriptor, and what every use of one needs.
 
 #pragma once
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <string_view>
 #include <utility>
 
 namespace tessum {
@@ -32,5 +34,17 @@ class Descriptor {
  private:
   int number_ = -1;
 };
+
+// The result of the system call `call`, which is made again when a signal interrupts it.
+template <typename Call>
+auto retried(Call call) {
+  auto result = call();
+  while (result == -1 && errno == EINTR) result = call();
+  return result;
+}
+
+// Writes all of `bytes` to `descriptor`, in one system call where it takes them in one. Gives 0, or
+// -1 with errno set; some of the bytes may be written then. Any thread.
+[[nodiscard]] int writeAll(int descriptor, std::string_view bytes);
 
 }  // namespace tessum

@@ -37,14 +37,6 @@ constexpr int kMostLinks = 40;
   throw std::system_error(error, std::generic_category(), std::string(what) + " " + path);
 }
 
-// The result of `call`, which is made again when a signal interrupts it.
-template <typename Call>
-auto retried(Call call) {
-  auto result = call();
-  while (result == -1 && errno == EINTR) result = call();
-  return result;
-}
-
 // Why a file of this kind is not one to read or replace; 0 when it is.
 int refusalOf(const struct stat& file) {
   if (S_ISREG(file.st_mode)) return 0;
@@ -92,12 +84,7 @@ class NewFile {
   NewFile& operator=(const NewFile&) = delete;
 
   void write(std::string_view bytes) {
-    while (!bytes.empty()) {
-      const auto written =
-          retried([&] { return ::write(file_.number(), bytes.data(), bytes.size()); });
-      if (written == -1) fail();
-      bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
+    if (writeAll(file_.number(), bytes) != 0) fail();
   }
 
   // Only the system's administrator may give a file to another user, so a failure is none; one's
