@@ -23,10 +23,13 @@ class Files {
   virtual void createFolders(const std::string& path) const = 0;
 
   // Makes `bytes` the content of the file at `path`: afterwards it holds the old bytes or the new
-  // ones, never anything else, also when the computer stops halfway. The old file's permissions,
-  // and its owner where the system allows it, are kept; a new file is for the user alone (0600).
-  // A symbolic link stays one: what it points at is replaced. A failure leaves nothing behind.
-  // Only a regular file is replaced, or nothing at all.
+  // ones, never anything else, even if the computer stops halfway. The old file's owner and group
+  // are kept where the system allows it. So are its permissions, unless the group changes: then
+  // nobody may do more than before. A new file is for the user alone (0600). A symbolic link stays
+  // one: the file that it points at is replaced. Only a regular file can be replaced.
+  //
+  // A failure leaves nothing behind. A process that is killed may leave a hidden file; the next
+  // replacement in that folder removes it.
   virtual void replace(const std::string& path, std::string_view bytes) const = 0;
 };
 

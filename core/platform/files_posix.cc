@@ -1,10 +1,9 @@
 // Files over the system's calls.
 //
 // A file is replaced in one step like this: the new bytes go into a temporary file in the same
-// folder, are brought to the disk, and only then does that file take the old one's name, which
-// the system does at once or not at all. Whoever opens the name finds the old file or the new
-// one, and so does the next start after a power cut. A failure up to there leaves the old file as
-// it was, and the temporary one is removed; only a process killed on the way leaves it. The
+// folder and are brought to the disk. Then that file takes the old one's name, which the system
+// does at once or not at all. Whoever opens the name finds the old file or the new one, and so
+// does the next start after a power cut. A failure before that leaves the old file as it was. The
 // price: further hard links keep the old bytes, and extended attributes are not carried over.
 
 #include <fcntl.h>
@@ -13,7 +12,6 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -23,6 +21,7 @@
 #include "core/platform/descriptor.h"
 #include "core/platform/files.h"
 #include "core/platform/flush.h"
+#include "core/platform/temporary_file.h"
 
 namespace tessum {
 namespace {
@@ -71,59 +70,23 @@ std::optional<struct stat> fileToReplace(const std::string& path) {
   return found;
 }
 
-// The new file beside the one at `target`: removed when the object goes, unless it took its name.
-class NewFile {
- public:
-  explicit NewFile(const std::string& target) : target_(target), file_(create()) {
-    if (file_.number() == -1) fail();
-  }
-  ~NewFile() {
-    if (isTemporary_) retried([this] { return unlink(path_.c_str()); });
-  }
-  NewFile(const NewFile&) = delete;
-  NewFile& operator=(const NewFile&) = delete;
+// Gives the new file the owner of the one that it replaces, as far as the system allows: only the
+// administrator may give a file to another user, others only to a group of their own.
+void takeOwner(int file, const struct stat& old) {
+  if (retried([&] { return fchown(file, old.st_uid, old.st_gid); }) == 0) return;
+  constexpr auto kSameUser = static_cast<uid_t>(-1);
+  static_cast<void>(retried([&] { return fchown(file, kSameUser, old.st_gid); }));
+}
 
-  void write(std::string_view bytes) {
-    if (writeAll(file_.number(), bytes) != 0) fail();
-  }
-
-  // Only the system's administrator may give a file to another user, so a failure is none; one's
-  // own groups can do without.
-  void takeOwner(const struct stat& old) {
-    if (retried([&] { return fchown(file_.number(), old.st_uid, old.st_gid); }) == 0) return;
-    constexpr auto kSameUser = static_cast<uid_t>(-1);
-    static_cast<void>(retried([&] { return fchown(file_.number(), kSameUser, old.st_gid); }));
-  }
-
-  void setPermissions(mode_t permissions) {
-    if (retried([&] { return fchmod(file_.number(), permissions); }) != 0) fail();
-  }
-
-  // Brings the bytes to the disk and gives the file the name of the old one.
-  void takeName() {
-    if (retried([&] { return flushToDisk(file_.number()); }) != 0) fail();
-    if (file_.close() != 0 && errno != EINTR) fail();
-    if (retried([&] { return rename(path_.c_str(), target_.c_str()); }) != 0) fail();
-    isTemporary_ = false;
-  }
-
- private:
-  // A short name that no longer starts or ends like the target's, so that no application takes it
-  // for a configuration file, and that fits every file system.
-  int create() {
-    return retried([this] {
-      path_ = (std::filesystem::path(target_).parent_path() / ".tessum-XXXXXX").string();
-      return mkostemp(path_.data(), O_CLOEXEC);
-    });
-  }
-
-  [[noreturn]] void fail() const { tessum::fail("Cannot replace", target_, errno); }
-
-  const std::string target_;
-  std::string path_;
-  Descriptor file_;
-  bool isTemporary_ = true;
-};
+// The permissions of the file that replaces `old` and now belongs to `group`. With another group,
+// the members of either are others to one of the two files, so the group and the others get only
+// what both had: nobody may do more than before.
+mode_t permissionsLike(const struct stat& old, gid_t group) {
+  if (group == old.st_gid) return old.st_mode & kPermissions;
+  const unsigned user = old.st_mode & S_IRWXU;
+  const unsigned common = (old.st_mode >> 3U) & old.st_mode & S_IRWXO;
+  return static_cast<mode_t>(user | (common << 3U) | common);
+}
 
 }  // namespace
 
@@ -160,12 +123,23 @@ void SystemFiles::createFolders(const std::string& path) const {
 
 void SystemFiles::replace(const std::string& path, std::string_view bytes) const {
   const std::string target = followLinks(path);
+  const auto require = [&](int result) {
+    if (result != 0) fail("Cannot replace", target, errno);
+  };
   const auto old = fileToReplace(target);
-  NewFile file(target);
-  file.write(bytes);
-  if (old) file.takeOwner(*old);
-  file.setPermissions(old ? old->st_mode & kPermissions : kUserAlone);
-  file.takeName();
+  const std::string folder = std::filesystem::path(target).parent_path().string();
+  TemporaryFile file(folder.empty() ? "." : folder, "tessum-new");
+  require(writeAll(file.descriptor(), bytes));
+  mode_t permissions = kUserAlone;
+  if (old) {
+    takeOwner(file.descriptor(), *old);
+    struct stat made {};
+    require(retried([&] { return fstat(file.descriptor(), &made); }));
+    permissions = permissionsLike(*old, made.st_gid);
+  }
+  require(retried([&] { return fchmod(file.descriptor(), permissions); }));
+  require(retried([&] { return flushToDisk(file.descriptor()); }));
+  file.moveTo(target);
 }
 
 }  // namespace tessum

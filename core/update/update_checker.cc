@@ -190,7 +190,7 @@ class UpdateChecker::Worker : public std::enable_shared_from_this<Worker> {
     // In the folder the file goes to, so that moving it there is a matter of its name alone.
     const auto file = attempt([this] {
       createPrivateFolders(updatesFolder());
-      return std::make_shared<TemporaryFile>(updatesFolder());
+      return std::make_shared<TemporaryFile>(updatesFolder(), "download");
     });
     if (const auto* failure = std::get_if<Failure>(&file)) return endDownload(*failure);
     HttpEvents events;

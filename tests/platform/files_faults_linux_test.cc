@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/platform/files.h"
 #include "tests/support/folder_contents.h"
 #include "tests/support/system_call_faults_linux.h"
 #include "tests/support/temporary_folder.h"
@@ -115,6 +116,9 @@ TEST_P(FilesFaults, AKillLeavesTheOldFileOrTheNewOne) {
       EXPECT_EQ(content(), "new");
     }
     expectPermissions();
+    SystemFiles().replace(path_, "new");
+    EXPECT_EQ(content(), "new");
+    EXPECT_FALSE(isTemporaryFileLeft()) << "the next replacement removes it";
   }
   EXPECT_GE(old, 6);
 }

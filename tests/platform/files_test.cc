@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -156,6 +158,32 @@ TEST_F(FilesTest, AnotherUsersFileIsReplacedWhereTheFolderAllowsIt) {
   EXPECT_EQ(readFile(path_), "new");
 }
 
+struct GroupCase {
+  mode_t before;
+  mode_t after;
+};
+
+class FilesOfAnotherGroup : public FilesTest, public testing::WithParamInterface<GroupCase> {};
+
+// The file is the user's own; its group is one that the user may not give.
+TEST_P(FilesOfAnotherGroup, NobodyMayReadMoreWhenTheGroupCannotBeKept) {
+  if (geteuid() != 0) GTEST_SKIP() << "only the administrator may give files to any group";
+  constexpr uid_t kNobody = 65534;
+  constexpr gid_t kForeignGroup = 4321;
+  writeFile(path_, "old");
+  ASSERT_EQ(chown(path_.c_str(), kNobody, kForeignGroup), 0);
+  ASSERT_EQ(chmod(path_.c_str(), GetParam().before), 0);
+  const AsOrdinaryUser user(folder_);
+  files_.replace(path_, "new");
+  EXPECT_EQ(readFile(path_), "new");
+  EXPECT_EQ(permissionsOf(path_), GetParam().after);
+}
+
+INSTANTIATE_TEST_SUITE_P(Permissions, FilesOfAnotherGroup,
+                         testing::Values(GroupCase{0640, 0600}, GroupCase{0660, 0600},
+                                         GroupCase{0644, 0644}, GroupCase{0664, 0644},
+                                         GroupCase{0604, 0600}, GroupCase{02750, 0700}));
+
 TEST_F(FilesTest, AnEmptyContentEmptiesTheFile) {
   writeFile(path_, "old");
   files_.replace(path_, "");
@@ -215,7 +243,7 @@ TEST_F(FilesTest, AWriteThatStopsHalfwayLeavesTheOldFile) {
   };
   ChildProcess program(TESSUM_REPLACE_FILE_PROGRAM, options);
   EXPECT_EQ(program.finish(), (ExitStatus{.code = 1, .signal = {}}));
-  EXPECT_NE(program.errors().find("too large"), std::string::npos) << program.errors();
+  EXPECT_NE(program.errors().find(std::strerror(EFBIG)), std::string::npos) << program.errors();
   EXPECT_EQ(readFile(path_), "old");
   EXPECT_EQ(namesIn(folder_.path()), std::vector<std::string>{"settings.json"});
 }
