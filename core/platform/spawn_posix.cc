@@ -9,27 +9,47 @@
 #include <csignal>
 #include <system_error>
 
+#include "core/platform/descriptor.h"
+#include "core/platform/spawn_inheritance.h"
+
 extern char** environ;  // which no header of macOS declares
 
 namespace tessum {
 namespace {
 
-class Streams {
+// How a program is started: with which streams, in a session of its own, and with the usual
+// treatment of signals.
+class Setup {
  public:
-  Streams(int output, int errors) {
+  Setup(int output, int errors) {
     posix_spawn_file_actions_init(&actions_);
     posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    set(STDOUT_FILENO, output);
-    set(STDERR_FILENO, errors);
-  }
-  ~Streams() { posix_spawn_file_actions_destroy(&actions_); }
-  Streams(const Streams&) = delete;
-  Streams& operator=(const Streams&) = delete;
+    direct(STDOUT_FILENO, output);
+    direct(STDERR_FILENO, errors);
+    short flags = POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+    inheritStandardStreamsOnly(actions_, flags);
 
-  [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
+    posix_spawnattr_init(&attributes_);
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes_, &none);
+    sigset_t all;
+    sigfillset(&all);
+    posix_spawnattr_setsigdefault(&attributes_, &all);
+    posix_spawnattr_setflags(&attributes_, flags);
+  }
+  ~Setup() {
+    posix_spawnattr_destroy(&attributes_);
+    posix_spawn_file_actions_destroy(&actions_);
+  }
+  Setup(const Setup&) = delete;
+  Setup& operator=(const Setup&) = delete;
+
+  [[nodiscard]] const posix_spawn_file_actions_t* actions() const { return &actions_; }
+  [[nodiscard]] const posix_spawnattr_t* attributes() const { return &attributes_; }
 
  private:
-  void set(int stream, int descriptor) {
+  void direct(int stream, int descriptor) {
     if (descriptor == -1) {
       posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_WRONLY, 0);
     } else {
@@ -38,28 +58,6 @@ class Streams {
   }
 
   posix_spawn_file_actions_t actions_{};
-};
-
-class OwnSession {
- public:
-  OwnSession() {
-    posix_spawnattr_init(&attributes_);
-    sigset_t none;
-    sigemptyset(&none);
-    sigset_t all;
-    sigfillset(&all);
-    posix_spawnattr_setsigmask(&attributes_, &none);
-    posix_spawnattr_setsigdefault(&attributes_, &all);
-    posix_spawnattr_setflags(&attributes_,
-                             POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-  }
-  ~OwnSession() { posix_spawnattr_destroy(&attributes_); }
-  OwnSession(const OwnSession&) = delete;
-  OwnSession& operator=(const OwnSession&) = delete;
-
-  [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
-
- private:
   posix_spawnattr_t attributes_{};
 };
 
@@ -69,9 +67,10 @@ pid_t startProgram(std::vector<std::string> arguments, int output, int errors) {
   std::vector<char*> pointers;
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
+  const Setup setup(output, errors);
   pid_t process = 0;
-  const int error = posix_spawnp(&process, pointers[0], Streams(output, errors).get(),
-                                 OwnSession().get(), pointers.data(), environ);
+  const int error = posix_spawnp(&process, pointers[0], setup.actions(), setup.attributes(),
+                                 pointers.data(), environ);
   if (error != 0) {
     throw std::system_error(error, std::generic_category(), "Cannot start " + arguments[0]);
   }
@@ -79,8 +78,7 @@ pid_t startProgram(std::vector<std::string> arguments, int output, int errors) {
 }
 
 void waitForProgram(pid_t process) {
-  while (waitpid(process, nullptr, 0) == -1 && errno == EINTR) {
-  }
+  retried([process] { return waitpid(process, nullptr, 0); });
 }
 
 }  // namespace tessum
