@@ -2,12 +2,13 @@
 //
 //   TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]
 //
-// The body goes to standard output; what is known of it and how it ended goes to standard error, in
-// the form of core/platform/fetch_parts.h. The arguments are those of http_client.h there. It ends
-// when nobody reads its standard error any more.
+// The body goes to standard output; what is known of it, and how the transfer ended, goes to
+// standard error, in the form of core/fetch/fetch_parts.h. The arguments are described as settings
+// in core/fetch/fetch_program_client.h. The program ends when nobody reads its standard error any
+// more.
 //
 // It is a program of its own so that libcurl, with some thirty libraries that it brings, is in
-// memory for as long as a transfer takes, and not in the process that records.
+// memory only for as long as a transfer takes, and never in the process that records.
 
 #include <curl/curl.h>
 #include <poll.h>
@@ -34,16 +35,22 @@ using SteadyClock = std::chrono::steady_clock;
 
 constexpr long kMostRedirects = 20;
 
-// libcurl hands out a body in records of TLS, 16 KiB at most. What comes without a pause is
-// gathered and handed on in larger pieces, since each wakes the reader.
+// libcurl hands out a body in records of TLS, 16 KiB at most. Records that come without a pause are
+// gathered and handed on in larger pieces, since each piece wakes the reader.
 constexpr std::size_t kLargestPiece = std::size_t{256} << 10;
 static_assert(kLargestPiece + CURL_MAX_WRITE_SIZE <= kLargestFetchPart);
 
-void tell(FetchPart kind, std::string_view content) {
-  const FetchPartHeader header{kind, static_cast<std::uint32_t>(content.size())};
-  std::string part(reinterpret_cast<const char*>(&header), sizeof header);
-  part += content;
-  if (writeAll(STDERR_FILENO, part) != 0) std::exit(EXIT_FAILURE);
+std::string headerOf(FetchPart kind, std::size_t size) {
+  const FetchPartHeader header{kind, static_cast<std::uint32_t>(size)};
+  return {reinterpret_cast<const char*>(&header), sizeof header};
+}
+
+void say(std::string_view bytes) {
+  if (writeAll(STDERR_FILENO, bytes) != 0) std::exit(EXIT_FAILURE);
+}
+
+void tell(FetchPart kind, std::string_view content = "") {
+  say(headerOf(kind, content.size()).append(content));
 }
 
 bool isSomebodyReading() {
@@ -81,6 +88,7 @@ class Transfer {
     TESSUM_CHECK(multi_ != nullptr && easy_ != nullptr, "libcurl gives no handle");
     CURL* const easy = easy_.get();
     set(easy, CURLOPT_URL, url);
+    set(easy, CURLOPT_PATH_AS_IS, 1L);  // a tag or a name may hold "/../"
     allowOnlyHttps(easy);
     set(easy, CURLOPT_FOLLOWLOCATION, 1L);
     set(easy, CURLOPT_MAXREDIRS, kMostRedirects);
@@ -110,7 +118,7 @@ class Transfer {
     } else if (result != CURLE_OK) {
       tell(FetchPart::failure, curl_easy_strerror(result));
     } else {
-      tell(FetchPart::success, "");
+      tell(FetchPart::success);
     }
   }
 
@@ -161,20 +169,20 @@ class Transfer {
     return size * count;
   }
 
-  // Tells the head, unless that was done, and hands on what was gathered of the body. False when
-  // that cannot be written.
+  // Tells the head, unless that was done, and hands on the part of the body that was gathered.
+  // False when that cannot be written.
   bool handOn() {
     if (!hasToldHead_) tellHead();
     hasToldHead_ = true;
     if (writeError_ != 0) return false;
     if (gathered_.empty()) return true;
-    tell(FetchPart::body, std::to_string(gathered_.size()));
+    say(headerOf(FetchPart::body, gathered_.size()));
     if (writeAll(STDOUT_FILENO, gathered_) != 0) {
       writeError_ = errno;
       return false;
     }
     gathered_.clear();
-    tell(FetchPart::written, "");
+    tell(FetchPart::written);
     return true;
   }
 

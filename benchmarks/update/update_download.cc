@@ -23,6 +23,7 @@
 #include <variant>
 #include <vector>
 
+#include "core/fetch/fetch_program_client.h"
 #include "core/loop/system_main_loop.h"
 #include "core/update/update_checker.h"
 #include "tests/support/https_server.h"
@@ -59,9 +60,8 @@ int downloadHere(const std::string& base, const std::string& folder, const std::
   const SystemAppInfo appInfo;
   const NoOpener opener;
   SystemMainLoop loop;
-  ThreadQueue queue("update");
-  FetchProgramClient http({.program = TESSUM_FETCH_PROGRAM, .authoritiesFile = authority});
-  UpdateChecker checker({http, queue, loop, locations, appInfo, opener}, {base});
+  FetchProgramClient http(loop, {.program = TESSUM_FETCH_PROGRAM, .authoritiesFile = authority});
+  UpdateChecker checker({http, loop, locations, appInfo, opener}, {base});
   int status = 1;
   checker.setOnStateChange([&](const UpdateState& state) {
     if (const auto* error = std::get_if<update_state::Error>(&state)) {

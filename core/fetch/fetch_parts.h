@@ -1,6 +1,6 @@
-// What TessumFetch tells on its standard error: parts, one behind the other. Those of the head come
-// first, each where it is known; then two for each piece of the body, which itself goes to standard
-// output; then the one that says how it ended.
+// What TessumFetch says on its standard error: a sequence of parts, each a header and its content.
+// The parts of the head come first, as far as they are known; then two for each piece of the body;
+// then the one that says how the transfer ended.
 
 #pragma once
 
@@ -13,21 +13,21 @@ enum class FetchPart : std::uint32_t {
   url,                 // see HttpHead
   contentDisposition,  // likewise
   contentLength,       // in decimal digits
-  body,                // how many bytes follow on standard output, in decimal digits
-  written,             // that piece is there now
+  body,                // a piece of the body: its content goes to standard output
+  written,             // standard output has taken that piece
   failure,             // the end: what went wrong
   success              // the end: the whole body came
 };
 
-// Stands before the content of each part. Both programs run on one computer, so it is written as it
-// lies in memory.
+// Stands before the content of each part. Both programs run on one computer, so it has the form
+// that it has in memory. Where standard output and standard error lead to one pipe, each piece of
+// the body follows its header like any other content.
 struct FetchPartHeader {
   FetchPart kind;
   std::uint32_t size;  // bytes of the content
 };
 
-// The longest content of a part, and the longest piece of a body, that is to be expected. libcurl
-// takes no header this long.
+// The longest content. libcurl takes no header this long.
 inline constexpr std::size_t kLargestFetchPart = std::size_t{1} << 20;
 
 }  // namespace tessum

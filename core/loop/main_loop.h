@@ -30,6 +30,16 @@ class MainLoop {
 
   // Ends a timer: its task does not run again. One that has ended is no error. Main thread only.
   virtual void invalidateTimer(TimerToken token) = 0;
+
+  // Names one watch of one loop; never used twice.
+  enum class WatchToken : std::uint64_t {};
+
+  // Runs `task` whenever `descriptor` has bytes to read or has been closed by its peer. The
+  // descriptor stays the caller's and must stay open until it is unwatched. Main thread only.
+  virtual WatchToken watchReadable(int descriptor, Task task) = 0;
+
+  // Ends a watch: its task does not run again. One that has ended is no error. Main thread only.
+  virtual void unwatch(WatchToken token) = 0;
 };
 
 }  // namespace tessum

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -13,9 +12,6 @@ namespace tessum {
 // Belongs to main(); made, run and destroyed on the main thread. One per process.
 class SystemMainLoop final : public MainLoop {
  public:
-  // Names one watch of one loop; never used twice.
-  enum class WatchToken : std::uint64_t {};
-
   // What a watch waits for. A descriptor that its peer has closed, or that has an error, is ready
   // for both.
   enum class Readiness { readable, writable, readableOrWritable };
@@ -30,19 +26,17 @@ class SystemMainLoop final : public MainLoop {
   TimerToken startTimer(double seconds, Task task) override;
   TimerToken runAfter(double seconds, Task task) override;
   void invalidateTimer(TimerToken token) override;
+  WatchToken watchReadable(int descriptor, Task task) override {
+    return watch(descriptor, Readiness::readable, std::move(task));
+  }
+  void unwatch(WatchToken token) override;
 
   // Runs `task` whenever `descriptor` is ready. The descriptor stays the caller's and must stay
   // open until it is unwatched. Main thread only.
   WatchToken watch(int descriptor, Readiness readiness, Task task);
-  WatchToken watchReadable(int descriptor, Task task) {
-    return watch(descriptor, Readiness::readable, std::move(task));
-  }
 
   // Changes what a watch waits for. A watch that has ended is no error. Main thread only.
   void setReadiness(WatchToken token, Readiness readiness);
-
-  // Ends a watch: its task does not run again. One that has ended is no error. Main thread only.
-  void unwatch(WatchToken token);
 
   // Runs tasks, timers and watches until quit(). Main thread only.
   void run();

@@ -2,19 +2,21 @@
 
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
 #include "core/fetch/http_client.h"
 #include "core/loop/main_loop.h"
-#include "core/loop/serial_queue.h"
 #include "core/platform/app_info.h"
 #include "core/platform/locations.h"
+#include "core/platform/temporary_file.h"
 #include "core/platform/url_opener.h"
 #include "core/update/release_info.h"
 #include "core/update/update_state.h"
@@ -26,26 +28,25 @@ struct Failure {
   std::string description;
 };
 
-// How an operation that runs by itself ended.
+// How an operation that goes on after its call ended.
 template <typename T>
 using Outcome = std::variant<T, Failure>;
 
 // Asks a release service for the newest release, now and then every six hours, and downloads it
-// when told to. What it is doing it tells one observer, as UpdateState.
+// when told to. It tells one observer how far it is, as UpdateState.
 //
 // The service has two base URLs; the second is asked when the first one fails. The status of an
-// answer is not looked at: only whether the body is a release, and for a download not even that.
+// answer plays no part, only whether the body is a release; and the body of a download may be
+// anything.
 //
-// Made and destroyed on the main thread; further calls say where they may come from. The work is
-// done on the given queue, which should have nothing else to do, and never blocks the caller. The
-// destructor waits for the step under way, not for the network: a check or download then ends, its
-// temporary file is removed, and nothing is delivered any more.
+// No call waits for the network: each returns at once, and callbacks come later, from the main
+// loop. Destroying the checker ends a check or a download at once and removes its temporary file;
+// no callback runs any more. Every callback may destroy the checker. Main thread only.
 class UpdateChecker {
  public:
   // The world outside. All of it must outlive the checker.
   struct Surroundings {
     HttpClient& http;
-    SerialQueue& queue;
     MainLoop& mainLoop;
     const Locations& locations;
     const AppInfo& appInfo;
@@ -53,6 +54,9 @@ class UpdateChecker {
   };
 
   using StateObserver = std::function<void(const UpdateState&)>;
+
+  template <typename T>
+  using Done = std::function<void(Outcome<T>)>;
 
   // Over the base URLs that the build was configured with. Nothing is asked yet.
   explicit UpdateChecker(const Surroundings& surroundings);
@@ -65,54 +69,69 @@ class UpdateChecker {
   UpdateChecker(const UpdateChecker&) = delete;
   UpdateChecker& operator=(const UpdateChecker&) = delete;
 
-  // ----- State. Any thread. -----
+  // ----- State -----
 
-  // Sets the one observer; an empty function takes it away. It is called on the main thread with
-  // each state set from now on, in their order, also with one that equals the state before.
-  void setOnStateChange(StateObserver observer);
+  // Sets the one observer; an empty function takes it away. It hears of each state that is set from
+  // now on, in their order, also of one that equals the state before.
+  void setOnStateChange(StateObserver observer) { observer_ = std::move(observer); }
 
-  [[nodiscard]] UpdateState currentState() const;
+  [[nodiscard]] UpdateState currentState() const { return state_; }
 
   // The version of the running application; absent when it has none.
   [[nodiscard]] std::optional<std::string> appVersion() const;
 
-  // ----- Checking. Any thread, but for the first. -----
+  // ----- Checking -----
 
-  // Checks now and then every 21600 seconds. To be called once: a second call adds a second timer,
-  // and both run until the checker goes. Main thread only.
+  // Checks now and then every 21600 seconds. To be called once: a second call adds a second timer.
+  // Destroying the checker stops the last timer; an earlier one goes on and does nothing.
   void startPeriodicChecks();
 
   // Sets `checking`, asks for the latest release, and sets `available`, `upToDate` or `error`. A
-  // running download is not regarded. Does nothing when the application has no version.
+  // running download goes on. Does nothing when the application has no version.
   void checkForUpdates();
 
-  // Asks for the latest release and calls `done` with it, or with the last failure, on the queue.
-  // A checker that is destroyed meanwhile does not call it. The state stays as it is.
-  void fetchLatestRelease(std::function<void(Outcome<ReleaseInfo>)> done);
+  // Asks for the latest release and calls `done` with it, or with the last failure. The state stays
+  // as it is.
+  void fetchLatestRelease(Done<ReleaseInfo> done);
 
-  // ----- Downloading, one at a time. Any thread. -----
+  // ----- Downloading, one at a time -----
 
   // Downloads the first disk image (".dmg") of `release` into the folder "Updates" of the data
-  // folder, under the name that the server suggests, and has it opened. Sets `downloading` as it
-  // proceeds, as far as the server says how much there is, and in the end `readyToInstall` or
-  // `error`. A second call before the end takes over from the first: whichever download ends next
-  // ends the second call, and nothing is heard of the one left.
+  // folder, under the name that the server suggests, and hands it to the opener. Sets `downloading`
+  // again and again where the server says how long the file is, and in the end `readyToInstall` or
+  // `error`. There is room for one end: a second call before it takes it from the first call, and
+  // then gets the end of whichever download ends next; the end of the other one is dropped.
   void downloadAndInstall(const ReleaseInfo& release);
 
-  // Downloads the file `assetName` of the release `tag` and calls `done` with the file URL of the
-  // stored file, or with the last failure, on the queue; as above in every other respect, but for
-  // the states other than `downloading`.
-  void downloadAsset(const std::string& tag, const std::string& assetName,
-                     std::function<void(Outcome<std::string>)> done);
+  // Downloads the file `assetName` of the release `tag` in the same way, but opens nothing and sets
+  // no state except `downloading`. Calls `done` with the file URL of the stored file, or with the
+  // last failure.
+  void downloadAsset(const std::string& tag, const std::string& assetName, Done<std::string> done);
 
  private:
-  class Worker;
+  using Transfers = std::list<std::unique_ptr<HttpTransfer>>;
 
-  SerialQueue& queue_;
-  MainLoop& mainLoop_;
-  const AppInfo& appInfo_;
+  // Asks the base URL number `base`, and those after it if need be.
+  void fetchLatestRelease(std::size_t base, Done<ReleaseInfo> done);
+  void downloadAsset(std::size_t base, const std::string& tag, const std::string& name,
+                     Done<std::string> done);
+
+  void downloadFile(const std::string& url, Done<std::string> done);
+  [[nodiscard]] std::string store(TemporaryFile& file, const HttpHead& head) const;
+  void endDownload(Outcome<std::string> outcome);
+  void setState(UpdateState state);
+  [[nodiscard]] std::string updatesFolder() const;
+
+  const Surroundings around_;
+  const std::vector<std::string> baseUrls_;
+  UpdateState state_;
+  StateObserver observer_;
   std::optional<MainLoop::TimerToken> periodicTimer_;
-  std::shared_ptr<Worker> worker_;
+  Done<std::string> downloadContinuation_;
+  Transfers transfers_;  // those under way
+
+  // Goes with the checker. What the main loop runs later holds it weakly.
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 
 }  // namespace tessum

@@ -5,9 +5,8 @@
 #include <filesystem>
 #include <string>
 
-#include "core/fetch/http_client.h"
+#include "core/fetch/fetch_program_client.h"
 #include "core/loop/main_loop.h"
-#include "core/loop/serial_queue.h"
 #include "core/platform/app_info.h"
 #include "core/platform/locations.h"
 #include "core/platform/url_opener.h"
@@ -20,21 +19,22 @@ class Updater {
  public:
   // Both must outlive the updater.
   Updater(MainLoop& loop, const Locations& locations)
-      : http_({.program = fetchProgram(locations)}),
-        checker_({http_, queue_, loop, locations, appInfo_, opener_}) {}
+      : http_(loop, {.program = fetchProgram(locations)}),
+        checker_({http_, loop, locations, appInfo_, opener_}) {}
 
   [[nodiscard]] UpdateChecker& checker() { return checker_; }
 
  private:
-  // Where it lies is told from where this program does.
+  // The path of TessumFetch, which is installed at a fixed place relative to this program. Empty
+  // when the place of this program is not known.
   [[nodiscard]] static std::string fetchProgram(const Locations& locations) {
-    const std::filesystem::path program = locations.executablePath().value_or("");
-    return program.parent_path() / TESSUM_FETCH_PROGRAM;
+    const auto program = locations.executablePath();
+    if (!program) return {};
+    return std::filesystem::path(*program).parent_path() / TESSUM_FETCH_PROGRAM;
   }
 
   const SystemAppInfo appInfo_;
   const SystemUrlOpener opener_{};
-  ThreadQueue queue_{"com.tessum.update"};
   FetchProgramClient http_;
   UpdateChecker checker_;
 };

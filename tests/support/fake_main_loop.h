@@ -2,9 +2,10 @@
 
 #pragma once
 
+#include <poll.h>
+
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -19,17 +20,14 @@
 namespace tessum {
 
 // Nothing runs by itself: the test's thread, which stands for the main thread, calls runPosted(),
-// runUntil() or advance(). Other threads may post.
+// runUntil() or advance(). Other threads may post. Descriptors are real, time is not.
 class FakeMainLoop final : public MainLoop {
  public:
   explicit FakeMainLoop(FakeClock& clock) : clock_(clock) {}
 
   void post(Task task) override {
-    {
-      const std::lock_guard lock(mutex_);
-      posted_.push_back(std::move(task));
-    }
-    hasPosted_.notify_one();
+    const std::lock_guard lock(mutex_);
+    posted_.push_back(std::move(task));
   }
 
   TimerToken startTimer(double seconds, Task task) override {
@@ -49,24 +47,36 @@ class FakeMainLoop final : public MainLoop {
 
   void invalidateTimer(TimerToken token) override { timers_.erase(token); }
 
+  WatchToken watchReadable(int descriptor, Task task) override {
+    const WatchToken token{++lastToken_};
+    watches_[token] = {descriptor, std::move(task)};
+    return token;
+  }
+
+  void unwatch(WatchToken token) override { watches_.erase(token); }
+
   // Runs what was posted, also what that posts in turn. Returns how many tasks ran.
   int runPosted() {
     int count = 0;
-    while (Task task = takePosted(std::chrono::seconds(0))) {
+    while (Task task = takePosted()) {
       task();
       ++count;
     }
     return count;
   }
 
-  // Runs what is posted, now or later by other threads, until `isDone`. False when a minute of
-  // real time went by in vain.
+  // Runs what is posted, now or later by other threads, and the watches whose descriptors have
+  // something, until `isDone`. False when a minute of real time went by in vain.
   template <typename Predicate>
   [[nodiscard]] bool runUntil(Predicate isDone) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     while (!isDone()) {
       if (std::chrono::steady_clock::now() > deadline) return false;
-      if (Task task = takePosted(std::chrono::milliseconds(20))) task();
+      if (Task task = takePosted()) {
+        task();
+      } else {
+        runWatches();
+      }
     }
     return true;
   }
@@ -103,26 +113,48 @@ class FakeMainLoop final : public MainLoop {
   };
   using Timers = std::map<TimerToken, Timer>;
 
+  struct Watch {
+    int descriptor;
+    Task task;
+  };
+
   static bool isDueEarlier(const Timers::value_type& a, const Timers::value_type& b) {
     return a.second.due.secondsSince1970 < b.second.due.secondsSince1970;
   }
 
-  // The task posted first; none when `patience` ends without one.
-  template <typename Duration>
-  Task takePosted(Duration patience) {
-    std::unique_lock lock(mutex_);
-    hasPosted_.wait_for(lock, patience, [this] { return !posted_.empty(); });
+  // The task posted first, if there is one.
+  Task takePosted() {
+    const std::lock_guard lock(mutex_);
     if (posted_.empty()) return nullptr;
     Task task = std::move(posted_.front());
     posted_.pop_front();
     return task;
   }
 
+  // Waits a moment for a descriptor that has something.
+  void runWatches() {
+    std::vector<pollfd> descriptors;
+    std::vector<WatchToken> tokens;
+    for (const auto& [token, watch] : watches_) {
+      descriptors.push_back({watch.descriptor, POLLIN, 0});
+      tokens.push_back(token);
+    }
+    constexpr int kMilliseconds = 5;
+    if (poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), kMilliseconds) <= 0)
+      return;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+      const auto found = watches_.find(tokens[i]);
+      if (descriptors[i].revents == 0 || found == watches_.end()) continue;
+      const Task task = found->second.task;  // it may end its own watch
+      task();
+    }
+  }
+
   FakeClock& clock_;
   Timers timers_;
+  std::map<WatchToken, Watch> watches_;
   std::uint64_t lastToken_ = 0;
-  std::mutex mutex_;
-  std::condition_variable hasPosted_;
+  std::mutex mutex_;  // guards `posted_`
   std::deque<Task> posted_;
 };
 

@@ -1,9 +1,10 @@
+#include <curl/curl.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <atomic>
 #include <future>
+#include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/update/update_checker_fixture.h"
@@ -17,7 +18,7 @@ using update_state::Error;
 using update_state::Idle;
 using update_state::UpToDate;
 
-using States = std::vector<UpdateState>;
+const Error kUnreachable{curl_easy_strerror(CURLE_COULDNT_CONNECT)};
 
 class UpdateCheckTest : public UpdateCheckerTest {};
 
@@ -51,7 +52,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(UpdateCheckTest, StartsIdleAndAsksForNothing) {
   const auto server = serve(Routes());
   makeChecker(server->url(), server->url());
-  settle();
+  loop_.runPosted();
   EXPECT_EQ(checker_->currentState(), UpdateState(Idle{}));
   EXPECT_EQ(checker_->appVersion(), "1.2.0");
   EXPECT_TRUE(server->paths().empty());
@@ -103,7 +104,7 @@ TEST_F(UpdateCheckTest, ReportsTheFallbacksFailureWhenBothAreDown) {
   makeChecker(unreachableUrl(), unreachableUrl());
   checker_->checkForUpdates();
   ASSERT_TRUE(waitForCheck());
-  EXPECT_EQ(states_, (States{Checking{}, Error{"Couldn't connect to server"}}));
+  EXPECT_EQ(states_, (States{Checking{}, kUnreachable}));
 }
 
 TEST_F(UpdateCheckTest, ReportsTheNetworkWhenAnErrorPagePrecedesIt) {
@@ -111,7 +112,7 @@ TEST_F(UpdateCheckTest, ReportsTheNetworkWhenAnErrorPagePrecedesIt) {
   makeChecker(primary->url(), unreachableUrl());
   checker_->checkForUpdates();
   ASSERT_TRUE(waitForCheck());
-  EXPECT_EQ(states_.back(), UpdateState(Error{"Couldn't connect to server"}));
+  EXPECT_EQ(states_.back(), UpdateState(kUnreachable));
   EXPECT_EQ(primary->paths(), std::vector<std::string>{kLatestPath});
 }
 
@@ -149,13 +150,21 @@ INSTANTIATE_TEST_SUITE_P(
                    R"("assets":[{"name":"a","size":1,"contentType":""},{"name":1}]})",
                    "expected text at assets[1].name"}));
 
-TEST_F(UpdateCheckTest, ReadsALongAnswer) {
-  const std::string tag = "v2." + std::string(3'000'000, '0');
-  const auto server = serve(Routes(kLatestPath, answering(releaseJson(tag))));
-  makeChecker(server->url(), unreachableUrl());
+TEST_F(UpdateCheckTest, ReadsADescriptionOfOneMebibyteAndNoLonger) {
+  const std::size_t rest = (1 << 20) - releaseJson("v2.").size();
+  const std::string tag = "v2." + std::string(rest, '0');
+  std::atomic<bool> isLonger = false;
+  const auto server = serve([&](HttpsConnection& connection) {
+    connection.respond(releaseJson(isLonger ? tag + "0" : tag));
+  });
+  makeChecker(unreachableUrl(), server->url());
   checker_->checkForUpdates();
   ASSERT_TRUE(waitForCheck());
-  EXPECT_EQ(states_.back(), UpdateState(Available{release(tag)}));
+  EXPECT_EQ(takeStates().back(), UpdateState(Available{release(tag)}));
+  isLonger = true;
+  checker_->checkForUpdates();
+  ASSERT_TRUE(waitForCheck());
+  EXPECT_EQ(states_.back(), UpdateState(Error{"The answer is longer than 1048576 bytes"}));
 }
 
 TEST_F(UpdateCheckTest, GivesUpOnAnAnswerWithoutEnd) {
@@ -168,7 +177,7 @@ TEST_F(UpdateCheckTest, GivesUpOnAnAnswerWithoutEnd) {
   makeChecker(unreachableUrl(), server->url());
   checker_->checkForUpdates();
   ASSERT_TRUE(waitForCheck());
-  EXPECT_EQ(states_.back(), UpdateState(Error{"The answer is too long"}));
+  EXPECT_EQ(states_.back(), UpdateState(Error{"The answer is longer than 1048576 bytes"}));
 }
 
 TEST_F(UpdateCheckTest, DoesNothingWhenTheApplicationHasNoVersion) {
@@ -176,141 +185,21 @@ TEST_F(UpdateCheckTest, DoesNothingWhenTheApplicationHasNoVersion) {
   appInfo_.set(std::nullopt);
   makeChecker(server->url(), server->url());
   checker_->checkForUpdates();
-  settle();
+  loop_.runPosted();
   EXPECT_EQ(checker_->appVersion(), std::nullopt);
   EXPECT_TRUE(states_.empty());
   EXPECT_EQ(checker_->currentState(), UpdateState(Idle{}));
   EXPECT_TRUE(server->paths().empty());
 }
 
-TEST_F(UpdateCheckTest, TellsTheObserverEachTimeOnTheMainThread) {
-  makeChecker(unreachableUrl(), unreachableUrl());
-  std::vector<std::thread::id> threads;
-  checker_->setOnStateChange([&](const UpdateState& state) {
-    threads.push_back(std::this_thread::get_id());
-    states_.push_back(state);
-  });
-  const Error failure{"Couldn't connect to server"};
-  for (int i = 0; i < 2; ++i) {
-    checker_->checkForUpdates();
-    ASSERT_TRUE(waitForCheck());
-    EXPECT_EQ(takeStates(), (States{Checking{}, failure}));
-  }
-  EXPECT_EQ(threads, std::vector(4, std::this_thread::get_id()));
-}
-
-TEST_F(UpdateCheckTest, TellsALaterObserverNothingOfEarlierStates) {
-  makeChecker(unreachableUrl(), unreachableUrl());
-  checker_->setOnStateChange(nullptr);
-  checker_->checkForUpdates();
-  ASSERT_TRUE(
-      loop_.runUntil([&] { return std::holds_alternative<Error>(checker_->currentState()); }));
-  checker_->setOnStateChange([this](const UpdateState& state) { states_.push_back(state); });
-  settle();
-  EXPECT_TRUE(states_.empty());
-}
-
-TEST_F(UpdateCheckTest, DeliversAStateToTheObserverOfItsMoment) {
-  makeChecker(unreachableUrl(), unreachableUrl());
-  checker_->checkForUpdates();
-  // Both states are set, with the first observer in place, before anything is delivered.
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  while (!std::holds_alternative<Error>(checker_->currentState())) {
-    ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-    std::this_thread::yield();
-  }
-  waitForQueue();
-  bool isCalled = false;
-  checker_->setOnStateChange([&](const UpdateState&) { isCalled = true; });
-  loop_.runPosted();
-  EXPECT_EQ(states_.size(), 2u);
-  EXPECT_FALSE(isCalled);
-}
-
-TEST_F(UpdateCheckTest, LetsTheObserverEndTheChecker) {
-  makeChecker(unreachableUrl(), unreachableUrl());
-  checker_->setOnStateChange([this](const UpdateState& state) {
-    states_.push_back(state);
-    checker_.reset();
-  });
-  checker_->checkForUpdates();
-  ASSERT_TRUE(loop_.runUntil([this] { return checker_ == nullptr; }));
-  settle();
-  EXPECT_EQ(states_, States{Checking{}});
-}
-
-TEST_F(UpdateCheckTest, ChecksAtOnceAndThenEverySixHours) {
-  const auto server = serve(Routes(kLatestPath, answering(releaseJson("v1.0"))));
-  makeChecker(server->url(), unreachableUrl());
-  checker_->startPeriodicChecks();
-  ASSERT_TRUE(waitForCheck());
-  EXPECT_EQ(server->paths().size(), 1u);
-  for (std::size_t later = 2; later <= 4; ++later) {
-    loop_.advance(21599.5);
-    settle();
-    EXPECT_EQ(server->paths().size(), later - 1);
-    takeStates();
-    loop_.advance(0.5);
-    ASSERT_TRUE(waitForCheck());
-    EXPECT_EQ(server->paths().size(), later);
-  }
-  checker_.reset();
-  takeStates();
-  loop_.advance(10 * 21600);
-  settle();
-  EXPECT_TRUE(states_.empty());
-  EXPECT_EQ(server->paths().size(), 4u);
-}
-
-TEST_F(UpdateCheckTest, KeepsBothTimersWhenStartedTwice) {
-  makeChecker(unreachableUrl(), unreachableUrl());
-  checker_->startPeriodicChecks();
-  checker_->startPeriodicChecks();
-  EXPECT_EQ(loop_.timerIntervals(), (std::vector<double>{21600, 21600}));
-  checker_.reset();
-  // The first timer is still there and finds nothing to do.
-  EXPECT_EQ(loop_.timerIntervals(), std::vector<double>{21600});
-  loop_.advance(21600);
-  settle();
-  EXPECT_TRUE(states_.empty());
-}
-
-TEST_F(UpdateCheckTest, CanBeDestroyedDuringACheck) {
-  Signal isAsked;
-  const auto server = serve([&](HttpsConnection& connection) {
-    isAsked.give();
-    connection.waitUntilClosed();
-  });
-  makeChecker(server->url(), unreachableUrl());
-  checker_->checkForUpdates();
-  isAsked.wait();
-  checker_.reset();
-  settle();
-  EXPECT_TRUE(states_.empty());
-}
-
-TEST_F(UpdateCheckTest, CanBeDestroyedAtAnyMomentOfACheck) {
-  const auto server = serve(Routes(kLatestPath, answering(releaseJson("v2"))));
-  for (int i = 0; i < 20; ++i) {
-    makeChecker(server->url(), unreachableUrl());
-    checker_->checkForUpdates();
-    for (int turn = 0; turn < i; ++turn) settle();
-    checker_.reset();
-    takeStates();
-    settle();
-    EXPECT_TRUE(states_.empty());
-  }
-}
-
 TEST_F(UpdateCheckTest, FetchesTheReleaseForAnyoneWithoutChangingTheState) {
   const auto server = serve(Routes(kLatestPath, answering(releaseJson("v0.1"))));
   makeChecker(unreachableUrl(), server->url());
-  std::promise<Outcome<ReleaseInfo>> fetched;
-  checker_->fetchLatestRelease(
-      [&](Outcome<ReleaseInfo> outcome) { fetched.set_value(std::move(outcome)); });
-  const auto outcome = fetched.get_future().get();
-  ASSERT_TRUE(std::holds_alternative<ReleaseInfo>(outcome));
-  EXPECT_EQ(std::get<ReleaseInfo>(outcome), release("v0.1"));
+  std::optional<Outcome<ReleaseInfo>> fetched;
+  checker_->fetchLatestRelease([&](Outcome<ReleaseInfo> outcome) { fetched = std::move(outcome); });
+  ASSERT_TRUE(loop_.runUntil([&] { return fetched.has_value(); }));
+  ASSERT_TRUE(std::holds_alternative<ReleaseInfo>(*fetched));
+  EXPECT_EQ(std::get<ReleaseInfo>(*fetched), release("v0.1"));
   EXPECT_EQ(checker_->currentState(), UpdateState(Idle{}));
 }
 
@@ -325,24 +214,13 @@ TEST_F(UpdateCheckerDeathTest, NeedsAbsoluteHttpsUrls) {
 
 TEST_F(UpdateCheckerDeathTest, NeedsABaseUrl) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_DEATH(UpdateChecker({*http_, queue_, loop_, locations_, appInfo_, opener_},
-                             std::vector<std::string>()),
-               "no base URL");
-}
-
-TEST_F(UpdateCheckerDeathTest, IsNotDestroyedOnItsQueue) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  makeChecker(unreachableUrl(), unreachableUrl());
   EXPECT_DEATH(
-      {
-        queue_.post([this] { checker_.reset(); });
-        settle();
-      },
-      "destroyed on its own queue");
+      UpdateChecker({http_, loop_, locations_, appInfo_, opener_}, std::vector<std::string>()),
+      "no base URL");
 }
 
 TEST_F(UpdateCheckTest, WorksOverTheConfiguredUrls) {
-  const UpdateChecker checker({*http_, queue_, loop_, locations_, appInfo_, opener_});
+  const UpdateChecker checker({http_, loop_, locations_, appInfo_, opener_});
   EXPECT_EQ(checker.currentState(), UpdateState(Idle{}));
 }
 

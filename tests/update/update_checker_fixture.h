@@ -8,12 +8,12 @@
 #include <future>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "core/fetch/fetch_program_client.h"
 #include "core/update/update_checker.h"
 #include "tests/support/fake_clock.h"
 #include "tests/support/fake_main_loop.h"
@@ -48,18 +48,11 @@ class FakeLocations final : public Locations {
 // Remembers what it was to open.
 class FakeOpener final : public UrlOpener {
  public:
-  void open(const std::string& url) const override {
-    const std::lock_guard lock(mutex_);
-    urls_.push_back(url);
-  }
+  void open(const std::string& url) const override { urls_.push_back(url); }
 
-  [[nodiscard]] std::vector<std::string> urls() const {
-    const std::lock_guard lock(mutex_);
-    return urls_;
-  }
+  [[nodiscard]] const std::vector<std::string>& urls() const { return urls_; }
 
  private:
-  mutable std::mutex mutex_;
   mutable std::vector<std::string> urls_;
 };
 
@@ -70,6 +63,10 @@ class Signal {
 
   void wait() const {
     EXPECT_EQ(future_.wait_for(std::chrono::minutes(1)), std::future_status::ready);
+  }
+
+  [[nodiscard]] bool isGiven() const {
+    return future_.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
   }
 
  private:
@@ -100,6 +97,8 @@ class Routes {
   std::map<std::string, HttpsServer::Answer> answers_;
 };
 
+using States = std::vector<UpdateState>;
+
 constexpr auto kLatestPath = "/releases/macos/latest";
 
 inline HttpsServer::Answer answering(std::string body, std::string headers = "") {
@@ -124,11 +123,7 @@ inline ReleaseInfo release(const std::string& tag) {
 
 class UpdateCheckerTest : public testing::Test {
  protected:
-  UpdateCheckerTest() {
-    writeFile(folder_.file("authority.pem"), authority_.certificate());
-    http_ = std::make_unique<FetchProgramClient>(FetchProgramClient::Settings{
-        .program = TESSUM_FETCH_PROGRAM, .authoritiesFile = folder_.file("authority.pem")});
-  }
+  UpdateCheckerTest() { writeFile(folder_.file("authority.pem"), authority_.certificate()); }
 
   // A server with a certificate that the client accepts.
   [[nodiscard]] std::unique_ptr<HttpsServer> serve(HttpsServer::Answer answer) const {
@@ -138,7 +133,7 @@ class UpdateCheckerTest : public testing::Test {
   // Makes the checker, which records its states.
   void makeChecker(const std::string& primary, const std::string& fallback) {
     checker_ = std::make_unique<UpdateChecker>(
-        UpdateChecker::Surroundings{*http_, queue_, loop_, locations_, appInfo_, opener_},
+        UpdateChecker::Surroundings{http_, loop_, locations_, appInfo_, opener_},
         std::vector{primary, fallback});
     checker_->setOnStateChange([this](const UpdateState& state) { states_.push_back(state); });
   }
@@ -159,19 +154,6 @@ class UpdateCheckerTest : public testing::Test {
     return waitFor<update_state::ReadyToInstall, update_state::Error>();
   }
 
-  // Waits for all that was posted to the queue.
-  void waitForQueue() {
-    const auto isReached = std::make_shared<Signal>();
-    queue_.post([isReached] { isReached->give(); });
-    isReached->wait();
-  }
-
-  // The same, and delivers what the queue had to tell.
-  void settle() {
-    waitForQueue();
-    loop_.runPosted();
-  }
-
   // The states so far, which are then forgotten.
   std::vector<UpdateState> takeStates() { return std::exchange(states_, {}); }
 
@@ -184,8 +166,8 @@ class UpdateCheckerTest : public testing::Test {
   FakeLocations locations_{folder_.path()};
   FakeAppInfo appInfo_;
   FakeOpener opener_;
-  ThreadQueue queue_{"test.update"};
-  std::unique_ptr<HttpClient> http_;
+  FetchProgramClient http_{
+      loop_, {.program = TESSUM_FETCH_PROGRAM, .authoritiesFile = folder_.file("authority.pem")}};
   std::vector<UpdateState> states_;
   std::unique_ptr<UpdateChecker> checker_;
 };
