@@ -5,10 +5,27 @@ set(TESSUM_UPDATE_PRIMARY_URL "https://updates.tessum.example/" CACHE STRING
 set(TESSUM_UPDATE_FALLBACK_URL "https://updates-fallback.tessum.example/" CACHE STRING
   "Base URL that is asked when the primary one fails")
 
-# isBaseUrl() of core/update/urls.h refuses the same texts when the program runs.
+# Gives TRUE or FALSE in the variable `result`. isBaseUrl() of core/update/urls.h refuses the same
+# texts when the program runs.
+function(tessum_is_base_url text result)
+  set(hex "[0-9A-Fa-f]")
+  set(name "[A-Za-z0-9][A-Za-z0-9._~-]*")
+  set(address "\\[[0-9A-Fa-f.]*:[0-9A-Fa-f.]*:[0-9A-Fa-f.:]*\\]")
+  set(port "[0-9][0-9]?[0-9]?[0-9]?[0-9]?")
+  set(path "/([A-Za-z0-9._~!$&'()*+,=:@/-]|%${hex}${hex})*")
+  set(${result} FALSE PARENT_SCOPE)
+  if(NOT text MATCHES "^https://(${name}|${address})(:(${port}))?(${path})?$")
+    return()
+  endif()
+  if(CMAKE_MATCH_2 AND (CMAKE_MATCH_3 LESS 1 OR CMAKE_MATCH_3 GREATER 65535))
+    return()
+  endif()
+  set(${result} TRUE PARENT_SCOPE)
+endfunction()
+
 foreach(setting TESSUM_UPDATE_PRIMARY_URL TESSUM_UPDATE_FALLBACK_URL)
-  if(NOT "${${setting}}" MATCHES
-      "^https://[[A-Za-z0-9][][A-Za-z0-9._~:-]*(/[A-Za-z0-9._~!$&'()*+,;=:@%/-]*)?$")
+  tessum_is_base_url("${${setting}}" is_base_url)
+  if(NOT is_base_url)
     message(FATAL_ERROR
       "${setting} is not an absolute HTTPS URL without query and fragment: ${${setting}}")
   endif()

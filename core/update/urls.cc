@@ -1,7 +1,11 @@
 #include "core/update/urls.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <system_error>
 
 namespace tessum {
 namespace {
@@ -58,6 +62,43 @@ std::optional<char> encodedByte(std::string_view text, std::size_t at) {
   return static_cast<char>(static_cast<unsigned char>(*high << 4 | *low));
 }
 
+bool isHostName(std::string_view host) {
+  static constexpr std::string_view kMarks = "-._~";
+  return !host.empty() && isLetterOrDigit(host.front()) &&
+         std::all_of(host.begin(), host.end(), [](char c) {
+           return isLetterOrDigit(c) || kMarks.find(c) != std::string_view::npos;
+         });
+}
+
+// An address of version 6 in its brackets, told by its characters and the two colons it has at
+// least.
+bool isHostAddress(std::string_view host) {
+  if (host.size() < 2 || !host.starts_with('[') || !host.ends_with(']')) return false;
+  host = host.substr(1, host.size() - 2);
+  return std::count(host.begin(), host.end(), ':') >= 2 &&
+         std::all_of(host.begin(), host.end(),
+                     [](char c) { return hexDigit(c).has_value() || c == ':' || c == '.'; });
+}
+
+// A colon and a number from 1 to 65535.
+bool isPort(std::string_view text) {
+  constexpr std::size_t kMostDigits = 5;
+  std::uint16_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data() + 1, end, number);
+  return text.size() <= 1 + kMostDigits && stop == end && error == std::errc() && number > 0;
+}
+
+// Without a semicolon, which ends an item of a list in CMake.
+bool isBasePath(std::string_view path) {
+  for (std::size_t at = 0; at < path.size(); ++at) {
+    const bool isEncoded = encodedByte(path, at).has_value();
+    if (!isEncoded && (!isPathCharacter(path[at]) || path[at] == ';')) return false;
+    if (isEncoded) at += 2;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::vector<std::string> configuredBaseUrls() {
@@ -70,18 +111,12 @@ bool isBaseUrl(std::string_view text) {
   if (!text.starts_with(kScheme)) return false;
   text.remove_prefix(kScheme.size());
   const std::string_view authority = text.substr(0, text.find('/'));
-  if (authority.empty() || !(isLetterOrDigit(authority.front()) || authority.front() == '[')) {
-    return false;
-  }
-  for (const char c : authority) {
-    if (!isLetterOrDigit(c) && std::string_view("-._~:[]").find(c) == std::string_view::npos) {
-      return false;
-    }
-  }
-  for (const char c : text.substr(authority.size())) {
-    if (!isPathCharacter(c) && c != '%') return false;
-  }
-  return true;
+  const auto end = authority.starts_with('[') ? authority.find(']') + 1  // npos + 1 is 0
+                                              : authority.find(':');
+  const std::string_view host = authority.substr(0, end);
+  const std::string_view port = authority.substr(host.size());
+  return (isHostName(host) || isHostAddress(host)) && (port.empty() || isPort(port)) &&
+         isBasePath(text.substr(authority.size()));
 }
 
 std::string latestReleaseUrl(std::string_view base) {

@@ -12,7 +12,7 @@ namespace tessum {
 [[nodiscard]] std::vector<std::string> configuredBaseUrls();
 
 // Whether `text` is an absolute HTTPS URL that a path can be appended to: a host, perhaps a port
-// and a path, and nothing behind them.
+// and a path, but no user, query or fragment.
 [[nodiscard]] bool isBaseUrl(std::string_view text);
 
 // Where the newest release is described.
