@@ -58,6 +58,8 @@ class MonitorFeed {
     TimerToken startTimer(double, Task task) override;
     TimerToken runAfter(double seconds, Task task) override { return startTimer(seconds, task); }
     void invalidateTimer(TimerToken) override { lookForTitle = nullptr; }
+    WatchToken watchReadable(int, Task) override { return {}; }
+    void unwatch(WatchToken) override {}
 
     Task lookForTitle;
   };
