@@ -1,0 +1,139 @@
+// What a message of the bus holds, as values of C++.
+//
+// A C++ type stands for each type of D-Bus:
+//
+//   bool                 b        std::vector<T>         aT
+//   std::uint32_t        u        std::tuple<T, U...>    (TU...)
+//   std::uint64_t        t        BusVariant<T>          v, with a T in it
+//   std::string          s        BusObjectPath          o
+//   Descriptor           h
+
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "core/platform/descriptor.h"
+
+struct sd_bus_message;
+
+namespace tessum {
+
+// The path of an object, such as /org/freedesktop/DBus.
+struct BusObjectPath {
+  std::string text;
+
+  friend bool operator==(const BusObjectPath&, const BusObjectPath&) = default;
+};
+
+// A value whose type only the message tells. One with another type than T is not read.
+template <typename T>
+struct BusVariant {
+  T value{};
+
+  friend bool operator==(const BusVariant&, const BusVariant&) = default;
+};
+
+// A message that has come in. It is valid while the handler that gets it runs. Main thread only.
+class BusMessage {
+ public:
+  // `message` stays the caller's.
+  explicit BusMessage(sd_bus_message* message) : message_(message) {}
+
+  // Whether it says that a call has failed.
+  [[nodiscard]] bool isError() const;
+
+  // All that the message holds. Absent when that is not exactly of these types, or the message is
+  // an error. It may be read any number of times.
+  template <typename... Values>
+  [[nodiscard]] std::optional<std::tuple<Values...>> read() const {
+    std::tuple<Values...> values;
+    if (!begin((std::string() + ... + signatureOf(Type<Values>())))) return std::nullopt;
+    if (!std::apply([this](auto&... value) { return (take(value) && ...); }, values)) {
+      return std::nullopt;
+    }
+    return values;
+  }
+
+  // The same for a message that holds one value.
+  template <typename Value>
+  [[nodiscard]] std::optional<Value> readOne() const {
+    auto values = read<Value>();
+    if (!values) return std::nullopt;
+    return std::get<0>(std::move(*values));
+  }
+
+ private:
+  template <typename T>
+  struct Type {};
+
+  static std::string signatureOf(Type<bool>) { return "b"; }
+  static std::string signatureOf(Type<std::uint32_t>) { return "u"; }
+  static std::string signatureOf(Type<std::uint64_t>) { return "t"; }
+  static std::string signatureOf(Type<std::string>) { return "s"; }
+  static std::string signatureOf(Type<BusObjectPath>) { return "o"; }
+  static std::string signatureOf(Type<Descriptor>) { return "h"; }
+  template <typename T>
+  static std::string signatureOf(Type<BusVariant<T>>) {
+    return "v";
+  }
+  template <typename T>
+  static std::string signatureOf(Type<std::vector<T>>) {
+    return "a" + signatureOf(Type<T>());
+  }
+  template <typename... Ts>
+  static std::string signatureOf(Type<std::tuple<Ts...>>) {
+    return "(" + (signatureOf(Type<Ts>()) + ...) + ")";
+  }
+
+  // Goes to the start of what the message holds, if that has this signature.
+  [[nodiscard]] bool begin(const std::string& signature) const;
+
+  // Each takes the next value: false when there is none of that type.
+  [[nodiscard]] bool take(bool& value) const;
+  [[nodiscard]] bool take(std::uint32_t& value) const;
+  [[nodiscard]] bool take(std::uint64_t& value) const;
+  [[nodiscard]] bool take(std::string& value) const;
+  [[nodiscard]] bool take(BusObjectPath& value) const;
+  [[nodiscard]] bool take(Descriptor& value) const;
+
+  template <typename T>
+  [[nodiscard]] bool take(BusVariant<T>& value) const {
+    return enter('v', signatureOf(Type<T>())) && take(value.value) && leave();
+  }
+
+  template <typename T>
+  [[nodiscard]] bool take(std::vector<T>& values) const {
+    if (!enter('a', signatureOf(Type<T>()))) return false;
+    while (!isAtEnd()) {
+      T value{};
+      if (!take(value)) return false;
+      values.push_back(std::move(value));
+    }
+    return leave();
+  }
+
+  template <typename... Ts>
+  [[nodiscard]] bool take(std::tuple<Ts...>& values) const {
+    return enter('r', (signatureOf(Type<Ts>()) + ...)) &&
+           std::apply([this](auto&... value) { return (take(value) && ...); }, values) && leave();
+  }
+
+  // Goes into a container of that kind, and out behind it.
+  [[nodiscard]] bool enter(char kind, const std::string& contents) const;
+  [[nodiscard]] bool leave() const;
+
+  // Whether the container has no more values, or cannot be read any further.
+  [[nodiscard]] bool isAtEnd() const;
+
+  [[nodiscard]] bool takeText(char type, std::string& text) const;
+
+  sd_bus_message* message_;
+};
+
+}  // namespace tessum

@@ -1,0 +1,48 @@
+// Messages that no bus has carried.
+
+#pragma once
+
+#include <sys/socket.h>
+#include <systemd/sd-bus.h>
+#include <unistd.h>
+
+#include "core/base/check.h"
+
+namespace tessum {
+
+// A signal that is filled with values, and then read as if it had come in.
+class BusDraft {
+ public:
+  BusDraft() {
+    int ends[2] = {-1, -1};
+    bool isMade = socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends) == 0;
+    other_ = ends[1];
+    isMade = isMade && sd_bus_new(&bus_) >= 0 && sd_bus_set_fd(bus_, ends[0], ends[0]) >= 0 &&
+             sd_bus_start(bus_) >= 0 &&
+             sd_bus_message_new_signal(bus_, &message_, "/path", "an.interface", "Member") >= 0;
+    TESSUM_CHECK(isMade, "a message could not be made");
+  }
+  ~BusDraft() {
+    sd_bus_message_unref(message_);
+    sd_bus_close_unref(bus_);
+    close(other_);
+  }
+  BusDraft(const BusDraft&) = delete;
+  BusDraft& operator=(const BusDraft&) = delete;
+
+  // To append values to.
+  [[nodiscard]] sd_bus_message* message() { return message_; }
+
+  // The same once it has all its values.
+  [[nodiscard]] sd_bus_message* sealed() {
+    TESSUM_CHECK(sd_bus_message_seal(message_, 1, 0) >= 0, "a message could not be sealed");
+    return message_;
+  }
+
+ private:
+  int other_ = -1;
+  sd_bus* bus_ = nullptr;
+  sd_bus_message* message_ = nullptr;
+};
+
+}  // namespace tessum
