@@ -147,15 +147,6 @@ xcb_window_t Desktop::activeWindow() {
   return firstNumber("_NET_ACTIVE_WINDOW");
 }
 
-std::vector<xcb_window_t> Desktop::activeWindowsUntil(xcb_window_t last) {
-  const xcb_atom_t property = atom("_NET_ACTIVE_WINDOW");
-  std::vector<xcb_window_t> windows{activeWindow()};
-  while (windows.back() != last) {
-    if (waitForChange() == property) windows.push_back(activeWindow());
-  }
-  return windows;
-}
-
 void Desktop::manageWindows() {
   if (managerWindow_ != 0) xcb_destroy_window(connection_, managerWindow_);
   managerWindow_ = xcb_generate_id(connection_);

@@ -80,9 +80,6 @@ class Desktop {
   // The active window as the window manager publishes it; 0 when there is none.
   [[nodiscard]] xcb_window_t activeWindow();
 
-  // Each window that is found active, as often as another may be, until it is `last`.
-  [[nodiscard]] std::vector<xcb_window_t> activeWindowsUntil(xcb_window_t last);
-
   //////////////////////////////////////////////////////////////////////////////////////////////
   // What a window manager does, for tests that are one themselves.
 

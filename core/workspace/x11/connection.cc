@@ -31,7 +31,6 @@ constexpr NamedAtom kNamedAtoms[] = {
     {"_KDE_NET_WM_DESKTOP_FILE", &X11Atoms::desktopFile},
     {"UTF8_STRING", &X11Atoms::utf8String},
     {"COMPOUND_TEXT", &X11Atoms::compoundText},
-    {"_TESSUM_MARK", &X11Atoms::mark},
 };
 
 // All names in one round trip. A name that could not be had stays 0, which names no property.
@@ -94,10 +93,6 @@ bool X11Connection::isLost() const {
   return xcb_connection_has_error(connection_.get()) != 0;
 }
 
-std::uint32_t X11Connection::firstNumber() const {
-  return xcb_get_setup(connection_.get())->resource_id_base;
-}
-
 void X11Connection::watchProperties(std::uint32_t window) {
   watch(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
 }
@@ -113,14 +108,6 @@ void X11Connection::unwatch(std::uint32_t window) {
 // A window that is gone gives an error event, which nextEvent() passes on as none of the others.
 void X11Connection::watch(std::uint32_t window, std::uint32_t eventMask) {
   xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &eventMask);
-}
-
-// No window has this property. The question is only asked for the sake of an answer.
-void X11Connection::mark() {
-  xcb_delete_property(connection_.get(), rootWindow_, atoms_.mark);
-  const auto cookie = xcb_get_input_focus(connection_.get());
-  const Owned<xcb_get_input_focus_reply_t> reply(
-      xcb_get_input_focus_reply(connection_.get(), cookie, nullptr));
 }
 
 std::optional<std::vector<std::optional<X11Property>>> X11Connection::properties(

@@ -25,7 +25,6 @@ struct X11Atoms {
   std::uint32_t clientMachine;       // WM_CLIENT_MACHINE
   std::uint32_t utf8String;          // types
   std::uint32_t compoundText;
-  std::uint32_t mark;  // the property that mark() is about
 };
 
 struct X11Disconnect {
@@ -72,10 +71,6 @@ class X11Connection {
   [[nodiscard]] std::uint32_t rootWindow() const { return rootWindow_; }
   [[nodiscard]] const X11Atoms& atoms() const { return atoms_; }
 
-  // The first of the numbers that the server has given to this connection for its own use; they
-  // tell clients apart.
-  [[nodiscard]] std::uint32_t firstNumber() const;
-
   // Asks for the events of changed properties of `window`, or of its end. It is sent along with
   // the next request that has an answer.
   void watchProperties(std::uint32_t window);
@@ -83,9 +78,6 @@ class X11Connection {
 
   // Asks for no more events of `window`, likewise.
   void unwatch(std::uint32_t window);
-
-  // Sends a request that has no effect, to be found again among others. One round trip.
-  void mark();
 
   // The properties of `window` in the order of `names`, each absent where the window has none of
   // that name; absent as a whole when there is no such window. One round trip.

@@ -1,10 +1,9 @@
 // Windows in front on X11.
 //
 // The window manager writes the active window into a property of the root window. The server tells
-// of each change but not of the value, which has to be asked for. The values that came and went
-// before that are in the log of what the window manager has written; without a log, of changes that
-// follow each other faster than one can ask, the last is seen. A window may be gone when it is
-// asked about; it then counts as no window, until the change that its end brings about is told.
+// of each change but not of the value, which has to be asked for: of changes that follow each other
+// faster than that, the last is seen. A window may be gone when it is asked about; it then counts
+// as no window, until the change that its end brings about is told.
 //
 // A window manager that ends leaves its properties behind. Whether one lives is told by a window
 // of its own that another property names: it goes with the window manager.
@@ -14,7 +13,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <deque>
 #include <fstream>
 #include <map>
 #include <string_view>
@@ -26,7 +24,6 @@
 #include "core/workspace/linux/front_window.h"
 #include "core/workspace/x11/compound_text.h"
 #include "core/workspace/x11/connection.h"
-#include "core/workspace/x11/property_log.h"
 
 namespace tessum {
 namespace {
@@ -69,7 +66,6 @@ class X11Workspace final : public Workspace {
   X11Workspace(SystemMainLoop& loop, const std::string& display, DesktopEntries entries,
                WorkspaceNoticeHandler notice)
       : loop_(loop),
-        display_(display),
         connection_(display),
         entries_(std::move(entries)),
         notice_(std::move(notice)),
@@ -155,33 +151,16 @@ class X11Workspace final : public Workspace {
     return false;
   }
 
-  // The value read counts if the log is empty. Otherwise it is in the log itself, and others may
-  // have followed it there.
   void look() {
     const auto& atoms = connection_.atoms();
     const auto found = connection_.properties(connection_.rootWindow(),
                                               {atoms.activeWindow, atoms.windowManagerCheck});
     if (!found) return;
     const auto& [active, check] = std::tie((*found)[0], (*found)[1]);
-    const auto written = log_ ? log_->take() : std::vector<std::uint32_t>();
-    toShow_.insert(toShow_.end(), written.begin(), written.end());
     checkManager(check ? check->number().value_or(0) : 0, active.has_value());
-    if (!managerLives_) {
-      toShow_.push_back(0);
-    } else if (written.empty()) {
-      toShow_.push_back(active ? active->number().value_or(0) : 0);
-    }
-    showNext();
-  }
-
-  // One in each turn of the loop: those who are told of it may take long, and others wait.
-  void showNext() {
-    if (toShow_.empty()) return;
-    const std::uint32_t window = toShow_.front();
-    toShow_.pop_front();
+    const std::uint32_t window = managerLives_ && active ? active->number().value_or(0) : 0;
     watchOnly(window);
     tracker_.show(window == 0 ? std::nullopt : describe(window));
-    if (!toShow_.empty()) post([](X11Workspace& self) { self.showNext(); });
     readReceivedEvents();
   }
 
@@ -205,14 +184,6 @@ class X11Workspace final : public Workspace {
     connection_.watchDestruction(window);
     const auto found = connection_.properties(window, {connection_.atoms().windowManagerCheck});
     managerLives_ = found && (*found)[0] && (*found)[0]->number() == window;
-    if (managerLives_) openLog();
-  }
-
-  // What was written before the log began is only seen by looking again.
-  void openLog() {
-    log_ = X11PropertyLog::open(loop_, display_, connection_, managerWindow_,
-                                connection_.atoms().activeWindow);
-    if (log_) post([](X11Workspace& self) { self.look(); });
   }
 
   // Absent when the window is gone.
@@ -257,15 +228,12 @@ class X11Workspace final : public Workspace {
 
   void lose() {
     loop_.unwatch(watch_);
-    log_.reset();
-    toShow_.clear();
     tracker_.clear();
     if (std::exchange(hasToldLoss_, true)) return;
     notice_({"The X11 display has gone away; nothing more can be recorded.", true});
   }
 
   SystemMainLoop& loop_;
-  const std::string display_;
   X11Connection connection_;
   DesktopEntries entries_;
   const WorkspaceNoticeHandler notice_;
@@ -274,9 +242,7 @@ class X11Workspace final : public Workspace {
   SystemMainLoop::WatchToken watch_{};
   std::uint32_t managerWindow_ = 0;  // the one checked last
   bool managerLives_ = false;
-  std::uint32_t watchedWindow_ = 0;      // the active one
-  std::unique_ptr<X11PropertyLog> log_;  // what that manager writes; null where there is none
-  std::deque<std::uint32_t> toShow_;     // active windows, one after another
+  std::uint32_t watchedWindow_ = 0;  // the active one
   bool hasToldLoss_ = false;
   std::map<ObserverToken, ActivationHandler> observers_;
   std::uint64_t lastToken_ = 0;
