@@ -6,7 +6,7 @@ apt_packages() {
   case $1 in
     build)
       echo g++ cmake ninja-build libasio-dev libcli11-dev libcurl4-openssl-dev libsimdjson-dev \
-        libsqlite3-dev libsystemd-dev libxcb1-dev
+        libsqlite3-dev libsystemd-dev libxcb-screensaver0-dev libxcb-sync0-dev libxcb1-dev
       ;;
     test)
       echo clang curl dbus-daemon libgtest-dev libssl-dev openbox openssl strace x11-utils xdotool \

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "core/loop/system_main_loop.h"
-#include "core/workspace/system_workspace.h"
+#include "core/workspace/desktop_sources.h"
 #include "desktop/doctor/finding.h"
 #include "desktop/doctor/title_permission.h"
 
@@ -18,8 +18,9 @@ std::vector<Finding> checkWorkspace() {
   };
   try {
     SystemMainLoop loop;
-    const auto workspace =
-        openSystemWorkspace(loop, [&](const WorkspaceNotice& notice) { add(notice.text); });
+    const SystemSteadyClock clock;
+    const auto sources =
+        openDesktopSources(loop, clock, [&](const WorkspaceNotice& notice) { add(notice.text); });
   } catch (const WorkspaceUnavailable& error) {
     add(error.what());
   }

@@ -81,10 +81,15 @@ void Desktop::restartWindowManager() {
   expect(eventually([&] { return activeWindow() == active; }), "the active window to come back");
 }
 
-xcb_window_t Desktop::addWindow(const std::string& windowClass) {
+xcb_window_t Desktop::addBareWindow() {
   const xcb_window_t window = xcb_generate_id(connection_);
   xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 200, 100, 0,
                     XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  return window;
+}
+
+xcb_window_t Desktop::addWindow(const std::string& windowClass) {
+  const xcb_window_t window = addBareWindow();
   using namespace std::string_literals;
   if (!windowClass.empty()) {
     setProperty(window, "WM_CLASS", "STRING", "instance\0"s + windowClass + "\0"s);
@@ -147,13 +152,18 @@ xcb_window_t Desktop::activeWindow() {
   return firstNumber("_NET_ACTIVE_WINDOW");
 }
 
-void Desktop::manageWindows() {
+xcb_window_t Desktop::manageWindows() {
   if (managerWindow_ != 0) xcb_destroy_window(connection_, managerWindow_);
   managerWindow_ = xcb_generate_id(connection_);
   xcb_create_window(connection_, XCB_COPY_FROM_PARENT, managerWindow_, root_, 0, 0, 1, 1, 0,
                     XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-  for (const xcb_window_t window : {managerWindow_, root_}) {
-    setNumber(window, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, managerWindow_);
+  publishManager(managerWindow_);
+  return managerWindow_;
+}
+
+void Desktop::publishManager(xcb_window_t window) {
+  for (const xcb_window_t says : {window, root_}) {
+    setNumber(says, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, window);
   }
 }
 

@@ -31,6 +31,8 @@ class Desktop {
   // The display's name, such as ":7".
   [[nodiscard]] const std::string& display() const { return display_; }
 
+  [[nodiscard]] xcb_window_t rootWindow() const { return root_; }
+
   // A folder that stands for the user's home and holds the data folder of the programs started.
   [[nodiscard]] const TemporaryFolder& home() const { return home_; }
   [[nodiscard]] std::string dataFolder() const { return home_.file("data/Tessum"); }
@@ -62,11 +64,18 @@ class Desktop {
   // only made.
   xcb_window_t addWindow(const std::string& windowClass);
 
+  // Makes a window that says nothing about itself and is not shown.
+  xcb_window_t addBareWindow();
+
   void removeWindow(xcb_window_t window);
 
   // Sets a text property of a window.
   void setProperty(xcb_window_t window, const std::string& name, const std::string& type,
                    const std::string& bytes);
+
+  // Sets a property of one number.
+  void setNumber(xcb_window_t window, const std::string& name, xcb_atom_t type,
+                 std::uint32_t number);
 
   // Gives a window the keyboard.
   void focus(xcb_window_t window);
@@ -83,8 +92,11 @@ class Desktop {
   //////////////////////////////////////////////////////////////////////////////////////////////
   // What a window manager does, for tests that are one themselves.
 
-  // Makes itself known, anew when it is called again.
-  void manageWindows();
+  // Makes itself known, anew when it is called again. Returns the window that does so.
+  xcb_window_t manageWindows();
+
+  // Says that `window`, which says the same of itself, is the one to check.
+  void publishManager(xcb_window_t window);
 
   void publishActiveWindow(xcb_window_t window);
   void publishNoActiveWindow();
@@ -94,9 +106,6 @@ class Desktop {
 
   // Waits for the next change of a property of the root window, and returns its name.
   xcb_atom_t waitForChange();
-
-  void setNumber(xcb_window_t window, const std::string& name, xcb_atom_t type,
-                 std::uint32_t number);
 
   [[nodiscard]] std::uint32_t firstNumber(const std::string& name);
 

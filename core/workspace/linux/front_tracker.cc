@@ -4,39 +4,82 @@
 
 namespace tessum {
 
-FrontTracker::FrontTracker(MainLoop& loop, Changed changed)
-    : loop_(loop), changed_(std::move(changed)) {}
+FrontTracker::FrontTracker(MainLoop& loop, FrontSource::Handler handler)
+    : loop_(loop), handler_(std::move(handler)) {}
 
 FrontTracker::~FrontTracker() {
   stopWaiting();
 }
 
-void FrontTracker::show(const std::optional<FrontWindow>& window) {
-  if (!window) {
-    if (current_ && !moment_) {
-      moment_ = loop_.startTimer(kMomentWithoutWindow, [this] { clear(); });
-    }
+void FrontTracker::show(const std::optional<FrontWindow>& window, Moment since) {
+  if (window && (!window->isAnonymous() || isToldAs(*window))) {
+    stopWaiting();
+    tell(*window, since);
     return;
   }
-  stopWaiting();
-  if (current_ && current_->key == window->key) {
-    current_->window = window->window;
-    return;
-  }
-  current_ = window;
-  changed_(window->application);
+  if (!hasTold_) tellNothing(since);
+  wait(window, since);
 }
 
-void FrontTracker::clear() {
+void FrontTracker::clear(Moment since) {
+  const Moment left = timer_ ? awaySince_ : since;
   stopWaiting();
-  if (!current_) return;
-  current_.reset();
-  changed_(std::nullopt);
+  if (front_) tellNothing(left);
+}
+
+bool FrontTracker::isToldAs(const FrontWindow& window) const {
+  return front_ && key_ == window.key;
+}
+
+void FrontTracker::wait(const std::optional<FrontWindow>& window, Moment since) {
+  if (!timer_) {
+    if (!front_ && !window) return;
+    awaySince_ = since;
+    latest_ = {window, since};
+    startTimer();
+    return;
+  }
+  const bool isSameWindow = window && latest_.window && window->key == latest_.window->key;
+  latest_ = {window, isSameWindow ? latest_.since : since};
+}
+
+void FrontTracker::startTimer() {
+  timer_ = loop_.runAfter(kMomentWithoutWindow, [this] { endWaiting(); });
 }
 
 void FrontTracker::stopWaiting() {
-  if (moment_) loop_.invalidateTimer(*moment_);
-  moment_.reset();
+  if (timer_) loop_.invalidateTimer(*timer_);
+  timer_.reset();
+}
+
+// A window that came later has not been there for long enough: nothing is in front before it, and
+// it gets a moment of its own.
+void FrontTracker::endWaiting() {
+  timer_.reset();
+  if (latest_.window && latest_.since == awaySince_) {
+    tell(*latest_.window, latest_.since);
+    return;
+  }
+  if (front_) tellNothing(awaySince_);
+  if (!latest_.window) return;
+  awaySince_ = latest_.since;
+  startTimer();
+}
+
+void FrontTracker::tell(const FrontWindow& window, Moment since) {
+  Front front{window.application, window.title};
+  if (isToldAs(window)) front.application = front_->application;
+  const bool isNews = !isToldAs(window) || front_ != front;
+  key_ = window.key;
+  front_ = std::move(front);
+  hasTold_ = true;
+  if (isNews) handler_(front_, since);
+}
+
+void FrontTracker::tellNothing(Moment since) {
+  front_.reset();
+  hasTold_ = true;
+  handler_(std::nullopt, since);
 }
 
 }  // namespace tessum

@@ -13,8 +13,8 @@ std::optional<DesktopEntries::Match> findEntry(const WindowDescription& descript
                                 description.windowClass.value_or(""));
 }
 
-// A number of another machine's process says nothing here, and one whose machine is unknown may
-// be of another machine.
+// The number of a process means nothing on another machine, so it counts only when the window names
+// this machine.
 std::optional<std::int32_t> localProcess(const WindowDescription& description,
                                          const std::string& hostName) {
   if (description.clientMachine != hostName) return std::nullopt;
@@ -37,7 +37,7 @@ FrontWindow identify(const WindowDescription& description, const DesktopEntries&
     application.localizedName = processName(*process);
   }
 
-  // The class and not the instance, which many applications set for each kind of window.
+  // Many applications set another instance for each kind of window, so the class counts.
   ApplicationKey key{.name = "", .process = process, .window = 0};
   if (application.bundleIdentifier) {
     key.name = *application.bundleIdentifier;
@@ -46,7 +46,7 @@ FrontWindow identify(const WindowDescription& description, const DesktopEntries&
   } else if (!process) {
     key.window = description.window;
   }
-  return {description.window, key, application};
+  return {.key = key, .application = application};
 }
 
 }  // namespace tessum

@@ -1,4 +1,4 @@
-// Which application a window of an X11 desktop belongs to.
+// Which application a window of a Linux desktop belongs to.
 
 #pragma once
 
@@ -21,28 +21,34 @@ struct WindowDescription {
   std::optional<std::string> windowClass = {};    // second part of WM_CLASS
   std::optional<std::int32_t> process = {};       // _NET_WM_PID
   std::optional<std::string> clientMachine = {};  // WM_CLIENT_MACHINE: where that process runs
+
+  friend bool operator==(const WindowDescription&, const WindowDescription&) = default;
 };
 
 // Tells applications apart: two windows with equal keys belong to one application.
 struct ApplicationKey {
   std::string name;  // the desktop entry's id, else an id or a class of the window's own
   std::optional<std::int32_t> process;
-  std::uint32_t window = 0;  // 0 but for a window that says nothing else
+  std::uint32_t window = 0;  // 0 unless the window says nothing else
 
   friend bool operator==(const ApplicationKey&, const ApplicationKey&) = default;
 };
 
-// The active window, and the application it belongs to.
+// The active window, as the application it belongs to and its title.
 struct FrontWindow {
-  std::uint32_t window = 0;
   ApplicationKey key;
   RunningApplication application;
+  std::optional<std::string> title = {};  // never empty
+
+  // Whether the window says nothing about its application.
+  [[nodiscard]] bool isAnonymous() const { return key.name.empty() && !key.process; }
 };
 
 // Gives the name of a process of this machine; absent when there is no such process.
 using ProcessName = std::function<std::optional<std::string>(std::int32_t)>;
 
-// The application of the window with that description, on the machine called `hostName`.
+// The application of the window with that description, on the machine called `hostName`. The title
+// is left absent.
 [[nodiscard]] FrontWindow identify(const WindowDescription& description,
                                    const DesktopEntries& entries, const std::string& hostName,
                                    const ProcessName& processName);

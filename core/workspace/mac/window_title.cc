@@ -15,14 +15,18 @@ struct Release {
 template <typename Reference>
 using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, Release>;
 
+// How long an application that does not respond may hold up the main thread, for each question.
+constexpr float kPatienceSeconds = 1;
+
 // Null unless the call succeeds and gives a value.
 Owned<CFTypeRef> copyAttribute(AXUIElementRef element, CFStringRef name) {
+  AXUIElementSetMessagingTimeout(element, kPatienceSeconds);
   CFTypeRef value = nullptr;
   if (AXUIElementCopyAttributeValue(element, name, &value) != kAXErrorSuccess) return nullptr;
   return Owned<CFTypeRef>(value);
 }
 
-// Counted, not ended by a zero byte: a title may hold one.
+// A title may hold a zero byte, so its end is found by counting.
 std::optional<std::string> utf8Of(CFStringRef text) {
   const CFRange all{0, CFStringGetLength(text)};
   constexpr UInt8 kInsteadOfLoneSurrogates = '?';

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <optional>
 #include <type_traits>
@@ -130,30 +131,53 @@ struct Close {
   void operator()(iconv_t converter) const { iconv_close(converter); }
 };
 
-void appendConverted(std::string& out, std::string bytes, const CharacterSet& set) {
-  if (bytes.empty()) return;
-  const iconv_t opened = set.encoding == nullptr ? iconv_t(-1) : iconv_open("UTF-8", set.encoding);
-  if (opened == iconv_t(-1)) {
-    out += kReplacement;
-    return;
-  }
-  const std::unique_ptr<std::remove_pointer_t<iconv_t>, Close> converter(opened);
+void appendConverted(std::string& out, std::string bytes, std::size_t bytesPerCharacter,
+                     iconv_t converter) {
+  iconv(converter, nullptr, nullptr, nullptr, nullptr);  // what came before does not matter
   char* from = bytes.data();
   std::size_t left = bytes.size();
   while (left > 0) {
     char buffer[256];
     char* to = buffer;
     std::size_t room = sizeof buffer;
-    const std::size_t result = iconv(opened, &from, &left, &to, &room);
+    const std::size_t result = iconv(converter, &from, &left, &to, &room);
     const int error = errno;
     out.append(buffer, to);
     if (result != std::size_t(-1) || error == E2BIG) continue;
     out += kReplacement;
-    const std::size_t skipped = std::min(left, set.bytesPerCharacter);
+    const std::size_t skipped = std::min(left, bytesPerCharacter);
     from += skipped;
     left -= skipped;
   }
 }
+
+// Keeps converters open: opening one takes long, and a text may change its set at each character.
+class Converters {
+ public:
+  // Appends `bytes` as UTF-8.
+  void append(std::string& out, std::string bytes, const CharacterSet& set) {
+    if (bytes.empty()) return;
+    const iconv_t converter = set.encoding == nullptr ? nullptr : converterFrom(set.encoding);
+    if (converter == nullptr) {
+      out += kReplacement;
+      return;
+    }
+    appendConverted(out, std::move(bytes), set.bytesPerCharacter, converter);
+  }
+
+ private:
+  // Null when the library does not know the encoding.
+  iconv_t converterFrom(const char* encoding) {
+    const auto [found, isNew] = converters_.try_emplace(encoding);
+    if (isNew) {
+      const iconv_t opened = iconv_open("UTF-8", encoding);
+      if (opened != iconv_t(-1)) found->second.reset(opened);
+    }
+    return found->second.get();
+  }
+
+  std::map<std::string_view, std::unique_ptr<std::remove_pointer_t<iconv_t>, Close>> converters_;
+};
 
 class CompoundText {
  public:
@@ -215,8 +239,8 @@ class CompoundText {
     const auto segment = take(high * 128 + low);
     const auto end = segment.find(kEndOfName);
     if (end == std::string_view::npos) return;
-    appendConverted(out_, std::string(segment.substr(end + 1)),
-                    {encodingNamed(segment.substr(0, end)), 1});
+    converters_.append(out_, std::string(segment.substr(end + 1)),
+                       {encodingNamed(segment.substr(0, end)), 1});
   }
 
   // The characters of one half up to what ends them.
@@ -236,10 +260,11 @@ class CompoundText {
     if (set.encoding != kAscii.encoding) {
       for (char& byte : bytes) byte = static_cast<char>(static_cast<unsigned char>(byte) | 0x80U);
     }
-    appendConverted(out_, std::move(bytes), set);
+    converters_.append(out_, std::move(bytes), set);
   }
 
   std::string_view rest_;
+  Converters converters_;
   CharacterSet lower_ = kAscii;
   CharacterSet upper_ = kLatin1;
   std::string out_;

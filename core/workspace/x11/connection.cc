@@ -6,16 +6,15 @@
 #include <cstring>
 #include <string_view>
 
-#include "core/workspace/system_workspace.h"
+#include "core/workspace/desktop_sources.h"
+#include "core/workspace/title.h"
 
 namespace tessum {
 namespace {
 
-// In items of four bytes. A longer title is cut.
-constexpr std::uint32_t kLongestProperty = 4096;
-
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, X11Free>;
+// In items of four bytes: one more than a title may have, so that a character that is cut here is
+// beyond what is kept.
+constexpr std::uint32_t kLongestProperty = kLongestTitle / 4 + 1;
 
 struct NamedAtom {
   std::string_view name;
@@ -45,14 +44,14 @@ X11Atoms internAtoms(xcb_connection_t* connection) {
   atoms.windowClass = XCB_ATOM_WM_CLASS;
   atoms.clientMachine = XCB_ATOM_WM_CLIENT_MACHINE;
   for (std::size_t i = 0; i < cookies.size(); ++i) {
-    const Owned<xcb_intern_atom_reply_t> reply(
+    const X11Owned<xcb_intern_atom_reply_t> reply(
         xcb_intern_atom_reply(connection, cookies[i], nullptr));
     if (reply) atoms.*kNamedAtoms[i].atom = reply->atom;
   }
   return atoms;
 }
 
-const xcb_screen_t* screenNumber(xcb_connection_t* connection, int number) {
+const xcb_screen_t* screenWithNumber(xcb_connection_t* connection, int number) {
   auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
   for (; number > 0 && screens.rem > 0; --number) xcb_screen_next(&screens);
   return screens.data;
@@ -79,7 +78,8 @@ X11Connection::X11Connection(const std::string& display) {
   int screen = 0;
   connection_.reset(xcb_connect(display.c_str(), &screen));
   if (isLost()) throw WorkspaceUnavailable("Cannot connect to the X11 display " + display + ".");
-  rootWindow_ = screenNumber(connection_.get(), screen)->root;
+  rootWindow_ = screenWithNumber(connection_.get(), screen)->root;
+  selectEvents(rootWindow_, XCB_EVENT_MASK_PROPERTY_CHANGE);
   atoms_ = internAtoms(connection_.get());
 }
 
@@ -93,37 +93,40 @@ bool X11Connection::isLost() const {
   return xcb_connection_has_error(connection_.get()) != 0;
 }
 
-void X11Connection::watchProperties(std::uint32_t window) {
-  watch(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+void X11Connection::watchEnd(std::uint32_t window) {
+  if (window == rootWindow_) return;
+  selectEvents(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
 }
 
-void X11Connection::watchDestruction(std::uint32_t window) {
-  watch(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+void X11Connection::watchEndAndProperties(std::uint32_t window) {
+  if (window == rootWindow_) return;
+  selectEvents(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
 }
 
 void X11Connection::unwatch(std::uint32_t window) {
-  watch(window, XCB_EVENT_MASK_NO_EVENT);
+  if (window == rootWindow_) return;
+  selectEvents(window, XCB_EVENT_MASK_NO_EVENT);
 }
 
 // A window that is gone gives an error event, which nextEvent() passes on as none of the others.
-void X11Connection::watch(std::uint32_t window, std::uint32_t eventMask) {
+void X11Connection::selectEvents(std::uint32_t window, std::uint32_t eventMask) {
   xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &eventMask);
 }
 
-std::optional<std::vector<std::optional<X11Property>>> X11Connection::properties(
-    std::uint32_t window, const std::vector<std::uint32_t>& names) {
+std::optional<X11Properties> X11Connection::properties(std::uint32_t window,
+                                                       const std::vector<std::uint32_t>& names) {
   std::vector<xcb_get_property_cookie_t> cookies;
   for (const std::uint32_t name : names) {
     cookies.push_back(
         xcb_get_property(connection_.get(), 0, window, name, XCB_ATOM_ANY, 0, kLongestProperty));
   }
-  std::vector<std::optional<X11Property>> properties;
+  X11Properties properties;
   bool windowExists = true;
   for (const auto cookie : cookies) {
     xcb_generic_error_t* error = nullptr;
-    const Owned<xcb_get_property_reply_t> reply(
+    const X11Owned<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(connection_.get(), cookie, &error));
-    const Owned<xcb_generic_error_t> ownedError(error);
+    const X11Owned<xcb_generic_error_t> ownedError(error);
     auto& property = properties.emplace_back();
     if (!reply) {
       windowExists = false;
@@ -144,7 +147,7 @@ bool X11Connection::hasReceivedEvent() {
 }
 
 std::optional<X11Event> X11Connection::nextEvent() {
-  X11Reply taken = std::move(received_);
+  X11Owned<void> taken = std::move(received_);
   if (!taken) taken.reset(xcb_poll_for_event(connection_.get()));
   if (!taken) return std::nullopt;
   constexpr unsigned kSentByClient = 0x80;
@@ -152,14 +155,14 @@ std::optional<X11Event> X11Connection::nextEvent() {
   switch (event->response_type & ~kSentByClient) {
     case XCB_PROPERTY_NOTIFY: {
       const auto* change = static_cast<const xcb_property_notify_event_t*>(taken.get());
-      return X11Event{X11Event::Kind::propertyChanged, change->window, change->atom};
+      return X11Event{X11Event::Kind::propertyChanged, change->window, change->atom, change->time};
     }
     case XCB_DESTROY_NOTIFY: {
       const auto* end = static_cast<const xcb_destroy_notify_event_t*>(taken.get());
-      return X11Event{X11Event::Kind::windowDestroyed, end->window, 0};
+      return X11Event{X11Event::Kind::windowDestroyed, end->window, 0, 0};
     }
     default:
-      return X11Event{X11Event::Kind::other, 0, 0};
+      return X11Event{X11Event::Kind::other, 0, 0, 0};
   }
 }
 

@@ -35,7 +35,8 @@ using X11Handle = std::unique_ptr<xcb_connection_t, X11Disconnect>;
 struct X11Free {
   void operator()(void* memory) const;
 };
-using X11Reply = std::unique_ptr<void, X11Free>;  // what the library has allocated
+template <typename Reply>
+using X11Owned = std::unique_ptr<Reply, X11Free>;  // what the library has allocated
 
 // The value of a property: of text, or of numbers, which are here as they lie in memory.
 struct X11Property {
@@ -47,15 +48,19 @@ struct X11Property {
   [[nodiscard]] std::optional<std::uint32_t> number() const;
 };
 
+using X11Properties = std::vector<std::optional<X11Property>>;
+
 struct X11Event {
   enum class Kind { propertyChanged, windowDestroyed, other };
 
   Kind kind;
   std::uint32_t window;
-  std::uint32_t property;  // 0 but for propertyChanged
+  std::uint32_t property;  // 0 unless the kind is propertyChanged
+  std::uint32_t stamp;     // the server's time in milliseconds; likewise
 };
 
-// Not thread-safe. Once the connection is lost, every request gives nothing.
+// Tells of changed properties of the root window from its beginning, and of other windows on
+// demand. Once the connection is lost, every request gives nothing. Not thread-safe.
 class X11Connection {
  public:
   // Connects to the server that `display` names, such as ":0". Throws WorkspaceUnavailable.
@@ -71,32 +76,33 @@ class X11Connection {
   [[nodiscard]] std::uint32_t rootWindow() const { return rootWindow_; }
   [[nodiscard]] const X11Atoms& atoms() const { return atoms_; }
 
-  // Asks for the events of changed properties of `window`, or of its end. It is sent along with
-  // the next request that has an answer.
-  void watchProperties(std::uint32_t window);
-  void watchDestruction(std::uint32_t window);
+  // Asks for events of `window`: of its end, or of its changed properties too. The request is sent
+  // along with the next one that has an answer. Does nothing to the root window.
+  void watchEnd(std::uint32_t window);
+  void watchEndAndProperties(std::uint32_t window);
 
   // Asks for no more events of `window`, likewise.
   void unwatch(std::uint32_t window);
 
   // The properties of `window` in the order of `names`, each absent where the window has none of
-  // that name; absent as a whole when there is no such window. One round trip.
-  [[nodiscard]] std::optional<std::vector<std::optional<X11Property>>> properties(
-      std::uint32_t window, const std::vector<std::uint32_t>& names);
+  // that name, and cut to what a title may take; absent as a whole when there is no such window.
+  // One round trip.
+  [[nodiscard]] std::optional<X11Properties> properties(std::uint32_t window,
+                                                        const std::vector<std::uint32_t>& names);
 
-  // Whether an event came in with a reply: then the descriptor does not tell of it.
+  // Whether an event came in with a reply: the descriptor does not become readable for it.
   [[nodiscard]] bool hasReceivedEvent();
 
   // The next event that is here, without waiting for one.
   [[nodiscard]] std::optional<X11Event> nextEvent();
 
  private:
-  void watch(std::uint32_t window, std::uint32_t eventMask);
+  void selectEvents(std::uint32_t window, std::uint32_t eventMask);
 
   X11Handle connection_;
   std::uint32_t rootWindow_ = 0;
   X11Atoms atoms_{};
-  X11Reply received_;  // an event that was looked at but not yet taken
+  X11Owned<void> received_;  // an event that was looked at but not yet taken
 };
 
 }  // namespace tessum

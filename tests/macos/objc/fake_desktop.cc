@@ -58,6 +58,7 @@ struct Notification : Object {
 
 struct Element : Object {
   int process;
+  float patience = 0;
 };
 
 bool isConstant(const Object* object) {
@@ -297,8 +298,21 @@ Object* AXUIElementCreateApplication(int process) {
   return make<Element>(elementClass, process);
 }
 
+int AXUIElementSetMessagingTimeout(Element* element, float seconds) {
+  element->patience = seconds;
+  return 0;
+}
+
+double CGEventSourceSecondsSinceLastEventType(int state, unsigned type) {
+  constexpr int kThisSession = 0;
+  constexpr unsigned kAnyInput = 0xFFFF'FFFF;
+  TESSUM_CHECK(state == kThisSession && type == kAnyInput, "other input");
+  return theDesktop->secondsSinceInput;
+}
+
 // A call that fails says nothing of the value's place: here it leaves what is not to be used.
 int AXUIElementCopyAttributeValue(const Element* element, const Object* name, Object** value) {
+  TESSUM_CHECK(element->patience > 0 && element->patience <= 1, "waits too long for an answer");
   static Element window{{&elementClass, 1, nullptr}, kWindow};
   static Text text{{&NSString, 1, nullptr}, u"left behind", "left behind"};
   const auto result = theDesktop->attribute(element->process, constantText(name));

@@ -1,6 +1,7 @@
-// The part of AppKit, Core Foundation and the accessibility API that the core asks for what is in
-// front, as plain C++ that a test steers. It does what their documentation says, as far as it was
-// understood: a test with it shows what our code does, not what macOS does.
+// The part of AppKit, Core Foundation, Core Graphics and the accessibility API that the core asks
+// for what is in front and for input, as plain C++ that a test steers. It does what their
+// documentation says, as far as it was understood: a test with it shows what our code does, not
+// what macOS does.
 
 #pragma once
 
@@ -53,6 +54,9 @@ class Desktop {
 
   // Answers for the element of a process, or for kWindow.
   std::function<Attribute(int process, const std::string& name)> attribute;
+
+  // What the event source answers, for all kinds of input to this session.
+  double secondsSinceInput = 0;
 
  private:
   struct Observer;

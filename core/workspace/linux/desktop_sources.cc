@@ -1,12 +1,13 @@
-// Chooses the body that fits the session. Another one, for a Wayland compositor that lets the
-// focused window be seen, would be tried here before the others.
+// Chooses the bodies that fit the session.
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "core/platform/locations.h"
-#include "core/workspace/system_workspace.h"
-#include "core/workspace/x11/x11_workspace.h"
+#include "core/workspace/desktop_sources.h"
+#include "core/workspace/x11/front_source.h"
+#include "core/workspace/x11/idle_source.h"
 
 namespace tessum {
 namespace {
@@ -27,10 +28,16 @@ DesktopEntries systemDesktopEntries() {
           localeSuffixes(locale)};
 }
 
+std::unique_ptr<IdleSource> openX11IdleSource(SystemMainLoop& loop, const SteadyClock& clock,
+                                              const std::string& display) {
+  auto counter = openX11IdleCounter(loop, clock, display);
+  return counter ? std::move(counter) : openX11IdlePoll(loop, clock, display);
+}
+
 }  // namespace
 
-std::unique_ptr<Workspace> openSystemWorkspace(SystemMainLoop& loop,
-                                               WorkspaceNoticeHandler notice) {
+DesktopSources openDesktopSources(SystemMainLoop& loop, const SteadyClock& clock,
+                                  WorkspaceNoticeHandler notice) {
   const bool isWayland = !environment("WAYLAND_DISPLAY").empty();
   const auto display = environment("DISPLAY");
   if (display.empty()) {
@@ -38,11 +45,15 @@ std::unique_ptr<Workspace> openSystemWorkspace(SystemMainLoop& loop,
         isWayland ? "This is a Wayland session without X11: the focused window cannot be seen here."
                   : "There is no X11 display: DISPLAY is not set.");
   }
-  auto workspace = openX11Workspace(loop, display, systemDesktopEntries(), notice);
+  DesktopSources sources;
+  sources.front = openX11FrontSource(loop, clock, display, systemDesktopEntries(), notice);
   if (isWayland) {
+    // Input that goes to other windows is unknown to X11, so it cannot tell that there is none.
     notice({"This is a Wayland session: only windows of X11 applications can be seen.", false});
+  } else {
+    sources.idle = openX11IdleSource(loop, clock, display);
   }
-  return workspace;
+  return sources;
 }
 
 }  // namespace tessum

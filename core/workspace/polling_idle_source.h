@@ -1,0 +1,42 @@
+// The absence of input, where it can only be asked for.
+
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "core/loop/main_loop.h"
+#include "core/workspace/idle_source.h"
+
+namespace tessum {
+
+// Asks every few seconds while it is watched, so it tells up to that much too late; the moments it
+// tells are exact but for input that ends between two questions. Main thread only.
+class PollingIdleSource final : public IdleSource {
+ public:
+  // Gives the seconds since the last input; absent when that cannot be told any more.
+  using SecondsSinceInput = std::function<std::optional<double>()>;
+
+  static constexpr double kPollSeconds = 5.0;
+
+  // `loop` and `clock` must outlive this object.
+  PollingIdleSource(MainLoop& loop, const SteadyClock& clock, SecondsSinceInput secondsSinceInput);
+  ~PollingIdleSource() override;
+  PollingIdleSource(const PollingIdleSource&) = delete;
+  PollingIdleSource& operator=(const PollingIdleSource&) = delete;
+
+  void watch(double seconds, Handlers handlers) override;
+
+ private:
+  void poll(double threshold);
+  void stop();
+
+  MainLoop& loop_;
+  const SteadyClock& clock_;
+  const SecondsSinceInput secondsSinceInput_;
+  Handlers handlers_;
+  std::optional<MainLoop::TimerToken> timer_;
+  bool isIdle_ = false;
+};
+
+}  // namespace tessum

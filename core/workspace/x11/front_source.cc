@@ -1,0 +1,197 @@
+// Windows in front on X11.
+//
+// The server tells that the active window or a property of it has changed, but not to what: that
+// has to be asked for. Of changes that follow each other faster than we ask, the last is seen. A
+// window may be gone when it is asked about; it then counts as no window, until the window manager
+// publishes the next one.
+
+#include "core/workspace/x11/front_source.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <utility>
+#include <vector>
+
+#include "core/base/text.h"
+#include "core/workspace/linux/front_tracker.h"
+#include "core/workspace/x11/connection.h"
+#include "core/workspace/x11/server_time.h"
+#include "core/workspace/x11/window_manager.h"
+#include "core/workspace/x11/window_properties.h"
+
+namespace tessum {
+namespace {
+
+std::string hostName() {
+  std::array<char, 256> name{};
+  gethostname(name.data(), name.size() - 1);
+  return name.data();
+}
+
+std::optional<std::string> nameOfProcess(std::int32_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+  std::string name;
+  if (!std::getline(file, name) || name.empty()) return std::nullopt;
+  return validUtf8(name);
+}
+
+class X11FrontSource final : public FrontSource {
+ public:
+  X11FrontSource(SystemMainLoop& loop, const SteadyClock& clock, const std::string& display,
+                 DesktopEntries entries, WorkspaceNoticeHandler notice)
+      : loop_(loop),
+        connection_(display),
+        time_(clock),
+        manager_(connection_),
+        propertyNames_(windowPropertyNames(connection_.atoms())),
+        entries_(std::move(entries)),
+        notice_(std::move(notice)),
+        hostName_(hostName()),
+        tracker_(loop, [this](const auto& front, Moment since) { tell(front, since); }),
+        self_(std::make_shared<X11FrontSource*>(this)) {}
+
+  ~X11FrontSource() override {
+    if (watch_) loop_.unwatch(*watch_);
+  }
+
+  void start(Handler handler) override {
+    handler_ = std::move(handler);
+    watch_ = loop_.watchReadable(connection_.descriptor(), [this] { readEvents(); });
+    lookForWindow(time_.present());
+    readReceivedEvents();
+  }
+
+  [[nodiscard]] std::string way() const override { return "X11"; }
+
+ private:
+  // When what came last, of what an event may tell.
+  struct Changes {
+    std::optional<Moment> window;    // another window may be active
+    std::optional<Moment> property;  // the active window may have another title or application
+  };
+
+  // Asks once for all events that are here, however fast more of them come: others want the loop
+  // too.
+  void readEvents() {
+    const Changes changes = takeInEvents();
+    if (changes.window) {
+      lookForWindow(*changes.window);
+    } else if (changes.property) {
+      lookAtWindow(*changes.property);
+    }
+    if (connection_.isLost()) {
+      lose();
+    } else {
+      readReceivedEvents();
+    }
+  }
+
+  // Events that come in with an answer do not make the descriptor readable.
+  void readReceivedEvents() {
+    if (!connection_.hasReceivedEvent() && !connection_.isLost()) return;
+    loop_.post([weak = std::weak_ptr(self_)] {
+      if (const auto self = weak.lock()) (*self)->readEvents();
+    });
+  }
+
+  Changes takeInEvents() {
+    Changes changes;
+    while (const auto event = connection_.nextEvent()) {
+      const bool isStamped = event->kind == X11Event::Kind::propertyChanged;
+      const Moment moment = isStamped ? time_.ofEvent(event->stamp) : time_.present();
+      const bool endsWindow =
+          event->kind == X11Event::Kind::windowDestroyed && event->window == window_;
+      if (endsWindow) window_ = 0;  // another one may get its number
+      if (manager_.takeIn(*event) || endsWindow) {
+        changes.window = moment;
+      } else if (event->window == window_ && isAskedFor(event->property)) {
+        changes.property = moment;
+      }
+    }
+    static_cast<void>(time_.present());  // what comes from here on happens from here on
+    return changes;
+  }
+
+  [[nodiscard]] bool isAskedFor(std::uint32_t property) const {
+    return std::find(propertyNames_.begin(), propertyNames_.end(), property) !=
+           propertyNames_.end();
+  }
+
+  // Some window managers go on publishing the last window after its end.
+  void lookForWindow(Moment since) {
+    const std::uint32_t window = manager_.activeWindow();
+    if (window != window_) {
+      if (window_ != 0) connection_.unwatch(window_);
+      if (window != 0) connection_.watchEndAndProperties(window);
+      window_ = window;
+    }
+    lookAtWindow(since);
+  }
+
+  void lookAtWindow(Moment since) { tracker_.show(describeWindow(), since); }
+
+  // Absent when no window is active or it is gone.
+  std::optional<FrontWindow> describeWindow() {
+    if (window_ == 0) return std::nullopt;
+    const auto properties = connection_.properties(window_, propertyNames_);
+    if (!properties) {
+      window_ = 0;
+      return std::nullopt;
+    }
+    auto [description, title] = readWindowProperties(window_, *properties, connection_.atoms());
+    if (description != description_) {
+      entries_.refresh();
+      identified_ = identify(description, entries_, hostName_, nameOfProcess);
+      description_ = std::move(description);
+    }
+    identified_.title = std::move(title);
+    return identified_;
+  }
+
+  void tell(const std::optional<Front>& front, Moment since) {
+    handler_(front, since);
+    if (front || manager_.isThere() || connection_.isLost()) return;
+    notice_(
+        {"No window manager says which window is active; recording goes on when one does.", false});
+  }
+
+  void lose() {
+    if (!watch_) return;
+    loop_.unwatch(*watch_);
+    watch_.reset();
+    tracker_.clear(time_.present());
+    notice_({"The X11 display has gone away; nothing more can be recorded.", true});
+  }
+
+  SystemMainLoop& loop_;
+  X11Connection connection_;
+  X11ServerTime time_;
+  X11WindowManager manager_;
+  const std::vector<std::uint32_t> propertyNames_;
+  DesktopEntries entries_;
+  const WorkspaceNoticeHandler notice_;
+  const std::string hostName_;
+  Handler handler_;
+  FrontTracker tracker_;
+  std::optional<SystemMainLoop::WatchToken> watch_;  // from start() until the display is gone
+  std::uint32_t window_ = 0;                         // the active one, which is watched
+  std::optional<WindowDescription> description_;     // of the window looked at last
+  FrontWindow identified_;                           // from that
+
+  // What is posted holds this weakly: once it is gone, so is the source.
+  const std::shared_ptr<X11FrontSource*> self_;
+};
+
+}  // namespace
+
+std::unique_ptr<FrontSource> openX11FrontSource(SystemMainLoop& loop, const SteadyClock& clock,
+                                                const std::string& display, DesktopEntries entries,
+                                                WorkspaceNoticeHandler notice) {
+  return std::make_unique<X11FrontSource>(loop, clock, display, std::move(entries),
+                                          std::move(notice));
+}
+
+}  // namespace tessum
