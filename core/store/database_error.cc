@@ -1,5 +1,7 @@
 #include "core/store/database_error.h"
 
+#include <sqlite3.h>
+
 #include <utility>
 
 namespace tessum {
@@ -23,6 +25,10 @@ DatabaseError DatabaseError::prepareFailed(int code, std::string_view message) {
 
 DatabaseError DatabaseError::executionFailed(int code, std::string_view message) {
   return {Case::executionFailed, code, "Failed to execute statement: " + std::string(message)};
+}
+
+bool DatabaseError::isLocked() const {
+  return code_ == SQLITE_BUSY || code_ == SQLITE_LOCKED;
 }
 
 }  // namespace tessum

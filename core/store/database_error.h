@@ -24,6 +24,9 @@ class DatabaseError : public DescribedError {
   // SQLite's primary result code, such as SQLITE_BUSY.
   [[nodiscard]] int code() const { return code_; }
 
+  // Whether another program holds a lock, so that the same call may succeed later.
+  [[nodiscard]] bool isLocked() const;
+
  private:
   DatabaseError(Case errorCase, int code, std::string description);
 

@@ -109,18 +109,15 @@ std::vector<Activity> History::search(const std::string& query, std::int64_t lim
   return readSessions(statement, db_.get());
 }
 
-constexpr char kCurrentNote[] =
+constexpr char kOpenNotes[] =
     R"(SELECT id, text, started_at, ended_at
 FROM annotations
 WHERE ended_at IS NULL
-ORDER BY started_at DESC
-LIMIT 1;)";
+ORDER BY started_at DESC, id DESC;)";
 
-std::optional<Annotation> History::currentNote() {
-  Statement statement(db_.get(), kCurrentNote);
-  auto notes = readNotes(statement, db_.get());
-  if (notes.empty()) return std::nullopt;
-  return std::move(notes.front());
+std::vector<Annotation> History::openNotes() {
+  Statement statement(db_.get(), kOpenNotes);
+  return readNotes(statement, db_.get());
 }
 
 constexpr char kOpenSessions[] =

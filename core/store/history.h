@@ -92,8 +92,9 @@ class History {
   // and "_" in it stand for any text and any character, as they do for the assistants.
   [[nodiscard]] std::vector<Activity> search(const std::string& query, std::int64_t limit);
 
-  // The newest note that has not ended.
-  [[nodiscard]] std::optional<Annotation> currentNote();
+  // The notes that have not ended, the newest first; there is one at most unless somebody else
+  // wrote to the database.
+  [[nodiscard]] std::vector<Annotation> openNotes();
 
   // The sessions that have no end, the oldest first.
   [[nodiscard]] std::vector<Activity> openSessions();
@@ -118,6 +119,9 @@ class History {
 
   // Ends the session with row id `id` at `end`, if it has not ended yet.
   void endSession(std::int64_t id, Date end);
+
+  // Deletes the note with row id `id`.
+  void deleteNote(std::int64_t id);
 
   // Makes the file at `path` a copy of the history as it is at one moment. There must be no file at
   // `path` yet; when copying fails there is none afterwards. Throws std::system_error when it

@@ -49,6 +49,12 @@ void History::endSession(std::int64_t id, Date end) {
   Statement(db_.get(), kEndSession).bind(end).bindRowID(id).execute();
 }
 
+constexpr char kDeleteNote[] = "DELETE FROM annotations WHERE id = ?;";
+
+void History::deleteNote(std::int64_t id) {
+  Statement(db_.get(), kDeleteNote).bindRowID(id).execute();
+}
+
 // Page by page, with the lock released in between: a change made meanwhile begins the copy anew.
 void History::copyInto(sqlite3* target) {
   struct Finish {

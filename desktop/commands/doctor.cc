@@ -11,6 +11,7 @@
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/doctor/finding.h"
+#include "desktop/recording/left_open.h"
 #include "desktop/recording/recorder_state.h"
 #include "desktop/reports/wall_clock.h"
 
@@ -42,11 +43,12 @@ void examine(Host& host) {
   print(text);
 }
 
-// When `session` ends: after the time given, or where the next one began, whichever comes first.
+// When `session` ends: after the time given or where the next one began, whichever comes first;
+// without a time, where the recorder was last known to live.
 std::optional<Date> endOf(History& history, const Activity& session,
-                          const std::optional<double>& seconds) {
+                          const std::optional<double>& seconds, const RecorderState& recorder) {
+  if (!seconds) return endOfLeftOpen(history, session, recorder.lastSign);
   const auto next = history.startOfNext(session);
-  if (!seconds) return next;
   const Date end = movedBy(session.startTime, *seconds);
   return next && next->secondsSince1970 < end.secondsSince1970 ? *next : end;
 }
@@ -56,14 +58,15 @@ void closeOpenSessions(Host& host, const std::string& duration) {
   if (!duration.empty()) seconds = durationArgument(duration);
   History history(historyPath(host.locations), History::Access::write);
   auto open = history.openSessions();
-  if (currentSession(recorderState(host.locations), open)) open.pop_back();
+  const RecorderState recorder = recorderState(host.locations);
+  if (currentSession(recorder, open)) open.pop_back();
   if (open.empty()) print("No session was left open.\n");
   for (const Activity& session : open) {
     const std::string name = printable(session.appName) + " of " + dateText(session.startTime) +
                              " " + clockText(session.startTime);
-    const auto end = endOf(history, session, seconds);
+    const auto end = endOf(history, session, seconds, recorder);
     if (!end) {
-      print(name + " stays open: no session came after it. Say how long it lasted, as in\n" +
+      print(name + " stays open: nothing tells when it ended. Say how long it lasted, as in\n" +
             "\"Tessum doctor --close-open 10m\".\n");
       host.status = kFailure;
       continue;
@@ -80,9 +83,9 @@ void addDoctorCommand(CLI::App& app, Host& host) {
   const auto duration = std::make_shared<std::string>();
   auto* close = command
                     ->add_option("--close-open", *duration,
-                                 "end the sessions that a crash left open: this long after they "
-                                 "began (1h30m, 45m or 90), but at the latest where the next "
-                                 "session began; only there if no time is given")
+                                 "end the sessions that were left open: this long after they began "
+                                 "(1h30m, 45m or 90), but at the latest where the next session "
+                                 "began; without a time, where the recorder was last known to live")
                     ->type_name("[TIME]")
                     ->expected(0, 1);
   command->footer(

@@ -1,6 +1,7 @@
 #include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -61,7 +62,7 @@ std::string csvLine(std::string_view kind, Date start, const std::optional<Date>
   line += ',' + internetDateTime(start) + ',';
   if (end) line += internetDateTime(*end);
   line += ',';
-  if (end) line += secondsText(secondsBetween(start, *end));
+  if (end) line += secondsText(std::max(0.0, secondsBetween(start, *end)));
   line += ',' + csvField(appName) + ',' + csvField(bundleID) + ',' + csvField(text) + "\r\n";
   return line;
 }

@@ -21,6 +21,20 @@ struct NoteOptions {
   bool ends = false;
 };
 
+// Deletes the open notes that began at `start` or later, as nothing would be left of them, and
+// gives sentences that say so.
+std::string replaceNotesBegunFrom(Date start, const Host& host) {
+  History history(historyPath(host.locations), History::Access::write);
+  std::string text;
+  for (const Annotation& note : history.openNotes()) {
+    if (secondsBetween(start, note.startedAt) < 0) continue;
+    history.deleteNote(note.id.value_or(0));
+    text += "It takes the place of " + printable(note.text) + ", begun at " +
+            clockText(note.startedAt) + ".\n";
+  }
+  return text;
+}
+
 void startNote(const Host& host, const NoteOptions& options) {
   const std::string given = validUtf8(options.text);
   const std::string text(trimWhiteSpace(given));
@@ -34,20 +48,21 @@ void startNote(const Host& host, const NoteOptions& options) {
   }
   createPrivateFolders(host.locations.dataFolder());
   Database database(historyPath(host.locations), host.calendar);
+  const std::string replaced = replaceNotesBegunFrom(start, host);
   database.insertAnnotation({.id = {}, .text = text, .startedAt = start, .endedAt = {}});
-  print("Note started: " + printable(text) + " (since " + clockText(start) + ")\n");
+  print("Note started: " + printable(text) + " (since " + clockText(start) + ")\n" + replaced);
 }
 
 void endNote(const Host& host) {
   History history(historyPath(host.locations), History::Access::read);
-  const auto note = history.currentNote();
-  if (!note) {
+  const auto open = history.openNotes();
+  if (open.empty()) {
     print("There is no note to end.\n");
     return;
   }
   Database database(historyPath(host.locations), host.calendar);
   database.endCurrentAnnotation(host.clock.now());
-  print("Note ended: " + printable(note->text) + "\n");
+  print("Note ended: " + printable(open.front().text) + "\n");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/store/history.h"
 #include "core/store/records.h"
@@ -43,15 +44,18 @@ std::string sessionText(const std::optional<Activity>& session, Date now) {
   return text + ", " + sinceText(session->startTime, now);
 }
 
-std::string noteText(const std::optional<Annotation>& note, Date now) {
-  return note ? note->text + ", " + sinceText(note->startedAt, now) : "none";
+std::string noteText(const std::vector<Annotation>& open, Date now) {
+  return open.empty() ? "none" : open.front().text + ", " + sinceText(open.front().startedAt, now);
+}
+
+std::string joined(const std::vector<std::string>& texts) {
+  std::string joined;
+  for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
+  return joined;
 }
 
 std::string clientsText(const Host& host) {
-  std::string text;
-  for (const std::string& name : registeredClients(host)) {
-    text += (text.empty() ? "" : ", ") + name;
-  }
+  const std::string text = joined(registeredClients(host));
   return text.empty() ? "none; \"Tessum install\" registers them" : text;
 }
 
@@ -77,14 +81,19 @@ void showStatus(const Host& host) {
     table.addRow({{name, Tone::faint}, {value, tone}});
   };
   if (recorder.isRecording) {
-    add("Recording", "yes, " + sinceText(recorder.since.value_or(now), now), Tone::good);
+    add("Recording",
+        "yes, " + sinceText(recorder.since.value_or(now), now) +
+            (recorder.way.empty() ? "" : ", by " + recorder.way),
+        Tone::good);
+    if (recorder.awaySince) add("Away", sinceText(*recorder.awaySince, now));
+    if (!recorder.awake.empty()) add("Kept awake", "by " + joined(recorder.awake));
   } else {
     add("Recording", "no; \"Tessum record\" begins", Tone::bad);
   }
   try {
     History history(path, History::Access::read);
     add("In front", sessionText(currentSession(recorder, history.openSessions()), now));
-    add("Note", noteText(history.currentNote(), now));
+    add("Note", noteText(history.openNotes(), now));
     add("History", path + ", " + sizeText(std::filesystem::file_size(path)));
   } catch (const NoHistory&) {
     add("History", path + ", which does not exist yet");

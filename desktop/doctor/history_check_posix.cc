@@ -23,15 +23,39 @@ std::filesystem::path nearestExisting(std::filesystem::path path) {
   return path;
 }
 
-Finding openSessionsFinding(const Host& host, History& history) {
+std::string countText(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " session was" : " sessions were");
+}
+
+// Those left open by a recorder that was cut off, and those whose end could not be written.
+std::vector<Finding> openSessionFindings(const Host& host, History& history) {
+  constexpr auto kRemedy =
+      "\"Tessum doctor --close-open\" ends them, where it is known when, or after a time that you "
+      "give.";
+  const RecorderState recorder = recorderState(host.locations);
   auto open = history.openSessions();
-  if (currentSession(recorderState(host.locations), open)) open.pop_back();
-  if (open.empty()) return {"Every session of the past has ended.", ""};
-  const bool isOne = open.size() == 1;
-  return {std::to_string(open.size()) + (isOne ? " session was" : " sessions were") +
-              " left open by a recorder that was cut off, the oldest on " +
-              dateText(open.front().startTime) + ".",
-          "\"Tessum doctor --close-open\" ends each where the next one began."};
+  if (currentSession(recorder, open)) open.pop_back();
+  std::vector<Activity> cutOff;
+  std::vector<Activity> unwritten;
+  for (const Activity& session : open) {
+    const bool isLast = !history.startOfNext(session);
+    (isLast && !recorder.hasEnded ? cutOff : unwritten).push_back(session);
+  }
+  std::vector<Finding> findings;
+  if (!cutOff.empty()) {
+    findings.push_back({countText(cutOff.size()) +
+                            " left open by a recorder that was cut off, on " +
+                            dateText(cutOff.front().startTime) + ".",
+                        kRemedy});
+  }
+  if (!unwritten.empty()) {
+    findings.push_back({countText(unwritten.size()) +
+                            " left open because the history could not be written, the oldest on " +
+                            dateText(unwritten.front().startTime) + ".",
+                        kRemedy});
+  }
+  if (findings.empty()) findings.push_back({"Every session of the past has ended.", ""});
+  return findings;
 }
 
 }  // namespace
@@ -67,7 +91,7 @@ std::vector<Finding> checkHistory(const Host& host) {
     } else {
       findings.push_back({"The history " + path + " is sound.", ""});
     }
-    findings.push_back(openSessionsFinding(host, history));
+    for (auto& finding : openSessionFindings(host, history)) findings.push_back(finding);
   } catch (const NoHistory&) {
     findings.push_back({"There is no history yet; \"Tessum record\" begins one.", ""});
   } catch (const DatabaseError& error) {

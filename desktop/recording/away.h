@@ -11,9 +11,9 @@
 namespace tessum {
 
 // The user is away while the screen is locked, while the computer sleeps, and once nothing has been
-// touched for long enough, unless something keeps the screen awake: a video or a call. Without input
-// the time away counts from the last input or, when that is later, from when nothing kept the screen
-// awake any more. Main thread only.
+// touched for long enough, unless something keeps the screen awake: a video or a call. Without
+// input the time away counts from the last input or, when that is later, from when nothing kept the
+// screen awake any more. Main thread only.
 class Away {
  public:
   // Told once for each time away; `since` may lie before other calls.

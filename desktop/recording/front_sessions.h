@@ -1,10 +1,10 @@
 // Makes sessions of what is in front.
 //
-// A session is a stretch of one application with one title. A title that changes within an application
-// begins a new session once it has lasted five seconds, counted from when it appeared: titles that go
-// sooner, such as those of spinners and loading pages, join the session before them. Before an
-// application's first title has lasted that long there is no such session, so it gives its time to the
-// title that follows it.
+// A session is a stretch of one application with one title. A title that changes within an
+// application begins a new session once it has lasted five seconds, counted from when it appeared:
+// titles that go sooner, such as those of spinners and loading pages, join the session before them.
+// Before an application's first title has lasted that long there is no such session, so it gives
+// its time to the title that follows it.
 
 #pragma once
 

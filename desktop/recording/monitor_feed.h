@@ -1,9 +1,9 @@
 // What the monitor is shown of the desktop.
 //
-// The monitor follows a desktop by itself: it takes the clock's time when it is told of an activation,
-// and looks for a title every five seconds. The recorder knows more: when something happened, which
-// title belongs to it, and what is not to be recorded at all. So the monitor gets a workspace, a clock
-// and a loop that show it just that, one step after another.
+// The monitor follows a desktop by itself: it takes the clock's time when it is told of an
+// activation, and looks for a title every five seconds. The recorder knows more: when something
+// happened, which title belongs to it, and what is not to be recorded at all. So the monitor gets a
+// workspace, a clock and a loop that show it just that, one step after another.
 
 #pragma once
 

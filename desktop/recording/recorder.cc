@@ -3,19 +3,31 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <stdexcept>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "core/base/limits.h"
 #include "core/platform/folders.h"
+#include "core/presence/system_presence.h"
+#include "core/store/database.h"
 #include "core/store/history.h"
-#include "desktop/recording/recorder_state.h"
+#include "desktop/recording/left_open.h"
+#include "desktop/reports/wall_clock.h"
 #include "desktop/update/update_dialogue.h"
 
 namespace tessum {
 namespace {
+
+// How long a lock on the database is waited for when recording begins and ends.
+constexpr double kLockPatienceSeconds = 5;
+
+// How often the lock's file is touched: the sign of life by which a session that a crash leaves
+// open is ended later. With the interval of the tick it is never a minute old.
+constexpr double kTouchSeconds = 30;
 
 void say(const std::string& text) {
   std::fprintf(stderr, "Tessum: %s\n", text.c_str());
@@ -38,52 +50,125 @@ std::string preparedFolder(const Host& host) {
   return folder;
 }
 
-FileLock lockOf(const Locations& locations, const std::string& folder) {
-  auto lock = FileLock::take(recorderFile(locations));
-  if (!lock) throw std::runtime_error("Another recorder is already writing to " + folder + ".");
-  return std::move(*lock);
+std::shared_ptr<FileLock> lockOf(const Host& host) {
+  auto lock = FileLock::take(recorderFile(host.locations));
+  if (!lock) {
+    throw std::runtime_error("Another recorder is already writing to " +
+                             host.locations.dataFolder() + ".");
+  }
+  return std::make_shared<FileLock>(std::move(*lock));
 }
 
-// The monitor drops what it cannot write without a word, so a store that takes nothing, for being
-// read-only or damaged, has to be found out before.
-std::shared_ptr<Database> writableStore(const std::string& path, const Calendar& calendar) {
-  auto database = std::make_shared<Database>(path, calendar);
-  History(path, History::Access::write).tryWriting();
-  return database;
+void sayWhatWasLeftOpen(const std::vector<Activity>& ended) {
+  if (ended.empty()) return;
+  const Date end = *ended.back().endTime;
+  say((ended.size() == 1 ? "A session was" : std::to_string(ended.size()) + " sessions were") +
+      " left open when the recorder was cut off; " +
+      (ended.size() == 1 ? "it ends" : "the last one ends") + " at " + dateText(end) + " " +
+      clockText(end) + " now.");
+}
+
+// The path of a database that is there, takes sessions, and has none open. One that takes nothing,
+// for being read-only or damaged, has to be found out before anything is recorded.
+std::string preparedDatabase(const Host& host, const FileLock& lock) {
+  const std::string path = historyPath(host.locations);
+  const auto deadline =
+      std::chrono::steady_clock::now() + std::chrono::duration<double>(kLockPatienceSeconds);
+  while (true) {
+    try {
+      { const Database made(path, host.calendar); }
+      History history(path, History::Access::write);
+      history.tryWriting();
+      sayWhatWasLeftOpen(endLeftOpen(history, lock.lastModified()));
+      return path;
+    } catch (const DatabaseError& error) {
+      if (!error.isLocked() || std::chrono::steady_clock::now() >= deadline) throw;
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+  }
 }
 
 }  // namespace
 
-Recorder::Recorder(const Host& host)
-    : locations_(host.locations),
+Recorder::Recorder(const Host& host, const RecordingSettings& settings)
+    : host_(host),
       folder_(preparedFolder(host)),
-      lock_(lockOf(locations_, folder_)),
+      lock_(lockOf(host)),
       signals_(loop_, [this] { loop_.quit(); }),
-      database_(writableStore(historyPath(host.locations), host.calendar)),
-      workspace_(openSystemWorkspace(loop_, [this](const auto& notice) { handle(notice); })),
-      monitor_(database_, host.clock, *workspace_, loop_) {}
+      database_(preparedDatabase(host, *lock_)),
+      queue_("com.tessum.history"),
+      journal_(std::make_shared<SessionJournal>(database_, loop_, queue_, say)),
+      recording_(journal_, host.clock, steady_, loop_, settings, [this] { publishState(); }),
+      desktop_(openDesktopSources(loop_, steady_, [this](const auto& notice) { handle(notice); })),
+      presence_(openSystemPresence(loop_, steady_)),
+      awayAfter_(settings.awayAfter) {
+  state_.since = host.clock.now();
+  state_.way = desktop_.front->way();
+  publishState();
+}
 
 void Recorder::watchForReleases() {
-  updater_.emplace(loop_, locations_);
+  updater_.emplace(loop_, host_.locations);
   announceReleases(updater_->checker(), [](std::string_view line) {
     std::fprintf(stderr, "%.*s", static_cast<int>(line.size()), line.data());
   });
 }
 
 void Recorder::serveHTTP(const Host& host) {
-  endpoint_.emplace(database_->path(), limits::kDefaultPort, host.clock, host.calendar);
+  endpoint_.emplace(database_, limits::kDefaultPort, host.clock, host.calendar);
   std::printf("%s\n", endpoint_->url().c_str());
   std::fflush(stdout);
 }
 
 int Recorder::run() {
   surviveBrokenPipes();
-  monitor_.start();
-  sayToPerson("Recording into " + database_->path() + ". Press Control-C to stop.");
+  watchPresence();
+  desktop_.front->start(
+      [this](const std::optional<Front>& front, Moment since) { recording_.show(front, since); });
+  loop_.startTimer(Recording::kTickSeconds, [this] { tick(); });
+  sayToPerson("Recording into " + database_ + ". Press Control-C to stop.");
   loop_.run();
-  monitor_.stop();
+  recording_.stop();
+  if (!journal_->finish(kLockPatienceSeconds)) status_ = kFailure;
+  state_.hasEnded = true;
+  publishState();
   sayToPerson("Recording has stopped.");
   return status_;
+}
+
+void Recorder::watchPresence() {
+  if (desktop_.idle && awayAfter_) {
+    desktop_.idle->watch(
+        *awayAfter_, {.onIdle = [this](Moment lastInput) { recording_.away().noteIdle(lastInput); },
+                      .onActive = [this](Moment input) { recording_.away().noteInput(input); }});
+  }
+  presence_->watch(
+      {.onLock = [this](bool isLocked, Moment when) { recording_.away().noteLock(isLocked, when); },
+       .onSleep =
+           [this](Moment when, PresenceHandlers::Delay delay) {
+             recording_.noteSleep(when);
+             journal_->holdUntilWritten(std::move(delay));
+           },
+       .onSessionEnd =
+           [this](Moment, PresenceHandlers::Delay delay) {
+             delay_ = std::move(delay);
+             loop_.quit();
+           },
+       .onWake = [this](Moment when) { recording_.noteWakeUp(when); },
+       .onKeptAwake =
+           [this](const std::vector<AwakeReason>& reasons, Moment when) {
+             state_.awake.clear();
+             for (const AwakeReason& reason : reasons) {
+               state_.awake.push_back(reason.who + (reason.why.empty() ? "" : ": " + reason.why));
+             }
+             recording_.away().noteKeptAwake(!reasons.empty(), when);
+             publishState();
+           }});
+}
+
+void Recorder::tick() {
+  recording_.tick();
+  if (secondsBetween(lastTouch_, steady_.now()) >= kTouchSeconds) touchLock();
 }
 
 // A recorder of a desktop that is gone would only keep the next one from starting, so it ends.
@@ -92,6 +177,17 @@ void Recorder::handle(const WorkspaceNotice& notice) {
   if (!notice.isFinal) return;
   status_ = kFailure;
   loop_.quit();
+}
+
+void Recorder::publishState() {
+  state_.awaySince = recording_.awaySince();
+  lastTouch_ = steady_.now();
+  queue_.post([lock = lock_, text = stateText(state_)] { lock->write(text); });
+}
+
+void Recorder::touchLock() {
+  lastTouch_ = steady_.now();
+  queue_.post([lock = lock_] { lock->touch(); });
 }
 
 }  // namespace tessum

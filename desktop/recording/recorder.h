@@ -1,4 +1,4 @@
-// The recording program: what is in front goes into the store until it is told to end.
+// The recording program: what is in front goes into the history until it is told to end.
 
 #pragma once
 
@@ -6,50 +6,64 @@
 #include <optional>
 #include <string>
 
+#include "core/loop/serial_queue.h"
 #include "core/loop/system_main_loop.h"
 #include "core/loop/termination_signals.h"
-#include "core/monitor/activity_monitor.h"
 #include "core/platform/file_lock.h"
-#include "core/store/database.h"
-#include "core/workspace/system_workspace.h"
+#include "core/presence/presence_source.h"
+#include "core/workspace/desktop_sources.h"
 #include "desktop/command.h"
 #include "desktop/recording/http_endpoint.h"
+#include "desktop/recording/recorder_state.h"
+#include "desktop/recording/recording.h"
+#include "desktop/recording/session_journal.h"
 #include "desktop/update/updater.h"
 
 namespace tessum {
 
-// The parts of the program, in the order in which they need each other; other parts that run
-// beside the monitor join them here. Main thread only.
+// The parts of the program, in the order in which they need each other. Main thread only.
 class Recorder {
  public:
-  // Creates the data folder and the store where they are missing. Throws std::system_error,
-  // std::runtime_error when another recorder uses the data folder, WorkspaceUnavailable and
-  // DatabaseError.
-  explicit Recorder(const Host& host);
+  // Creates the data folder and the database where they are missing, and ends the sessions that a
+  // recorder before could not end. Throws std::system_error, std::runtime_error when another
+  // recorder uses the data folder, WorkspaceUnavailable and DatabaseError.
+  Recorder(const Host& host, const RecordingSettings& settings);
 
   // Looks for a newer version, now and every six hours while it records, and says in one line when
   // one appears.
   void watchForReleases();
 
-  // Also answers assistants over HTTP, with a connection of its own to the store, and prints where.
-  // Throws what HTTPEndpoint throws.
+  // Also answers assistants over HTTP, with a connection of its own to the database, and prints
+  // where. Throws what HTTPEndpoint throws.
   void serveHTTP(const Host& host);
 
-  // Records until SIGINT, SIGTERM or SIGHUP, or until the desktop goes away, and closes the open
-  // session. Returns the exit status.
+  // Records until SIGINT, SIGTERM or SIGHUP, until the login session ends, or until the desktop
+  // goes away, and closes the open session. Returns the exit status.
   [[nodiscard]] int run();
 
  private:
   void handle(const WorkspaceNotice& notice);
+  void watchPresence();
+  void tick();
+  void publishState();
+  void touchLock();
 
-  const Locations& locations_;
+  const Host& host_;
   const std::string folder_;
-  FileLock lock_;
+  const std::shared_ptr<FileLock> lock_;  // shared with the queue, which writes to its file
   SystemMainLoop loop_;
+  const SystemSteadyClock steady_{};
   TerminationSignals signals_;
-  std::shared_ptr<Database> database_;
-  std::unique_ptr<Workspace> workspace_;
-  ActivityMonitor monitor_;
+  const std::string database_;
+  ThreadQueue queue_;  // for all that is written to the disk
+  const std::shared_ptr<SessionJournal> journal_;
+  Recording recording_;
+  DesktopSources desktop_;
+  std::unique_ptr<PresenceSource> presence_;
+  const std::optional<double> awayAfter_;
+  RecorderState state_;
+  Moment lastTouch_;
+  PresenceHandlers::Delay delay_;  // of the end of the login session, until all is written
   std::optional<HTTPEndpoint> endpoint_;
   std::optional<Updater> updater_;
   int status_ = kSuccess;

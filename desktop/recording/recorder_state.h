@@ -15,6 +15,8 @@ namespace tessum {
 struct RecorderState {
   bool isRecording = false;
 
+  bool hasEnded = false;  // the last recorder ended by itself, and was not cut off
+
   // What follows is of the last recorder when none runs.
   std::optional<Date> since;  // when it began; absent where no recorder ever ran
   std::optional<Date>

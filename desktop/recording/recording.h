@@ -29,8 +29,7 @@ class Recording {
   // `onAwayChanged` is called whenever awaySince() has changed. All but `settings` must outlive the
   // object.
   Recording(std::shared_ptr<SessionWriter> sessions, const Clock& wall, const SteadyClock& steady,
-            MainLoop& loop, const RecordingSettings& settings,
-            std::function<void()> onAwayChanged);
+            MainLoop& loop, const RecordingSettings& settings, std::function<void()> onAwayChanged);
   Recording(const Recording&) = delete;
   Recording& operator=(const Recording&) = delete;
 

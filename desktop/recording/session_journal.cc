@@ -176,7 +176,12 @@ void SessionJournal::handleSuccess() {
     lost_ = 0;
   }
   forgetOld();
-  if (unsaved_ > 0) postWrite();
+  if (unsaved_ > 0) return postWrite();
+  held_.clear();
+}
+
+void SessionJournal::holdUntilWritten(std::shared_ptr<void> token) {
+  if (unsaved_ > 0) held_.push_back(std::move(token));
 }
 
 void SessionJournal::forgetOld() {

@@ -1,9 +1,10 @@
 // What the recorder knows should be in the database, and what is there by now.
 //
 // The monitor writes as if every write succeeded at once. The journal keeps each session in memory
-// until it is stored: a queue of its own writes what has changed in one transaction that waits for no
-// lock, and a write that fails is tried again until it succeeds. So the main thread waits for neither
-// a lock nor a disk, and a lock that another program holds delays a session but does not lose it.
+// until it is stored: a queue of its own writes what has changed in one transaction that waits for
+// no lock, and a write that fails is tried again until it succeeds. So the main thread waits for
+// neither a lock nor a disk, and a lock that another program holds delays a session but does not
+// lose it.
 
 #pragma once
 
@@ -13,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/loop/main_loop.h"
 #include "core/loop/serial_queue.h"
@@ -47,6 +49,9 @@ class SessionJournal final : public SessionWriter {
   // An end before the session's beginning means that it never was: its row goes, and an earlier
   // session that had lasted longer ends there as well.
   void updateEndTime(std::int64_t id, Date end) override;
+
+  // Holds `token` until everything so far is written.
+  void holdUntilWritten(std::shared_ptr<void> token);
 
   // Writes what is left, for `seconds` at most; false when something could not be written, which is
   // then said. Nothing may be written afterwards.
@@ -87,6 +92,7 @@ class SessionJournal final : public SessionWriter {
   std::optional<MainLoop::TimerToken> retry_;
   int failures_ = 0;  // in a row
   bool hasComplained_ = false;
+  std::vector<std::shared_ptr<void>> held_;
 
   // The queue's alone.
   const std::shared_ptr<class SessionStore> store_;

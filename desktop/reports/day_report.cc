@@ -60,7 +60,7 @@ std::string notesTable(const DayHistory& history, const Paper& paper) {
   };
   Table table({right, right, right, left});
   for (const Annotation& note : history.notes) {
-    const double seconds = secondsBetween(note.startedAt, note.endedAt.value_or(history.now));
+    const double seconds = secondsUntil(history.now, note.startedAt, note.endedAt);
     table.addRow({{momentText(note.startedAt), Tone::faint},
                   {note.endedAt ? momentText(*note.endedAt) : "now", Tone::faint},
                   {durationText(seconds, DurationForm::longForm)},
@@ -79,8 +79,12 @@ DayHistory readDay(History& history, const Host& host, Date day) {
           .now = host.clock.now()};
 }
 
+double secondsUntil(Date now, Date start, const std::optional<Date>& end) {
+  return std::max(0.0, secondsBetween(start, end.value_or(now)));
+}
+
 double secondsUntil(Date now, const Activity& session) {
-  return secondsBetween(session.startTime, session.endTime.value_or(now));
+  return secondsUntil(now, session.startTime, session.endTime);
 }
 
 std::vector<AppUsageSummary> usageOf(std::span<const Activity> sessions, Date now) {

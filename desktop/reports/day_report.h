@@ -25,7 +25,11 @@ struct DayHistory {
 // Reads the local day that holds `day`.
 [[nodiscard]] DayHistory readDay(History& history, const Host& host, Date day);
 
-// Seconds of `session`, up to `now` while it is open.
+// Seconds from `start` to `end`, or to `now` where there is none; never negative, whatever other
+// programs have written.
+[[nodiscard]] double secondsUntil(Date now, Date start, const std::optional<Date>& end);
+
+// Those of `session`.
 [[nodiscard]] double secondsUntil(Date now, const Activity& session);
 
 // The total of each application, the largest first; equal ones in the order of their names.

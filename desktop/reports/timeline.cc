@@ -134,7 +134,7 @@ std::string counted(std::size_t count, const std::string& thing) {
 }
 
 std::string spanText(Date start, const std::optional<Date>& end, Date now) {
-  const double seconds = secondsBetween(start, end.value_or(now));
+  const double seconds = secondsUntil(now, start, end);
   return clockText(start) + "–" + (end ? clockText(*end) : "now") + ", " +
          durationText(seconds, DurationForm::longForm);
 }

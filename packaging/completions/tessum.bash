@@ -11,10 +11,12 @@ _tessum() {
       --from | --to) words='today yesterday' ;;
       --format) words='csv json' ;;
       -o | --output | --file) compopt -o default ;;
+      --titles) words='each last none' ;;
+      --away-after) words=never ;;
       --for | --limit | --app | --title) ;;
       *)
         case $command in
-          record) words='--http --no-update-check --help' ;;
+          record) words='--http --away-after --titles --no-update-check --help' ;;
           day | usage | notes) words='today yesterday --plain --help' ;;
           search) words='--plain --limit --help' ;;
           note) words='--for --end --help' ;;

@@ -12,6 +12,8 @@ for command in record status day usage notes search note timeline clients instal
     complete -c tessum -n __fish_use_subcommand -a $command
 end
 __tessum_add record -l http -d 'Answer over HTTP'
+__tessum_add record -l away-after -x -d 'How long until you are away'
+__tessum_add record -l titles -x -a 'each last none' -d 'Which titles are kept'
 __tessum_add record -l no-update-check -d 'Look for no newer release'
 for command in day usage notes
     __tessum_add $command -a 'today yesterday' -l plain -d 'The text that assistants get'

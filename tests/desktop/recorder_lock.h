@@ -2,29 +2,26 @@
 
 #pragma once
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
-#include <unistd.h>
 
+#include "core/platform/file_lock.h"
+#include "desktop/recording/recorder_state.h"
 #include "tests/desktop/user.h"
 
 namespace tessum {
 
-// Holds the lock that a recorder holds. The data folder must be there.
+// Holds the lock that a recorder holds, and says what it would say. The data folder must be there.
 class RecorderLock {
  public:
-  explicit RecorderLock(const User& user)
-      : file_(open((user.dataFolder() + "/recorder.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC,
-                   0600)) {
-    EXPECT_EQ(flock(file_, LOCK_EX | LOCK_NB), 0);
+  explicit RecorderLock(const User& user, RecorderState state = {.since = SystemClock().now()})
+      : lock_(FileLock::take(user.dataFolder() + "/recorder.lock")) {
+    EXPECT_TRUE(lock_.has_value());
+    state.way = "test";
+    lock_->write(stateText(state));
   }
-  ~RecorderLock() { close(file_); }
-  RecorderLock(const RecorderLock&) = delete;
-  RecorderLock& operator=(const RecorderLock&) = delete;
 
  private:
-  int file_;
+  std::optional<FileLock> lock_;
 };
 
 }  // namespace tessum

@@ -32,6 +32,19 @@ TEST(Note, StartsInThePastAndEndsTheOneBefore) {
             "1");
 }
 
+TEST(Note, TakesThePlaceOfOneThatBeganLater) {
+  const User user;
+  ASSERT_EQ(user.run({"note", "early", "--for", "1h"}).status, 0);
+  ASSERT_EQ(user.run({"note", "late"}).status, 0);
+  const Outcome outcome = user.run({"note", "between", "--for", "10m"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(contains(outcome.output, "It takes the place of late, begun at "));
+  EXPECT_EQ(Sql(user.historyPath())
+                .rows("SELECT text, ended_at IS NULL, COALESCE(ended_at, started_at) >= started_at "
+                      "FROM annotations ORDER BY started_at"),
+            (std::vector<std::string>{"early|0|1", "between|1|1"}));
+}
+
 TEST(Note, EndsTheCurrentOne) {
   const User user;
   ASSERT_EQ(user.run({"note", "Fixing bug"}).status, 0);

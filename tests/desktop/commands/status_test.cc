@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
+#include <thread>
 
 #include "tests/desktop/recorder_lock.h"
 #include "tests/desktop/user.h"
@@ -29,9 +31,9 @@ TEST(Status, OfAFreshMachineSaysThatThereIsNoRecordAndMakesNone) {
 
 TEST(Status, ShowsTheSessionThatTheRecorderIsInTheMiddleOf) {
   const User user;
-  addOpenSession(user);
   ASSERT_EQ(user.run({"note", "Fixing bug"}).status, 0);
   const RecorderLock recorder(user);
+  addOpenSession(user);
   const Outcome outcome = user.run({"status"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_TRUE(contains(outcome.output, "Recording  yes, since "));
@@ -39,6 +41,44 @@ TEST(Status, ShowsTheSessionThatTheRecorderIsInTheMiddleOf) {
   EXPECT_TRUE(contains(outcome.output, "Fixing bug, since "));
   EXPECT_TRUE(contains(outcome.output, user.historyPath() + ", "));
   EXPECT_TRUE(contains(outcome.output, " kB"));
+}
+
+TEST(Status, DoesNotTakeWhatWasLeftOpenForTheSessionInFront) {
+  const User user;
+  user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", nullptr);
+  const RecorderLock recorder(user);
+  EXPECT_TRUE(contains(user.run({"status"}).output, "In front   nothing"));
+}
+
+TEST(Status, SaysSinceWhenTheUserIsAwayAndWhatKeepsItFromBeingSo) {
+  const User user;
+  addOpenSession(user);
+  const Date now = SystemClock().now();
+  {
+    const RecorderLock recorder(user,
+                                {.since = movedBy(now, -600), .awaySince = movedBy(now, -60)});
+    const Outcome outcome = user.run({"status"});
+    EXPECT_TRUE(contains(outcome.output, "Away       since "));
+    EXPECT_TRUE(contains(outcome.output, ", by test"));
+  }
+  const RecorderLock recorder(user, {.since = now, .awake = {"Player: a film", "Call"}});
+  EXPECT_TRUE(contains(user.run({"status"}).output, "Kept awake  by Player: a film, Call"));
+}
+
+TEST(Status, DoesNotTurnAStartingRecorderAway) {
+  const User user;
+  addOpenSession(user);
+  { const RecorderLock past(user); }
+  const std::string lock = user.dataFolder() + "/recorder.lock";
+  std::atomic<bool> isAsking = true;
+  std::thread asking([&] {
+    for (int i = 0; i < 20; ++i) EXPECT_EQ(user.run({"status"}).status, 0);
+    isAsking = false;
+  });
+  int refusals = 0;
+  while (isAsking) refusals += FileLock::take(lock) ? 0 : 1;
+  asking.join();
+  EXPECT_EQ(refusals, 0);
 }
 
 TEST(Status, DoesNotTakeASessionOfAPastRunForTheCurrentOne) {

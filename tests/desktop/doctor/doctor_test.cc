@@ -1,6 +1,8 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <filesystem>
 
 #include "core/base/limits.h"
@@ -169,8 +171,12 @@ class OpenSessions : public testing::Test {
 TEST_F(OpenSessions, AreFoundAndNotTouched) {
   const Outcome outcome = user.run({"doctor"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_TRUE(contains(outcome.output, "BAD  2 sessions were left open"));
-  EXPECT_TRUE(contains(outcome.output, "the oldest on 2025-03-04."));
+  EXPECT_TRUE(contains(outcome.output,
+                       "BAD  1 session was left open by a recorder that was cut off, on "
+                       "2025-03-04."));
+  EXPECT_TRUE(contains(outcome.output,
+                       "BAD  1 session was left open because the history could not be written, the "
+                       "oldest on 2025-03-04."));
   EXPECT_EQ(endOf("First"), "NULL");
 }
 
@@ -206,12 +212,26 @@ TEST_F(OpenSessions, OfARunningRecorderAreNotTouched) {
   // Begun since the recorder was.
   user.addSession("Fourth", nullptr, "2100-01-01T00:00:00Z", nullptr);
   EXPECT_TRUE(contains(user.run({"doctor"}).output, "BAD  2 sessions were left open"));
-  EXPECT_EQ(user.run({"doctor", "--close-open"}).status, 0);
+  EXPECT_EQ(user.run({"doctor", "--close-open"}).status, 1);
   EXPECT_EQ(endOf("First"), "11:00");
-  EXPECT_EQ(endOf("Third"), "00:00");
+  EXPECT_EQ(endOf("Third"), "NULL") << "the night would be one long session";
   EXPECT_EQ(endOf("Fourth"), "NULL");
+  EXPECT_EQ(user.run({"doctor", "--close-open", "10m"}).status, 0);
+  EXPECT_EQ(endOf("Third"), "13:10");
   EXPECT_EQ(user.run({"doctor", "--close-open", "10m"}).output, "No session was left open.\n");
   EXPECT_EQ(endOf("Fourth"), "NULL");
+}
+
+TEST_F(OpenSessions, EndWhereTheirRecorderWasLastKnownToLive) {
+  const std::string lock = user.dataFolder() + "/recorder.lock";
+  { const RecorderLock recorder(user); }
+  const double lastSign = at("2025-03-04T13:42:30Z").secondsSince1970;
+  const std::array<timespec, 2> times{timespec{static_cast<time_t>(lastSign), 0},
+                                      timespec{static_cast<time_t>(lastSign), 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, lock.c_str(), times.data(), 0), 0);
+  EXPECT_EQ(user.run({"doctor", "--close-open"}).status, 0);
+  EXPECT_EQ(endOf("First"), "11:00");
+  EXPECT_EQ(endOf("Third"), "13:42");
 }
 
 }  // namespace

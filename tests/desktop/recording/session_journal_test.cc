@@ -187,8 +187,7 @@ TEST_F(SessionJournalTest, SaysWhatCouldNotBeWrittenInTime) {
   Sql other(path_);
   other.run("BEGIN IMMEDIATE");
   EXPECT_FALSE(journal_->finish(0.1));
-  EXPECT_EQ(said_,
-            Rows{"1 sessions could not be written to the history and are lost."});
+  EXPECT_EQ(said_, Rows{"1 sessions could not be written to the history and are lost."});
 }
 
 }  // namespace
