@@ -21,9 +21,6 @@ class FileLock {
   // Absent when another process holds it. Throws std::system_error with the path in the text.
   [[nodiscard]] static std::optional<FileLock> take(const std::string& path);
 
-  // When the file was last modified before the lock was taken; absent for a new file.
-  [[nodiscard]] std::optional<Date> lastModified() const { return lastModified_; }
-
   // Makes `content` the whole content of the file. A failure is not reported.
   void write(std::string_view content) const;
 
@@ -31,11 +28,9 @@ class FileLock {
   void touch() const;
 
  private:
-  FileLock(Descriptor file, std::optional<Date> lastModified)
-      : file_(std::move(file)), lastModified_(lastModified) {}
+  explicit FileLock(Descriptor file) : file_(std::move(file)) {}
 
   Descriptor file_;
-  std::optional<Date> lastModified_;
 };
 
 // The file of a lock as other processes see it.

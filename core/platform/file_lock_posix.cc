@@ -23,29 +23,17 @@ struct flock wholeFile() {
   throw std::system_error(errno, std::generic_category(), what + " " + path);
 }
 
-struct stat statusOf(const Descriptor& file, const std::string& path) {
-  struct stat status {};
-  if (fstat(file.number(), &status) != 0) fail("Cannot look at", path);
-  return status;
-}
-
 }  // namespace
 
 std::optional<FileLock> FileLock::take(const std::string& path) {
-  constexpr int kFlags = O_RDWR | O_CLOEXEC;
-  constexpr mode_t kUserAlone = S_IRUSR | S_IWUSR;
-  Descriptor file(open(path.c_str(), kFlags));
-  const bool isNew = file.number() < 0 && errno == ENOENT;
-  if (isNew) file = Descriptor(open(path.c_str(), kFlags | O_CREAT, kUserAlone));
+  Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
   if (file.number() < 0) fail("Cannot open", path);
   struct flock lock = wholeFile();
   while (fcntl(file.number(), F_SETLK, &lock) != 0) {
     if (errno == EACCES || errno == EAGAIN) return std::nullopt;
     if (errno != EINTR) fail("Cannot lock", path);
   }
-  std::optional<Date> lastModified;
-  if (!isNew) lastModified = Date{static_cast<double>(statusOf(file, path).st_mtime)};
-  return FileLock(std::move(file), lastModified);
+  return FileLock(std::move(file));
 }
 
 void FileLock::write(std::string_view content) const {
@@ -67,8 +55,10 @@ std::optional<LockFile> readLockFile(const std::string& path) {
   }
   struct flock lock = wholeFile();
   if (fcntl(file.number(), F_GETLK, &lock) != 0) fail("Cannot look at", path);
+  struct stat status {};
+  if (fstat(file.number(), &status) != 0) fail("Cannot look at", path);
   LockFile found{.isHeld = lock.l_type != F_UNLCK,
-                 .lastModified = {static_cast<double>(statusOf(file, path).st_mtime)},
+                 .lastModified = {static_cast<double>(status.st_mtime)},
                  .content = {}};
   std::array<char, 4096> buffer{};
   while (true) {

@@ -47,7 +47,7 @@ void examine(Host& host) {
 // without a time, where the recorder was last known to live.
 std::optional<Date> endOf(History& history, const Activity& session,
                           const std::optional<double>& seconds, const RecorderState& recorder) {
-  if (!seconds) return endOfLeftOpen(history, session, recorder.lastSign);
+  if (!seconds) return endOfLeftOpen(history, session, recorder);
   const auto next = history.startOfNext(session);
   const Date end = movedBy(session.startTime, *seconds);
   return next && next->secondsSince1970 < end.secondsSince1970 ? *next : end;

@@ -70,7 +70,7 @@ void sayWhatWasLeftOpen(const std::vector<Activity>& ended) {
 
 // The path of a database that is there, takes sessions, and has none open. One that takes nothing,
 // for being read-only or damaged, has to be found out before anything is recorded.
-std::string preparedDatabase(const Host& host, const FileLock& lock) {
+std::string preparedDatabase(const Host& host, const RecorderState& before) {
   const std::string path = historyPath(host.locations);
   const auto deadline =
       std::chrono::steady_clock::now() + std::chrono::duration<double>(kLockPatienceSeconds);
@@ -79,7 +79,7 @@ std::string preparedDatabase(const Host& host, const FileLock& lock) {
       { const Database made(path, host.calendar); }
       History history(path, History::Access::write);
       history.tryWriting();
-      sayWhatWasLeftOpen(endLeftOpen(history, lock.lastModified()));
+      sayWhatWasLeftOpen(endLeftOpen(history, before));
       return path;
     } catch (const DatabaseError& error) {
       if (!error.isLocked() || std::chrono::steady_clock::now() >= deadline) throw;
@@ -93,9 +93,10 @@ std::string preparedDatabase(const Host& host, const FileLock& lock) {
 Recorder::Recorder(const Host& host, const RecordingSettings& settings)
     : host_(host),
       folder_(preparedFolder(host)),
+      before_(recorderState(host.locations)),
       lock_(lockOf(host)),
       signals_(loop_, [this] { loop_.quit(); }),
-      database_(preparedDatabase(host, *lock_)),
+      database_(preparedDatabase(host, before_)),
       queue_("com.tessum.history"),
       journal_(std::make_shared<SessionJournal>(database_, loop_, queue_, say)),
       recording_(journal_, host.clock, steady_, loop_, settings, [this] { publishState(); }),

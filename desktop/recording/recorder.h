@@ -50,6 +50,7 @@ class Recorder {
 
   const Host& host_;
   const std::string folder_;
+  const RecorderState before_;            // what the last recorder said of itself
   const std::shared_ptr<FileLock> lock_;  // shared with the queue, which writes to its file
   SystemMainLoop loop_;
   const SystemSteadyClock steady_{};

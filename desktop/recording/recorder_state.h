@@ -14,16 +14,14 @@ namespace tessum {
 
 struct RecorderState {
   bool isRecording = false;
-
   bool hasEnded = false;  // the last recorder ended by itself, and was not cut off
 
   // What follows is of the last recorder when none runs.
-  std::optional<Date> since;  // when it began; absent where no recorder ever ran
-  std::optional<Date>
-      lastSign;     // when it was last known to live, a minute ago at most while it runs
-  std::string way;  // how the desktop tells what is in front, such as "X11"
-  std::optional<Date> awaySince;   // absent while the user is there
-  std::vector<std::string> awake;  // what keeps the user from being away, each as a person reads it
+  std::optional<Date> since = {};       // when it began; absent where no recorder ever ran
+  std::optional<Date> lastSign = {};    // when it was last known to live
+  std::string way = {};                 // how the desktop tells what is in front, such as "X11"
+  std::optional<Date> awaySince = {};   // absent while the user is there
+  std::vector<std::string> awake = {};  // what keeps the user from being away, as a person reads it
 };
 
 // The file whose lock a recorder holds for as long as it runs. It holds what stateText() gives.
