@@ -10,8 +10,8 @@
 
 namespace tessum {
 
-// Asks every few seconds while it is watched, so it tells up to that much too late; the moments it
-// tells are exact but for input that ends between two questions. Main thread only.
+// Asks every few seconds while it is watched, so it tells up to that much late. Of several inputs
+// between two questions, onActive gets the last. Main thread only.
 class PollingIdleSource final : public IdleSource {
  public:
   // Gives the seconds since the last input; absent when that cannot be told any more.

@@ -48,7 +48,7 @@ class Desktop {
   // Starts the window manager and waits until it manages.
   void startWindowManager();
 
-  // Has it start itself anew, and waits until it manages again.
+  // Restarts it, and waits until it manages again.
   void restartWindowManager();
 
   // Ends it as a crash would.
@@ -60,8 +60,7 @@ class Desktop {
   //////////////////////////////////////////////////////////////////////////////////////////////
   // Windows of the test's own, whose process is the test.
 
-  // Makes a window of that class and waits until it is active. Without a window manager it is
-  // only made.
+  // Makes a window of that class and, if there is a window manager, waits until it is active.
   xcb_window_t addWindow(const std::string& windowClass);
 
   // Makes a window that says nothing about itself and is not shown.
@@ -92,10 +91,10 @@ class Desktop {
   //////////////////////////////////////////////////////////////////////////////////////////////
   // What a window manager does, for tests that are one themselves.
 
-  // Makes itself known, anew when it is called again. Returns the window that does so.
+  // Makes itself known, as a new window manager at each call. Returns the window for the check.
   xcb_window_t manageWindows();
 
-  // Says that `window`, which says the same of itself, is the one to check.
+  // Names `window` as the one for the check, on the root window and on itself.
   void publishManager(xcb_window_t window);
 
   void publishActiveWindow(xcb_window_t window);

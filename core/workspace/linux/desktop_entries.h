@@ -24,19 +24,19 @@ struct DesktopEntry {
 // de_DE@euro, de_DE, de@euro and de for "de_DE.UTF-8@euro", none for "C".
 [[nodiscard]] std::vector<std::string> localeSuffixes(std::string_view locale);
 
-// Reads the text of a desktop entry. Absent when it is none of an application, is marked as
-// deleted or has no name.
+// Reads the text of a desktop entry. Absent when the entry does not describe an application, is
+// marked as deleted or has no name.
 [[nodiscard]] std::optional<DesktopEntry> parseDesktopEntry(
     std::string_view text, const std::vector<std::string>& localeSuffixes);
 
-// The folders that hold desktop entries, those that come first before the others: below
-// `dataHome`, then below each folder of `dataFolders`, which are separated by colons.
+// The folders that hold desktop entries, the one that counts most first: below `dataHome`, then
+// below each folder of `dataFolders`, which are separated by colons.
 [[nodiscard]] std::vector<std::string> applicationFolders(std::string_view dataHome,
                                                           std::string_view dataFolders);
 
 // The desktop entries of some folders and those below them. An entry's id is its path below the
-// folder, with dashes for slashes and without ".desktop". Of entries with one id the first
-// folder's counts; if that is marked as deleted, there is none. Not thread-safe.
+// folder, with dashes for slashes and without ".desktop". Where several entries have one id, that
+// of the first folder counts; if it is marked as deleted, there is no entry. Not thread-safe.
 class DesktopEntries {
  public:
   struct Match {
@@ -51,12 +51,11 @@ class DesktopEntries {
   // Reads the folders again if files came or went since they were last read.
   void refresh();
 
-  // The entry with that id; `id` may end in ".desktop", and may be a path, of which only the last
-  // part counts.
+  // The entry with that id, which may end in ".desktop". Of a path only the last part counts.
   [[nodiscard]] std::optional<Match> withId(std::string_view id) const;
 
-  // The entry that claims windows of that instance or class, else the one whose id is one of them
-  // but for the case of its letters. The instance comes first: it tells applications apart that
+  // The entry that claims windows of that instance or class, else the one whose id equals one of
+  // them when case is ignored. The instance comes first, because it tells apart applications that
   // run inside another one.
   [[nodiscard]] std::optional<Match> forWindowClass(const std::string& instance,
                                                     const std::string& windowClass) const;

@@ -28,8 +28,8 @@ constexpr std::string_view kToUtf8 = "\x1B%G";
 constexpr std::string_view kFromUtf8 = "\x1B%@";
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-// How the bytes of one half are read: the library's name of an encoding that has the set in its
-// upper half; null for a set unknown here.
+// How to read the bytes of one half: by the library's name of an encoding that has the set in its
+// upper half, null for a set unknown here.
 struct CharacterSet {
   const char* encoding;
   std::size_t bytesPerCharacter;
@@ -39,7 +39,7 @@ constexpr CharacterSet kAscii{"US-ASCII", 1};
 constexpr CharacterSet kLatin1{"ISO-8859-1", 1};
 constexpr CharacterSet kUnknown{nullptr, 1};
 
-// Sets are called by the last byte of the escape sequence that selects them.
+// The last byte of the escape sequence that selects a set names it.
 CharacterSet setOf96(char name) {
   switch (name) {
     case 'A':
@@ -84,7 +84,7 @@ CharacterSet setOf94(char name) {
     case 'I':
       return {"SHIFT_JIS", 1};  // half-width Katakana
     case 'J':
-      return kAscii;  // differs in two characters that are drawn differently
+      return kAscii;  // has a yen sign and an overline in place of two characters
     default:
       return kUnknown;
   }

@@ -77,7 +77,7 @@ class X11Connection {
   [[nodiscard]] const X11Atoms& atoms() const { return atoms_; }
 
   // Asks for events of `window`: of its end, or of its changed properties too. The request is sent
-  // along with the next one that has an answer. Does nothing to the root window.
+  // along with the next one that has an answer. The root window stays watched as it is.
   void watchEnd(std::uint32_t window);
   void watchEndAndProperties(std::uint32_t window);
 

@@ -1,7 +1,7 @@
 // The server's counter IDLETIME holds the milliseconds since the last input, and an alarm tells
-// when it has reached a value. There is one alarm at a time: it waits for the counter to reach the
-// threshold, then for it to be below, then again. Alarms are made to compare and not to wait for a
-// passage, so one that is set too late for it still goes off.
+// when it has reached a value. There is one alarm at a time: the first waits until the counter is
+// at the threshold, the next until it is below, and so on. They compare the counter rather than
+// wait for it to cross the threshold, so an alarm that is set after the crossing still goes off.
 
 #include <xcb/sync.h>
 #include <xcb/xcb.h>
@@ -73,7 +73,8 @@ class X11IdleCounter final : public IdleSource {
   }
 
  private:
-  // A new alarm each time: what the last one has sent already is told by its number.
+  // Makes a new alarm each time: its number tells its event from those of the one before, which may
+  // be under way.
   void setAlarm() {
     xcb_connection_t* const connection = connection_.get();
     if (alarm_ != 0) xcb_sync_destroy_alarm(connection, alarm_);

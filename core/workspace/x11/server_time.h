@@ -9,10 +9,10 @@
 
 namespace tessum {
 
-// A server stamps its events with milliseconds of a clock of its own, which begins anywhere, stands
-// still while the computer sleeps and starts again at 0 after 49.7 days. How far it is behind ours
-// shows in the event that came in fastest. No moment is before one that was given earlier, or in
-// the future. Not thread-safe.
+// A server stamps its events with the milliseconds of a clock of its own, which starts anywhere,
+// stands still while the computer sleeps and starts again at 0 after 49.7 days. The event that came
+// in fastest shows how far that clock is behind ours. No moment is in the future or before one that
+// was given earlier. Not thread-safe.
 class X11ServerTime {
  public:
   // `clock` must outlive this object.

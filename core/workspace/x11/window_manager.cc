@@ -26,8 +26,8 @@ bool X11WindowManager::takeIn(const X11Event& event) {
   return false;
 }
 
-// The root window and the one for the check are nobody's. Both are watched for other reasons than
-// a window in front is.
+// The root window and the manager's own belong to no application, and a window in front is
+// unwatched when it is left, which these two must not be.
 std::uint32_t X11WindowManager::activeWindow() {
   const auto& atoms = connection_.atoms();
   const auto found = connection_.properties(connection_.rootWindow(),

@@ -310,7 +310,8 @@ double CGEventSourceSecondsSinceLastEventType(int state, unsigned type) {
   return theDesktop->secondsSinceInput;
 }
 
-// A call that fails says nothing of the value's place: here it leaves what is not to be used.
+// The documentation does not say what a call that fails leaves in the place of the value: here it
+// is something that must not be used.
 int AXUIElementCopyAttributeValue(const Element* element, const Object* name, Object** value) {
   TESSUM_CHECK(element->patience > 0 && element->patience <= 1, "waits too long for an answer");
   static Element window{{&elementClass, 1, nullptr}, kWindow};

@@ -1,6 +1,6 @@
 // The part of AppKit, Core Foundation, Core Graphics and the accessibility API that the core asks
 // for what is in front and for input, as plain C++ that a test steers. It does what their
-// documentation says, as far as it was understood: a test with it shows what our code does, not
+// documentation says, as far as we understand it: a test with it shows what our code does, not
 // what macOS does.
 
 #pragma once

@@ -61,7 +61,7 @@ void answer(Class& isa, std::string_view selector, Result (*function)(Arguments.
   isa.methods.insert_or_assign(std::string(selector), reinterpret_cast<Method>(function));
 }
 
-// Releases at its end what was autoreleased while it was the innermost.
+// At its end releases what was autoreleased while it was the innermost pool.
 class Pool {
  public:
   Pool();

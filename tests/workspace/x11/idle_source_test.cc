@@ -6,7 +6,7 @@
 namespace tessum {
 namespace {
 
-constexpr double kTolerance = 0.1;  // in seconds
+constexpr double kTolerance = 0.25;  // in seconds
 
 class IdleSourceX11Test : public X11Test {
  protected:
