@@ -7,8 +7,12 @@
 #include <optional>
 #include <system_error>
 
+#include "core/base/check.h"
+
 namespace tessum {
 namespace {
+
+constexpr std::string_view kFileScheme = "file://";
 
 constexpr std::string_view kLettersAndDigits =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
@@ -132,9 +136,14 @@ std::string assetUrl(std::string_view base, std::string_view tag, std::string_vi
 }
 
 std::string fileUrl(std::string_view path) {
-  std::string url = "file://";
+  std::string url(kFileScheme);
   appendPercentEncoded(url, path);
   return url;
+}
+
+std::string filePath(std::string_view url) {
+  TESSUM_CHECK(url.starts_with(kFileScheme), "a file URL is none");
+  return percentDecoded(url.substr(kFileScheme.size()));
 }
 
 std::string percentDecoded(std::string_view text) {

@@ -26,6 +26,9 @@ namespace tessum {
 // The file URL of an absolute path.
 [[nodiscard]] std::string fileUrl(std::string_view path);
 
+// The path of a URL that fileUrl() made.
+[[nodiscard]] std::string filePath(std::string_view url);
+
 // `text` with each "%" and two hexadecimal digits replaced by that byte; any other "%" stays.
 [[nodiscard]] std::string percentDecoded(std::string_view text);
 

@@ -31,12 +31,12 @@ void showOnTerminal(std::string_view text) {
 int runUpdate(const Locations& locations, bool downloads) {
   SystemMainLoop loop;
   int status = kFailure;
-  // An interrupt ends the command in order, so that no half of a download is left behind.
+  // An interrupt ends the command in order, so that no part of a download is left behind.
   const TerminationSignals signals(loop, [&] { loop.quit(); });
   Updater updater(loop, locations);
   UpdateDialogue::Output output{.tell = print, .complain = complain, .showProgress = {}};
   if (isatty(STDERR_FILENO) != 0) output.showProgress = showOnTerminal;
-  UpdateDialogue dialogue(updater.checker(), downloads, output, [&](int outcome) {
+  UpdateDialogue dialogue(updater.checker(), updater.opener(), downloads, output, [&](int outcome) {
     status = outcome;
     loop.quit();
   });
@@ -50,7 +50,7 @@ int runUpdate(const Locations& locations, bool downloads) {
 void addUpdateCommand(CLI::App& app, Host& host) {
   auto* command = app.add_subcommand("update", "See whether there is a newer version");
   const auto downloads = std::make_shared<bool>(false);
-  command->add_flag("--download", *downloads, "download the newer version and open it");
+  command->add_flag("--download", *downloads, "download the newer version");
   command->footer(
       "Examples:\n"
       "  Tessum update\n"

@@ -5,6 +5,8 @@
 #include <utility>
 #include <variant>
 
+#include "core/base/text.h"
+#include "core/update/urls.h"
 #include "core/update/version.h"
 #include "desktop/command.h"
 #include "desktop/reports/text_layout.h"
@@ -25,9 +27,10 @@ std::string announcement(const ReleaseInfo& release, const std::string& running)
 
 }  // namespace
 
-UpdateDialogue::UpdateDialogue(UpdateChecker& checker, bool downloads, Output output,
-                               std::function<void(int status)> onEnd)
+UpdateDialogue::UpdateDialogue(UpdateChecker& checker, const DownloadOpener& opener, bool downloads,
+                               Output output, std::function<void(int status)> onEnd)
     : checker_(checker),
+      opener_(opener),
       downloads_(downloads),
       output_(std::move(output)),
       onEnd_(std::move(onEnd)) {
@@ -72,7 +75,9 @@ void UpdateDialogue::on(const update_state::Downloading& download) {
 
 void UpdateDialogue::on(const update_state::ReadyToInstall& image) {
   clearProgress();
-  output_.tell("Downloaded, and opened: " + image.url + "\n");
+  const std::string path = printable(validUtf8(filePath(image.url)));
+  output_.tell((opener_.hasOpened(image.url) ? "Downloaded and opened " : "Downloaded to ") + path +
+               "\n");
   onEnd_(kSuccess);
 }
 

@@ -7,13 +7,15 @@
 #include <string_view>
 
 #include "core/update/update_checker.h"
+#include "desktop/update/download_opener.h"
 
 namespace tessum {
 
 // One line of text, with its line end, for a person.
 using Say = std::function<void(std::string_view line)>;
 
-// The command "update": one check, and on wish the download of what it found. Main thread only.
+// The command "update": one check and, if asked for, the download of what it found. Main thread
+// only.
 class UpdateDialogue {
  public:
   struct Output {
@@ -24,10 +26,10 @@ class UpdateDialogue {
     std::function<void(std::string_view text)> showProgress;
   };
 
-  // Takes the observer's place at `checker`, which must outlive this object. `onEnd` is called
-  // once, with the exit status.
-  UpdateDialogue(UpdateChecker& checker, bool downloads, Output output,
-                 std::function<void(int status)> onEnd);
+  // Takes the observer's place at `checker`, whose opener is `opener`; both must outlive this
+  // object. `onEnd` is called once, with the exit status.
+  UpdateDialogue(UpdateChecker& checker, const DownloadOpener& opener, bool downloads,
+                 Output output, std::function<void(int status)> onEnd);
   ~UpdateDialogue();
   UpdateDialogue(const UpdateDialogue&) = delete;
   UpdateDialogue& operator=(const UpdateDialogue&) = delete;
@@ -45,6 +47,7 @@ class UpdateDialogue {
   void clearProgress();
 
   UpdateChecker& checker_;
+  const DownloadOpener& opener_;
   const bool downloads_;
   const Output output_;
   const std::function<void(int)> onEnd_;

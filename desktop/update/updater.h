@@ -11,10 +11,11 @@
 #include "core/platform/locations.h"
 #include "core/platform/url_opener.h"
 #include "core/update/update_checker.h"
+#include "desktop/update/download_opener.h"
 
 namespace tessum {
 
-// Nothing is asked before the checker is told to. Main thread only.
+// Asks for nothing before the checker is told to. Main thread only.
 class Updater {
  public:
   // Both must outlive the updater.
@@ -23,6 +24,9 @@ class Updater {
         checker_({http_, loop, locations, appInfo_, opener_}) {}
 
   [[nodiscard]] UpdateChecker& checker() { return checker_; }
+
+  // Opens what the checker downloads.
+  [[nodiscard]] const DownloadOpener& opener() const { return opener_; }
 
  private:
   // The path of TessumFetch, which is installed at a fixed place relative to this program. Empty
@@ -34,7 +38,8 @@ class Updater {
   }
 
   const SystemAppInfo appInfo_;
-  const SystemUrlOpener opener_{};
+  const SystemUrlOpener systemOpener_{};
+  const DownloadOpener opener_{systemOpener_};
   FetchProgramClient http_;
   UpdateChecker checker_;
 };

@@ -28,7 +28,7 @@ __tessum_add install -l http -d 'Point at the endpoint'
 __tessum_add install -l file -r -F -d 'A configuration file'
 __tessum_add uninstall -l all -d 'Every application'
 __tessum_add uninstall -l file -r -F -d 'A configuration file'
-__tessum_add update -l download -d 'Download the newer version and open it'
+__tessum_add update -l download -d 'Download the newer version'
 __tessum_add doctor -l close-open -d 'End sessions left open'
 for command in export forget
     __tessum_add $command -l from -x -a 'today yesterday' -d 'The first day'

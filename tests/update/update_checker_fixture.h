@@ -130,10 +130,13 @@ class UpdateCheckerTest : public testing::Test {
     return std::make_unique<HttpsServer>(authority_.issue("IP:127.0.0.1"), std::move(answer));
   }
 
+  // What the checker opens downloads with.
+  [[nodiscard]] virtual const UrlOpener& opener() const { return opener_; }
+
   // Makes the checker, which records its states.
   void makeChecker(const std::string& primary, const std::string& fallback) {
     checker_ = std::make_unique<UpdateChecker>(
-        UpdateChecker::Surroundings{http_, loop_, locations_, appInfo_, opener_},
+        UpdateChecker::Surroundings{http_, loop_, locations_, appInfo_, opener()},
         std::vector{primary, fallback});
     checker_->setOnStateChange([this](const UpdateState& state) { states_.push_back(state); });
   }

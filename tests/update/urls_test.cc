@@ -74,6 +74,12 @@ TEST(FileUrl, EncodesThePath) {
   EXPECT_EQ(fileUrl("/home/u/My Data/100%.dmg"), "file:///home/u/My%20Data/100%25.dmg");
 }
 
+TEST(FilePath, IsThePathOfItsUrl) {
+  for (const std::string path : {"/home/u/My Data/100%.dmg", "/caf\xC3\xA9/%41", "/"}) {
+    EXPECT_EQ(filePath(fileUrl(path)), path);
+  }
+}
+
 TEST(PercentDecoded, ReplacesWholeSequencesOnly) {
   EXPECT_EQ(percentDecoded("a%20b%2fc%2F%C3%a9"), "a b/c/\xC3\xA9");
   EXPECT_EQ(percentDecoded("%"), "%");

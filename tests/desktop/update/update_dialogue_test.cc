@@ -33,13 +33,18 @@ class UpdateDialogueTest : public UpdateCheckerTest {
     if (isWatched) {
       output.showProgress = [this](std::string_view text) { shown_.emplace_back(text); };
     }
-    UpdateDialogue dialogue(*checker_, downloads, output, [&](int end) { status = end; });
+    UpdateDialogue dialogue(*checker_, downloadOpener_, downloads, output,
+                            [&](int end) { status = end; });
     dialogue.start();
     EXPECT_TRUE(loop_.runUntil([&] { return status.has_value(); }));
     loop_.runPosted();
     return status;
   }
 
+  [[nodiscard]] const UrlOpener& opener() const override { return downloadOpener_; }
+
+  bool isChecked_ = true;  // by the system, of what is in an image
+  const DownloadOpener downloadOpener_{opener_, [this](const std::string&) { return isChecked_; }};
   std::string told_;
   std::string complaint_;
   std::vector<std::string> shown_;
@@ -63,16 +68,40 @@ TEST_F(UpdateDialogueTest, SaysWhatIsNewerAndHowToGetIt) {
   EXPECT_EQ(server->paths().size(), 1u);
 }
 
-TEST_F(UpdateDialogueTest, DownloadsAndOpensOnWish) {
+TEST_F(UpdateDialogueTest, DownloadsAndOpensWhenAskedTo) {
   const auto server =
       serve(Routes(kLatestPath, answering(jsonWithImage())).set(kImagePath, answering("disk")));
   makeChecker(server->url(), unreachableUrl());
   EXPECT_EQ(talk(true), 0);
   const std::string url = "file://" + updatesFolder() + "/Setup.dmg";
-  EXPECT_EQ(told_,
-            "Tessum 1.4.0 is available; this is 1.2.0.\nDownloaded, and opened: " + url + "\n");
+  EXPECT_EQ(told_, "Tessum 1.4.0 is available; this is 1.2.0.\nDownloaded and opened " +
+                       updatesFolder() + "/Setup.dmg\n");
   EXPECT_EQ(shown_, (std::vector<std::string>{progressText(0), progressText(1), ""}));
   EXPECT_EQ(opener_.urls(), std::vector<std::string>{url});
+}
+
+TEST_F(UpdateDialogueTest, SaysWhereAFileIsThatIsNotOpened) {
+  isChecked_ = false;
+  const auto server =
+      serve(Routes(kLatestPath, answering(jsonWithImage())).set(kImagePath, answering("disk")));
+  makeChecker(server->url(), unreachableUrl());
+  EXPECT_EQ(talk(true), 0);
+  EXPECT_EQ(told_, "Tessum 1.4.0 is available; this is 1.2.0.\nDownloaded to " + updatesFolder() +
+                       "/Setup.dmg\n");
+  EXPECT_TRUE(opener_.urls().empty());
+}
+
+TEST_F(UpdateDialogueTest, KeepsTheNameOfAFileFromTheTerminal) {
+  const auto server =
+      serve(Routes(kLatestPath, answering(jsonWithImage()))
+                .set(kImagePath, answering("app",
+                                           "Content-Disposition: attachment; "
+                                           "filename*=UTF-8''Setup%E2%80%AEgmd.app\r\n")));
+  makeChecker(server->url(), unreachableUrl());
+  EXPECT_EQ(talk(true), 0);
+  EXPECT_TRUE(told_.ends_with("Downloaded to " + updatesFolder() + "/Setup\uFFFDgmd.app\n"))
+      << told_;
+  EXPECT_TRUE(opener_.urls().empty());
 }
 
 TEST_F(UpdateDialogueTest, ShowsNoProgressWhenNobodyWatches) {
