@@ -7,7 +7,8 @@
 
 namespace tessum {
 
-// Failures are thrown as std::system_error with the path in the text. Any thread.
+// Failures are thrown as std::system_error that names the file, or the folder where that is what
+// refuses. Any thread.
 class Files {
  public:
   virtual ~Files() = default;

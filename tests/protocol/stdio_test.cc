@@ -1,6 +1,7 @@
 // How the server treats its standard streams and its data folder.
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 
 #include "tests/support/child_process.h"
 #include "tests/support/server_program.h"
+#include "tests/support/sql.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessum {
@@ -136,7 +138,7 @@ TEST_F(Stdio, AStoreThatIsNoDatabaseStopsTheStart) {
   ChildProcess server(serverProgram(), options());
   EXPECT_EQ(server.readRest(), "");
   EXPECT_NE(server.finish(), kSuccess);
-  EXPECT_NE(server.errors().find("Failed to execute statement: file is not a database"),
+  EXPECT_NE(server.errors().find("Failed to execute statement: " + sqliteText(SQLITE_NOTADB)),
             std::string::npos);
 }
 

@@ -1,6 +1,7 @@
 // The database in trouble: each request is answered with its result or the store's error text,
 // or the server stops before it has read one; and all is well again once the cause is gone.
 
+#include <sqlite3.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -121,7 +122,7 @@ TEST_F(Files, AFullDiskIsAnErrorUntilThereIsRoomAgain) {
     answer = ask(server, annotation(i, std::string(4000, '.')));
   }
   EXPECT_TRUE(isStoreError(answer)) << answer.text;
-  EXPECT_NE(answer.text.find("full"), std::string::npos) << answer.text;
+  EXPECT_NE(answer.text.find(sqliteText(SQLITE_FULL)), std::string::npos) << answer.text;
   expectAnswers(server);
 
   fs::remove(filler);

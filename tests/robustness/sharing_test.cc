@@ -1,3 +1,5 @@
+#include <sqlite3.h>
+
 #include <array>
 #include <set>
 
@@ -88,14 +90,14 @@ TEST_F(Sharing, ALockedStoreIsAnErrorUntilItIsFree) {
     other.run("BEGIN EXCLUSIVE");
     const Answer answer = ask(server, annotation(2, "kept out"));
     EXPECT_TRUE(answer.isError);
-    EXPECT_EQ(answer.text, "Error: Failed to execute statement: database is locked");
+    EXPECT_EQ(answer.text, "Error: Failed to execute statement: " + sqliteText(SQLITE_BUSY));
 
     // The schema cannot be looked at either, so a second server stops before its first request.
     ChildProcess second(serverProgram());
     second.writeLine(toolCall(1, "get_annotations"));
     EXPECT_EQ(second.readRest(), "");
     EXPECT_EQ(second.finish(), (ExitStatus{.code = {}, .signal = SIGABRT}));
-    EXPECT_NE(second.errors().find("database is locked"), std::string::npos) << second.errors();
+    EXPECT_NE(second.errors().find(sqliteText(SQLITE_BUSY)), std::string::npos) << second.errors();
   }
   EXPECT_FALSE(ask(server, annotation(3, "let in")).isError);
   EXPECT_EQ(server.finish(), kSuccess);

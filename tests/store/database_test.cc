@@ -76,7 +76,7 @@ TEST_F(DatabaseTest, FailsToOpenInAFolderThatIsMissing) {
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.errorCase(), DatabaseError::Case::openFailed);
     EXPECT_EQ(error.code(), SQLITE_CANTOPEN);
-    EXPECT_EQ(error.description(), "Failed to open database: unable to open database file");
+    EXPECT_EQ(error.description(), "Failed to open database: " + sqliteText(SQLITE_CANTOPEN));
   }
 }
 
@@ -88,7 +88,8 @@ TEST_F(DatabaseTest, FailsForAFileThatIsNoDatabase) {
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.errorCase(), DatabaseError::Case::executionFailed);
     EXPECT_EQ(error.code(), SQLITE_NOTADB);
-    EXPECT_EQ(error.description(), "Failed to execute statement: file is not a database");
+    EXPECT_EQ(error.description(),
+              "Failed to execute statement: " + sqliteText(SQLITE_NOTADB));
   }
   EXPECT_EQ(readFile(path_), std::string(4096, 'x'));
 }
@@ -109,7 +110,7 @@ TEST_F(DatabaseTest, MeetsALockAtOnceAndWorksAfterIt) {
     FAIL();
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.code(), SQLITE_BUSY);
-    EXPECT_EQ(error.description(), "Failed to execute statement: database is locked");
+    EXPECT_EQ(error.description(), "Failed to execute statement: " + sqliteText(SQLITE_BUSY));
   }
   EXPECT_TRUE(database.fetchActivities({10}, -1).empty());
   EXPECT_TRUE(database.appUsage({10}).empty());
@@ -127,7 +128,8 @@ TEST_F(DatabaseTest, FailsToPrepareOnceItKnowsThatATableIsGone) {
     static_cast<void>(database.fetchActivities({10}, 1));
     FAIL();
   } catch (const DatabaseError& error) {
-    EXPECT_EQ(error.description(), "Failed to prepare statement: no such table: activities");
+    EXPECT_EQ(error.description(),
+              "Failed to prepare statement: " + Sql(path_).failureOf("SELECT 1 FROM activities"));
   }
   EXPECT_THROW(static_cast<void>(database.appUsage({10})), DatabaseError);
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "core/store/database_error.h"
+#include "tests/support/sql.h"
 
 namespace tessum {
 namespace {
@@ -33,19 +34,23 @@ TEST_F(StatementTest, SaysWhyItCannotBePrepared) {
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.errorCase(), DatabaseError::Case::prepareFailed);
     EXPECT_EQ(error.code(), SQLITE_ERROR);
-    EXPECT_EQ(error.description(), "Failed to prepare statement: no such table: nowhere");
+    EXPECT_EQ(error.description(),
+              "Failed to prepare statement: " + Sql(":memory:").failureOf("SELECT 1 FROM nowhere"));
   }
 }
 
 TEST_F(StatementTest, SaysWhyItWasNotExecuted) {
-  Statement(db_.get(), "CREATE TABLE t (x TEXT NOT NULL);").execute();
+  constexpr auto kTable = "CREATE TABLE t (x TEXT NOT NULL);";
+  Statement(db_.get(), kTable).execute();
   try {
     Statement(db_.get(), "INSERT INTO t VALUES (?);").bind(std::optional<std::string>()).execute();
     FAIL();
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.errorCase(), DatabaseError::Case::executionFailed);
     EXPECT_EQ(error.code(), SQLITE_CONSTRAINT);
-    EXPECT_EQ(error.description(), "Failed to execute statement: NOT NULL constraint failed: t.x");
+    EXPECT_EQ(error.description(),
+              "Failed to execute statement: " +
+                  Sql(":memory:").failureOf(kTable + std::string("INSERT INTO t VALUES (NULL);")));
   }
 }
 

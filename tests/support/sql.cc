@@ -25,6 +25,15 @@ void Sql::run(const std::string& script) {
   }
 }
 
+std::string Sql::failureOf(const std::string& script) {
+  try {
+    run(script);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  throw std::logic_error("it did not fail: " + script);
+}
+
 std::vector<std::string> Sql::rows(const std::string& query) {
   std::vector<std::string> rows;
   const auto addRow = [](void* all, int count, char** columns, char**) {
@@ -45,6 +54,10 @@ std::vector<std::string> Sql::rows(const std::string& query) {
 std::string Sql::row(const std::string& query) {
   const auto all = rows(query);
   return all.empty() ? "" : all.front();
+}
+
+std::string sqliteText(int result) {
+  return sqlite3_errstr(result);
 }
 
 }  // namespace tessum

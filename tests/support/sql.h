@@ -22,6 +22,9 @@ class Sql {
   // Runs `script`. Throws std::runtime_error with SQLite's message.
   void run(const std::string& script);
 
+  // SQLite's message for `script`, which must fail; its words change from version to version.
+  [[nodiscard]] std::string failureOf(const std::string& script);
+
   // The rows of `query`, each with its columns as text joined by "|" and NULL for an absent one.
   [[nodiscard]] std::vector<std::string> rows(const std::string& query);
 
@@ -31,5 +34,8 @@ class Sql {
  private:
   sqlite3* db_ = nullptr;
 };
+
+// SQLite's message for a result such as SQLITE_BUSY.
+[[nodiscard]] std::string sqliteText(int result);
 
 }  // namespace tessum

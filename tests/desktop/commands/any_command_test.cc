@@ -2,6 +2,7 @@
 // locked, damaged or read-only.
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
@@ -93,7 +94,7 @@ void fill(const User& user) {
           "strftime('%s', '2025-03-04') + 36001 + i FROM n;");
 }
 
-void expectFailure(const Outcome& outcome, const char* complaint) {
+void expectFailure(const Outcome& outcome, const std::string& complaint) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(outcome.errors.starts_with("Tessum: ")) << outcome.errors;
   EXPECT_NE(outcome.errors.find(complaint), std::string::npos) << outcome.errors;
@@ -154,7 +155,7 @@ TEST(ALockedRecord, IsWaitedForThenReportedAndNotChanged) {
     SCOPED_TRACE(name);
     EXPECT_TRUE(name == "record" || name == "note" || waited >= std::chrono::seconds(1));
     const Outcome outcome = outcomeOf(*ended.program);
-    expectFailure(outcome, "database is locked");
+    expectFailure(outcome, sqliteText(SQLITE_BUSY));
     EXPECT_EQ(outcome.output, "");
   }
   EXPECT_FALSE(std::filesystem::exists(Command::fileOf(user)));
@@ -175,7 +176,7 @@ TEST_P(MeetsDamage, SaysSoInsteadOfShowingARest) {
   ASSERT_GT(bytes.size(), 12 * kPage);
   for (std::size_t i = kPage; i < bytes.size(); ++i) bytes[i] = '\x5a';
   writeFile(user.historyPath(), bytes);
-  expectFailure(user.run(GetParam().argumentsOf(user)), "malformed");
+  expectFailure(user.run(GetParam().argumentsOf(user)), sqliteText(SQLITE_CORRUPT));
   EXPECT_EQ(readFile(user.historyPath()), bytes);
   EXPECT_FALSE(std::filesystem::exists(Command::fileOf(user)));
 }
@@ -189,7 +190,7 @@ TEST_P(MeetsAnotherFile, LeavesWhatIsNoDatabaseAlone) {
   std::filesystem::create_directories(user.dataFolder());
   const std::string letter(5000, 'a');
   writeFile(user.historyPath(), letter);
-  expectFailure(user.run(GetParam().argumentsOf(user)), "not a database");
+  expectFailure(user.run(GetParam().argumentsOf(user)), sqliteText(SQLITE_NOTADB));
   EXPECT_EQ(readFile(user.historyPath()), letter);
 }
 
@@ -215,7 +216,8 @@ TEST(TheTimeline, CannotBeDrawnIntoAFolderThatIsReadOnly) {
   const User user;
   fill(user);
   chmod(user.dataFolder().c_str(), 0500);
-  expectFailure(user.runWithoutPowers(kTimeline.arguments), "timeline.html");
+  expectFailure(user.runWithoutPowers(kTimeline.arguments),
+                "Cannot create a file in " + user.dataFolder());
   chmod(user.dataFolder().c_str(), 0700);
 }
 
@@ -228,7 +230,7 @@ TEST_P(WritesToWhatIsReadOnly, SaysSoAndChangesNothing) {
   const std::string before = readFile(user.historyPath());
   chmod(user.historyPath().c_str(), 0400);
   chmod(user.dataFolder().c_str(), 0500);
-  expectFailure(user.runWithoutPowers(GetParam().argumentsOf(user)), "readonly database");
+  expectFailure(user.runWithoutPowers(GetParam().argumentsOf(user)), sqliteText(SQLITE_READONLY));
   chmod(user.dataFolder().c_str(), 0700);
   EXPECT_EQ(readFile(user.historyPath()), before);
 }

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 #include "tests/desktop/user.h"
@@ -48,7 +51,7 @@ TEST_F(Backup, LeavesAFileThatExistsAlone) {
   writeFile(copy, "precious");
   const Outcome outcome = user.run({"backup", copy});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_NE(outcome.errors.find("File exists"), std::string::npos) << outcome.errors;
+  EXPECT_NE(outcome.errors.find(std::strerror(EEXIST)), std::string::npos) << outcome.errors;
   EXPECT_EQ(readFile(copy), "precious");
   EXPECT_EQ(user.run({"backup", user.historyPath()}).status, 1);
   EXPECT_EQ(Sql(user.historyPath()).row("SELECT COUNT(*) FROM activities"), "300");
@@ -61,7 +64,7 @@ TEST_F(Backup, LeavesNothingBehindWhenItFails) {
     other.run("BEGIN EXCLUSIVE;");
     const Outcome outcome = user.run({"backup", copy});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.errors.find("database is locked"), std::string::npos) << outcome.errors;
+    EXPECT_NE(outcome.errors.find(sqliteText(SQLITE_BUSY)), std::string::npos) << outcome.errors;
   }
   EXPECT_FALSE(std::filesystem::exists(copy));
 

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <atomic>
 #include <filesystem>
@@ -98,7 +99,7 @@ TEST(Status, FailsWhereTheRecordCannotBeRead) {
   const Outcome outcome = user.run({"status"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.output, "");
-  EXPECT_NE(outcome.errors.find("database is locked"), std::string::npos);
+  EXPECT_NE(outcome.errors.find(sqliteText(SQLITE_BUSY)), std::string::npos);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <array>
@@ -58,7 +59,7 @@ TEST(Doctor, FindsARecordThatIsReadOnlyOrCannotBeRead) {
   chmod(user.historyPath().c_str(), 0);
   const Outcome outcome = user.runWithoutPowers({"doctor"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_TRUE(contains(outcome.output, "unable to open database file"));
+  EXPECT_TRUE(contains(outcome.output, sqliteText(SQLITE_CANTOPEN)));
   EXPECT_TRUE(contains(outcome.output, "Give yourself the right to read"));
 }
 
@@ -69,7 +70,7 @@ TEST(Doctor, FindsALock) {
   other.run("BEGIN EXCLUSIVE;");
   const Outcome outcome = user.run({"doctor"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_TRUE(contains(outcome.output, "database is locked"));
+  EXPECT_TRUE(contains(outcome.output, sqliteText(SQLITE_BUSY)));
   EXPECT_TRUE(contains(outcome.output, "Another program is using the history."));
 }
 
