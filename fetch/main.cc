@@ -70,7 +70,7 @@ void set(CURL* easy, CURLoption option, T value) {
   TESSUM_CHECK(curl_easy_setopt(easy, option, value) == CURLE_OK, "libcurl lacks an option");
 }
 
-// The text forms of these options, which replace them, are unknown to the libcurl of macOS 13.0.
+// The options that replace these two are unknown to the libcurl of macOS 13.0.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 void allowOnlyHttps(CURL* easy) {
@@ -81,7 +81,7 @@ void allowOnlyHttps(CURL* easy) {
 
 class Transfer {
  public:
-  // `authorities` is null where those of the system are to be trusted.
+  // Trusts the system's authorities when `authorities` is null.
   Transfer(const char* url, double idleSeconds, const char* authorities)
       : patience_(std::chrono::duration_cast<SteadyClock::duration>(
             std::chrono::duration<double>(idleSeconds))) {
@@ -110,7 +110,7 @@ class Transfer {
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
 
-  // Hands on everything.
+  // Fetches the address, and writes the head, the body and how it ended.
   void run() {
     const CURLcode result = perform();
     if (!handOn()) {
@@ -131,7 +131,7 @@ class Transfer {
       const auto left = std::chrono::ceil<std::chrono::milliseconds>(lastActivity_ + patience_ -
                                                                      SteadyClock::now());
       if (left.count() <= 0) return CURLE_OPERATION_TIMEDOUT;
-      curl_waitfd reader{STDERR_FILENO, 0, 0};  // wakes when it goes
+      curl_waitfd reader{STDERR_FILENO, 0, 0};  // wakes the poll when the reader goes
       int ready = 0;
       curl_multi_poll(multi_.get(), &reader, 1,
                       gathered_.empty() ? static_cast<int>(left.count()) : 0, &ready);
@@ -145,13 +145,13 @@ class Transfer {
     int left = 0;
     const CURLMsg* const message = curl_multi_info_read(multi_.get(), &left);
     TESSUM_CHECK(message != nullptr && message->msg == CURLMSG_DONE, "libcurl ended nothing");
-    // An answer that breaks off within its headers is an empty one to libcurl.
+    // libcurl takes an answer that breaks off within its headers for an empty one.
     const CURLcode result = message->data.result;
     return result == CURLE_OK && !hasHeaders_ ? CURLE_PARTIAL_FILE : result;
   }
 
-  // Called with each line, the empty one behind the headers included; those that may follow a
-  // body have no such end.
+  // libcurl calls this with each line of the headers and with the empty line that ends them.
+  // Headers that follow a body come without an empty line.
   static std::size_t receiveHeader(char* line, std::size_t size, std::size_t count, void* self) {
     auto* const transfer = static_cast<Transfer*>(self);
     transfer->lastActivity_ = SteadyClock::now();
@@ -165,7 +165,7 @@ class Transfer {
     auto* const transfer = static_cast<Transfer*>(self);
     transfer->gathered_.append(bytes, size * count);
     if (transfer->gathered_.size() >= kLargestPiece && !transfer->handOn()) return 0;
-    transfer->lastActivity_ = SteadyClock::now();  // now, as handing on may wait for the disk
+    transfer->lastActivity_ = SteadyClock::now();  // only now: handing on may wait for the disk
     return size * count;
   }
 
@@ -211,8 +211,8 @@ class Transfer {
   SteadyClock::time_point lastActivity_ = SteadyClock::now();
   bool hasHeaders_ = false;  // whether those of the last answer are complete
   bool hasToldHead_ = false;
-  std::string gathered_;  // of the body, not handed on yet
-  int writeError_ = 0;    // 0 as long as there is none
+  std::string gathered_;  // the part of the body that was not handed on yet
+  int writeError_ = 0;    // why the body cannot be written; 0 when it can
 };
 
 int run(int count, char** arguments) {
@@ -220,7 +220,7 @@ int run(int count, char** arguments) {
     std::fputs("usage: TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]\n", stderr);
     return 2;
   }
-  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error like others
+  std::signal(SIGXFSZ, SIG_IGN);  // so that a file that may not grow is an error
   TESSUM_CHECK(curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK, "libcurl cannot be used");
   Transfer(arguments[1], std::strtod(arguments[2], nullptr), arguments[3]).run();
   curl_global_cleanup();

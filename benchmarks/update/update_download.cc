@@ -3,8 +3,8 @@
 //
 //   update-download FOLDER     FOLDER holds the gigabyte for a while; it must exist
 //
-// Each download is a process of its own, so that the server here does not count; the checker's is
-// this program again.
+// Each download runs in a process of its own, so that the server in this one does not count. The
+// checker's process is this program, started again.
 
 #include <spawn.h>
 #include <sys/resource.h>

@@ -11,10 +11,11 @@ namespace {
 
 constexpr std::string_view kDefaultName = "Tessum.dmg";
 
-// The shortest limit of the file systems in use.
+// The shortest limit among the file systems in use.
 constexpr std::size_t kLongestName = 255;
 
-// Takes what comes before the next semicolon outside quotes, and that semicolon, off `rest`.
+// Removes the first parameter and the semicolon after it from `rest`. Gives the parameter. A
+// semicolon within quotes belongs to the parameter.
 std::string_view takeParameter(std::string_view& rest) {
   bool isQuoted = false;
   std::size_t end = 0;
@@ -27,8 +28,8 @@ std::string_view takeParameter(std::string_view& rest) {
   return parameter;
 }
 
-// The value of the last parameter called `name`, in lower case, of a header's value; absent when
-// there is none.
+// The value of the last parameter called `name` in the value of a header; absent when there is
+// none. `name` is in lower case.
 std::optional<std::string_view> parameter(std::string_view header, std::string_view name) {
   std::optional<std::string_view> value;
   takeParameter(header);  // the type of disposition
@@ -42,7 +43,7 @@ std::optional<std::string_view> parameter(std::string_view header, std::string_v
   return value;
 }
 
-// A token as it is, a quoted string without its quotes and backslashes.
+// Gives a token as it is, and a quoted string without its quotes and backslashes.
 std::string unquoted(std::string_view value) {
   if (!value.starts_with('"')) return std::string(value);
   std::string text;
@@ -80,13 +81,13 @@ std::string nameInUrl(std::string_view url) {
   return percentDecoded(url.substr(url.find_last_of('/') + 1));  // npos + 1 is 0
 }
 
-// Whether `c` may stand in a name: no separator, and nothing that a terminal would act on.
+// Whether a name may hold `c`: no separator, and nothing that a terminal would act on.
 bool isNameCharacter(char c) {
   const auto byte = static_cast<unsigned char>(c);
   return byte >= 0x20 && byte != 0x7F && c != '/';
 }
 
-// A leading dot would hide the file, and it keeps out "." and "..".
+// A name with a leading dot would be hidden, and "." and ".." are folders.
 bool isPlainName(std::string_view name) {
   return !name.empty() && name.size() <= kLongestName && !name.starts_with('.') &&
          std::all_of(name.begin(), name.end(), isNameCharacter);

@@ -14,8 +14,8 @@ namespace tessum {
 // header's value, absent when there was none.
 //
 // Servers are not trusted with our folders: whatever they send, the result is one visible, plain
-// name, valid UTF-8 and short enough for a file system. A suggestion that is not becomes
-// "Tessum.dmg". Any thread.
+// name, valid UTF-8 and short enough for a file system. Any other suggestion becomes "Tessum.dmg".
+// Any thread.
 [[nodiscard]] std::string suggestedFileName(std::string_view url,
                                             const std::optional<std::string>& contentDisposition);
 

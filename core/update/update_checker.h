@@ -33,7 +33,7 @@ template <typename T>
 using Outcome = std::variant<T, Failure>;
 
 // Asks a release service for the newest release, now and then every six hours, and downloads it
-// when told to. It tells one observer how far it is, as UpdateState.
+// when told to. It reports its progress to one observer, as UpdateState.
 //
 // The service has two base URLs; the second is asked when the first one fails. The status of an
 // answer plays no part, only whether the body is a release; and the body of a download may be
@@ -98,9 +98,9 @@ class UpdateChecker {
 
   // Downloads the first disk image (".dmg") of `release` into the folder "Updates" of the data
   // folder, under the name that the server suggests, and hands it to the opener. Sets `downloading`
-  // again and again where the server says how long the file is, and in the end `readyToInstall` or
-  // `error`. There is room for one end: a second call before it takes it from the first call, and
-  // then gets the end of whichever download ends next; the end of the other one is dropped.
+  // again with each piece when the server says how long the file is, and at the end
+  // `readyToInstall` or `error`. Only one call can be pending: a second one takes the place of the
+  // first, and the download that ends first ends it. The end of the other download is dropped.
   void downloadAndInstall(const ReleaseInfo& release);
 
   // Downloads the file `assetName` of the release `tag` in the same way, but opens nothing and sets

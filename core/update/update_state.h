@@ -11,7 +11,7 @@ namespace tessum {
 
 namespace update_state {
 
-// Nothing was done yet.
+// Nothing has been done yet.
 struct Idle {
   friend bool operator==(const Idle&, const Idle&) = default;
 };
@@ -21,26 +21,26 @@ struct Checking {
   friend bool operator==(const Checking&, const Checking&) = default;
 };
 
-// The latest release is newer than the running version ...
+// The latest release is newer than the running version.
 struct Available {
   ReleaseInfo release;
 
   friend bool operator==(const Available&, const Available&) = default;
 };
 
-// ... or it is not.
+// The latest release is not newer.
 struct UpToDate {
   friend bool operator==(const UpToDate&, const UpToDate&) = default;
 };
 
-// A release's file is on its way.
+// A release's file is being downloaded.
 struct Downloading {
   double fraction = 0;  // 0 to 1
 
   friend bool operator==(const Downloading&, const Downloading&) = default;
 };
 
-// The file is stored and is being opened.
+// The file is stored and goes to the opener.
 struct ReadyToInstall {
   std::string url;  // the file URL
 

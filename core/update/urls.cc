@@ -21,7 +21,7 @@ bool isLetterOrDigit(char c) {
   return kLettersAndDigits.find(c) != std::string_view::npos;
 }
 
-// What may stand in a URL's path as it is, by RFC 3986, and the slash between its segments.
+// Whether a URL's path may hold `c` as it is (RFC 3986). The slash separates its segments.
 bool isPathCharacter(char c) {
   constexpr std::string_view kMarks = "-._~!$&'()*+,;=:@/";
   return isLetterOrDigit(c) || kMarks.find(c) != std::string_view::npos;
@@ -57,7 +57,8 @@ std::optional<unsigned> hexDigit(char c) {
   return std::nullopt;
 }
 
-// The byte that the percent sign at `at` and the two characters behind it stand for.
+// The byte that the percent sign at `at` and the two characters after it stand for; absent when
+// they stand for none.
 std::optional<char> encodedByte(std::string_view text, std::size_t at) {
   if (text[at] != '%' || text.size() - at < 3) return std::nullopt;
   const auto high = hexDigit(text[at + 1]);
@@ -74,8 +75,8 @@ bool isHostName(std::string_view host) {
          });
 }
 
-// An address of version 6 in its brackets, told by its characters and the two colons it has at
-// least.
+// Whether `host` looks like an IPv6 address in brackets: by its characters, and at least two
+// colons.
 bool isHostAddress(std::string_view host) {
   if (host.size() < 2 || !host.starts_with('[') || !host.ends_with(']')) return false;
   host = host.substr(1, host.size() - 2);
@@ -93,7 +94,7 @@ bool isPort(std::string_view text) {
   return text.size() <= 1 + kMostDigits && stop == end && error == std::errc() && number > 0;
 }
 
-// Without a semicolon, which ends an item of a list in CMake.
+// No semicolon is allowed: it would separate two items of a list in CMake.
 bool isBasePath(std::string_view path) {
   for (std::size_t at = 0; at < path.size(); ++at) {
     const bool isEncoded = encodedByte(path, at).has_value();

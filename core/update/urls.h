@@ -8,7 +8,7 @@
 
 namespace tessum {
 
-// The service's base URLs that this build was made with: the primary one, then the fallback.
+// The base URLs that this build was configured with: the primary one, then the fallback.
 [[nodiscard]] std::vector<std::string> configuredBaseUrls();
 
 // Whether `text` is an absolute HTTPS URL that a path can be appended to: a host, perhaps a port
@@ -18,8 +18,8 @@ namespace tessum {
 // Where the newest release is described.
 [[nodiscard]] std::string latestReleaseUrl(std::string_view base);
 
-// Where the file `name` of the release `tag` lies. Slashes in either stay; what may not stand in
-// a URL's path is percent-encoded.
+// Where the file `name` of the release `tag` lies. Slashes in either stay; characters that a URL's
+// path may not hold are percent-encoded.
 [[nodiscard]] std::string assetUrl(std::string_view base, std::string_view tag,
                                    std::string_view name);
 

@@ -10,19 +10,19 @@
 
 namespace tessum {
 
-// Opens a disk image that was downloaded, where the system checks what is in it before it runs; no
-// other file. The name of a download comes from the network: it must end in ".dmg", and hold no
+// Opens a downloaded disk image if the system checks the programs in it before they run, and no
+// other file. The name of a download comes from the network, so it must end in ".dmg" and hold no
 // character that makes it look like another name. Main thread only.
 class DownloadOpener final : public UrlOpener {
  public:
   using Quarantine = std::function<bool(const std::string& path)>;
 
-  // `system` opens the image once `mark` has marked it. It must outlive this object.
+  // `mark` marks an image for the check; then `system`, which must outlive this object, opens it.
   explicit DownloadOpener(const UrlOpener& system, Quarantine mark = quarantine);
 
   void open(const std::string& url) const override;
 
-  // Whether the file at `url` was the last that was opened.
+  // Whether the file at `url` was the last one that open() handed to the system.
   [[nodiscard]] bool hasOpened(const std::string& url) const { return opened_ == url; }
 
  private:

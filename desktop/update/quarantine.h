@@ -6,8 +6,9 @@
 
 namespace tessum {
 
-// Has the system check the signature of what is in the file at `path` before any of it runs. False
-// when the system does not do that, or the file cannot be marked. Any thread.
+// Marks the file at `path` as one from the network, so that the system checks the signature of a
+// program in it before it runs. False when the system has no such check or the file cannot be
+// marked. Any thread.
 [[nodiscard]] bool quarantine(const std::string& path);
 
 }  // namespace tessum

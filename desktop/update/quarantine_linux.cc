@@ -2,7 +2,7 @@
 
 namespace tessum {
 
-// Desktops here run what they open without a check.
+// There is no such check here.
 bool quarantine(const std::string&) {
   return false;
 }

@@ -7,8 +7,8 @@
 
 namespace tessum {
 
-// The attribute that browsers give to what they download: flags that say "downloaded" and "not yet
-// approved", the time in seconds since 1970, both hexadecimal, the program, and no event's number.
+// The attribute that browsers set on a download: flags, the time in seconds since 1970, both in
+// hexadecimal, the name of the program, and the number of an event, which is left out.
 bool quarantine(const std::string& path) {
   char value[64];
   const int size = std::snprintf(value, sizeof value, "0081;%08llx;Tessum;",

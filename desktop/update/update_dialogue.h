@@ -11,7 +11,7 @@
 
 namespace tessum {
 
-// One line of text, with its line end, for a person.
+// Shows a person one line of text, which ends in a line feed.
 using Say = std::function<void(std::string_view line)>;
 
 // The command "update": one check and, if asked for, the download of what it found. Main thread
@@ -22,7 +22,7 @@ class UpdateDialogue {
     Say tell;      // results
     Say complain;  // failures
 
-    // Shows `text` in place of what was shown before; empty where nobody watches.
+    // Shows `text` in place of the text before; an empty function where nobody watches.
     std::function<void(std::string_view text)> showProgress;
   };
 
@@ -55,12 +55,12 @@ class UpdateDialogue {
   std::string progress_;  // as it is shown
 };
 
-// The progress of a download as text of one line, such as "[████      ]  40 %".
+// The progress of a download as one line of text, such as "[████      ]  40 %".
 [[nodiscard]] std::string progressText(double fraction);
 
-// Checks now and every six hours, and says in one line when a release appears that is newer than
-// the running version: once for each release. Failures are not worth a line. Takes the observer's
-// place at `checker`. Main thread only.
+// Checks now and every six hours, and says in one line that a release is newer than the running
+// version, once for each release. Says nothing of failures. Takes the observer's place at
+// `checker`. Main thread only.
 void announceReleases(UpdateChecker& checker, Say say);
 
 }  // namespace tessum
