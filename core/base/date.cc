@@ -16,8 +16,8 @@ constexpr double kFarthestSecond = 9007199254740992.0;
 
 struct CivilDate {
   std::int64_t year;
-  int month;
-  int day;
+  unsigned month;
+  unsigned day;
 };
 
 // The proleptic Gregorian date of a day counted from 1970-01-01. The year is taken to begin in
@@ -27,13 +27,13 @@ CivilDate civilFromDays(std::int64_t days) {
   constexpr std::int64_t kDaysFromYearZero = 719468;
   const std::int64_t shifted = days + kDaysFromYearZero;
   const std::int64_t era = (shifted >= 0 ? shifted : shifted - (kDaysPerEra - 1)) / kDaysPerEra;
-  const std::int64_t dayOfEra = shifted - era * kDaysPerEra;
-  const std::int64_t yearOfEra =
+  const auto dayOfEra = static_cast<unsigned>(shifted - era * kDaysPerEra);
+  const unsigned yearOfEra =
       (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const std::int64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
-  const int day = static_cast<int>(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1);
-  const int month = static_cast<int>(monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9);
+  const unsigned dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const unsigned monthFromMarch = (5 * dayOfYear + 2) / 153;
+  const unsigned day = dayOfYear - (153 * monthFromMarch + 2) / 5 + 1;
+  const unsigned month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
   return {yearOfEra + era * 400 + (month <= 2 ? 1 : 0), month, day};
 }
 
@@ -48,8 +48,7 @@ std::int64_t daysFromCivil(const CivilDate& date) {
   return era * 146097 + dayOfEra - 719468;
 }
 
-char* writeTwoDigits(char* out, int value, char before) {
-  *out++ = before;
+char* writeTwoDigits(char* out, unsigned value) {
   *out++ = static_cast<char>('0' + value / 10);
   *out++ = static_cast<char>('0' + value % 10);
   return out;
@@ -60,8 +59,14 @@ char* writeYear(char* out, std::int64_t year) {
     *out++ = '-';
     year = -year;
   }
-  for (std::int64_t place = 1000; place > 1 && year < place; place /= 10) *out++ = '0';
-  return std::to_chars(out, out + 20, year).ptr;
+  if (year > 9999) return std::to_chars(out, out + 20, year).ptr;
+  out = writeTwoDigits(out, static_cast<unsigned>(year / 100));
+  return writeTwoDigits(out, static_cast<unsigned>(year % 100));
+}
+
+char* writeSeparated(char* out, char separator, unsigned value) {
+  *out = separator;
+  return writeTwoDigits(out + 1, value);
 }
 
 }  // namespace
@@ -70,21 +75,18 @@ void appendTimeStamp(std::string& out, Date date) {
   const double whole = std::isnan(date.secondsSince1970) ? 0 : std::floor(date.secondsSince1970);
   const auto seconds =
       static_cast<std::int64_t>(std::clamp(whole, -kFarthestSecond, kFarthestSecond));
-  std::int64_t days = seconds / kSecondsPerDay;
-  int rest = static_cast<int>(seconds % kSecondsPerDay);
-  if (rest < 0) {
-    rest += static_cast<int>(kSecondsPerDay);
-    days -= 1;
-  }
+  const std::int64_t days =
+      (seconds >= 0 ? seconds : seconds - (kSecondsPerDay - 1)) / kSecondsPerDay;
+  const auto rest = static_cast<unsigned>(seconds - days * kSecondsPerDay);
   const CivilDate civil = civilFromDays(days);
 
   char text[48];
   char* end = writeYear(text, civil.year);
-  end = writeTwoDigits(end, civil.month, '-');
-  end = writeTwoDigits(end, civil.day, '-');
-  end = writeTwoDigits(end, rest / 3600, 'T');
-  end = writeTwoDigits(end, rest / 60 % 60, ':');
-  end = writeTwoDigits(end, rest % 60, ':');
+  end = writeSeparated(end, '-', civil.month);
+  end = writeSeparated(end, '-', civil.day);
+  end = writeSeparated(end, 'T', rest / 3600);
+  end = writeSeparated(end, ':', rest / 60 % 60);
+  end = writeSeparated(end, ':', rest % 60);
   out.append(text, end);
 }
 
@@ -104,16 +106,16 @@ std::optional<Date> parseInternetDateTime(std::string_view text) {
   if (!std::equal(text.begin(), text.end(), kForm.begin(), fits)) return std::nullopt;
 
   const auto number = [&](std::size_t at, std::size_t length) {
-    int value = 0;
+    unsigned value = 0;
     std::from_chars(text.data() + at, text.data() + at + length, value);
     return value;
   };
   const CivilDate civil{number(0, 4), number(5, 2), number(8, 2)};
   const std::int64_t days = daysFromCivil(civil);
   const CivilDate normal = civilFromDays(days);
-  const int hour = number(11, 2);
-  const int minute = number(14, 2);
-  const int second = number(17, 2);
+  const unsigned hour = number(11, 2);
+  const unsigned minute = number(14, 2);
+  const unsigned second = number(17, 2);
   const bool dateExists = normal.month == civil.month && normal.day == civil.day;
   if (!dateExists || hour > 23 || minute > 59 || second > 59) return std::nullopt;
   return Date{static_cast<double>(days * kSecondsPerDay + hour * 3600 + minute * 60 + second)};

@@ -32,13 +32,15 @@ CREATE INDEX IF NOT EXISTS idx_annotations_started ON annotations(started_at);)"
 
 // Columns: id, app_name, bundle_id, title, start_time, end_time.
 void readActivities(Statement& statement, const ActivityVisitor& visit) {
+  Activity activity;  // one for all rows, whose texts then find their memory
   while (statement.nextRow()) {
-    visit({.id = statement.rowID(0),
-           .appName = statement.text(1),
-           .bundleID = statement.optionalText(2),
-           .title = statement.optionalText(3),
-           .startTime = statement.date(4),
-           .endTime = statement.optionalDate(5)});
+    activity.id = statement.rowID(0);
+    statement.readText(1, activity.appName);
+    statement.readText(2, activity.bundleID);
+    statement.readText(3, activity.title);
+    activity.startTime = statement.date(4);
+    activity.endTime = statement.optionalDate(5);
+    visit(activity);
   }
 }
 

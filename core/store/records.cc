@@ -1,6 +1,6 @@
 #include "core/store/records.h"
 
-#include <cmath>
+#include <charconv>
 #include <utility>
 
 #include "core/base/check.h"
@@ -36,6 +36,12 @@ auto optionalMember(const Field& record, const char* key, Read read)
   return read(*field);
 }
 
+void appendCount(std::string& out, std::int64_t count, char unit) {
+  char digits[20];
+  out.append(digits, std::to_chars(digits, digits + sizeof digits, count).ptr);
+  out += unit;
+}
+
 constexpr auto kText = [](const Field& field) { return field.text(); };
 constexpr auto kInteger = [](const Field& field) { return field.integer(); };
 
@@ -69,12 +75,16 @@ std::string durationText(double seconds, DurationForm form) {
   constexpr double kTwoTo63 = 9223372036854775808.0;
   TESSUM_CHECK(seconds >= -kTwoTo63 && seconds < kTwoTo63, "a duration that cannot be written");
   const auto whole = static_cast<std::int64_t>(seconds);
-  if (whole < 60) return std::to_string(whole) + "s";
-  if (whole >= 3600) {
-    return std::to_string(whole / 3600) + "h " + std::to_string(whole / 60 % 60) + "m";
+  std::string text;
+  if (whole < 60) {
+    appendCount(text, whole, 's');
+  } else if (whole < 3600) {
+    appendCount(text, whole / 60, 'm');
+    if (form == DurationForm::longForm) appendCount(text += ' ', whole % 60, 's');
+  } else {
+    appendCount(text, whole / 3600, 'h');
+    appendCount(text += ' ', whole / 60 % 60, 'm');
   }
-  std::string text = std::to_string(whole / 60) + "m";
-  if (form == DurationForm::longForm) text += " " + std::to_string(whole % 60) + "s";
   return text;
 }
 

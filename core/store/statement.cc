@@ -77,19 +77,41 @@ bool Statement::nextRow() {
   return sqlite3_step(statement_.get()) == SQLITE_ROW;
 }
 
-std::string Statement::text(int column) {
-  auto text = optionalText(column);
-  TESSUM_CHECK(text.has_value(), "NULL in a column that is never NULL");
-  return *std::move(text);
-}
-
 // Each look at a column takes SQLite's lock. So the value is asked for first, and its type only
 // where the value leaves open whether there is one.
-std::optional<std::string> Statement::optionalText(int column) {
+const char* Statement::bytes(int column) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
-  if (text != nullptr) return validUtf8(text);
-  if (sqlite3_column_type(statement_.get(), column) != SQLITE_NULL) throw std::bad_alloc();
-  return std::nullopt;
+  if (text == nullptr && sqlite3_column_type(statement_.get(), column) != SQLITE_NULL) {
+    throw std::bad_alloc();
+  }
+  return text;
+}
+
+void Statement::readText(int column, std::string& text) {
+  const char* const found = bytes(column);
+  TESSUM_CHECK(found != nullptr, "NULL in a column that is never NULL");
+  text.clear();
+  appendValidUtf8(text, found);
+}
+
+void Statement::readText(int column, std::optional<std::string>& text) {
+  const char* const found = bytes(column);
+  if (found == nullptr) return text.reset();
+  if (!text) text.emplace();
+  text->clear();
+  appendValidUtf8(*text, found);
+}
+
+std::string Statement::text(int column) {
+  std::string value;
+  readText(column, value);
+  return value;
+}
+
+std::optional<std::string> Statement::optionalText(int column) {
+  std::optional<std::string> value;
+  readText(column, value);
+  return value;
 }
 
 Date Statement::date(int column) {

@@ -44,6 +44,8 @@ class Statement {
   // texts do. NULL in a column that is never NULL stops the process.
   [[nodiscard]] std::string text(int column);
   [[nodiscard]] std::optional<std::string> optionalText(int column);
+  void readText(int column, std::string& text);
+  void readText(int column, std::optional<std::string>& text);
   [[nodiscard]] Date date(int column);
   [[nodiscard]] std::optional<Date> optionalDate(int column);
   [[nodiscard]] std::int64_t rowID(int column);
@@ -56,6 +58,7 @@ class Statement {
   };
 
   void checkBound(int result) const;
+  const char* bytes(int column);  // null for NULL
 
   sqlite3* db_;
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;

@@ -72,6 +72,21 @@ TEST_F(StatementTest, MakesTextsValidUtf8) {
   EXPECT_EQ(statement.optionalText(3), std::nullopt);
 }
 
+TEST_F(StatementTest, ReplacesTheTextsItReadsInto) {
+  Statement statement(db_.get(), "SELECT 'new', 'new', NULL, 'new';");
+  ASSERT_TRUE(statement.nextRow());
+  std::string text = "old";
+  statement.readText(0, text);
+  EXPECT_EQ(text, "new");
+  std::optional<std::string> optional = "old";
+  statement.readText(1, optional);
+  EXPECT_EQ(optional, "new");
+  statement.readText(2, optional);
+  EXPECT_EQ(optional, std::nullopt);
+  statement.readText(3, optional);
+  EXPECT_EQ(optional, "new");
+}
+
 TEST_F(StatementTest, KeepsTheFractionOfADate) {
   Statement statement(db_.get(), "SELECT ?, ?;");
   statement.bind(Date{1741082400.123456}).bind(std::optional<Date>());
