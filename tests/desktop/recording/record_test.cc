@@ -27,9 +27,13 @@ std::string report(const Desktop& desktop) {
 
 TEST(Record, WritesWhatAPersonDoesOnTheDesktop) {
   Desktop desktop;
-  std::filesystem::create_directories(desktop.home().file("share/applications"));
-  writeFile(desktop.home().file("share/applications/org.test.Terminal.desktop"),
+  const std::string applications = desktop.home().file("share/applications");
+  std::filesystem::create_directories(applications);
+  writeFile(applications + "/org.test.Terminal.desktop",
             "[Desktop Entry]\nType=Application\nName=Terminal of the Test\nStartupWMClass=XTerm\n");
+  // Versions of the program differ in their class, but not in the name of the instance.
+  writeFile(applications + "/org.test.Dialog.desktop",
+            "[Desktop Entry]\nType=Application\nName=Dialog of the Test\nStartupWMClass=zenity\n");
   desktop.startWindowManager();
   Recorder recorder(desktop);
 
@@ -40,14 +44,15 @@ TEST(Record, WritesWhatAPersonDoesOnTheDesktop) {
   desktop.run("xdotool", {"set_window", "--name", "second title", terminalWindow});
   ASSERT_TRUE(recorder.comesTo({name + "second title|open"}));
 
-  Rows expected{name + "second title|closed", "Zenity|NULL|Question of the test|open"};
+  const std::string dialogName = "Dialog of the Test|org.test.Dialog|";
+  Rows expected{name + "second title|closed", dialogName + "Question of the test|open"};
   const auto dialog =
       desktop.start("zenity", {"--info", "--title", "Question of the test", "--text", "What?"});
   ASSERT_TRUE(recorder.comesTo(expected));
   const std::string dialogWindow = desktop.run("xdotool", {"getactivewindow"});
 
   desktop.run("xdotool", {"windowactivate", "--sync", terminalWindow});
-  expected.back() = "Zenity|NULL|Question of the test|closed";
+  expected.back() = dialogName + "Question of the test|closed";
   expected.push_back(name + "second title|open");
   ASSERT_TRUE(recorder.comesTo(expected));
 
@@ -55,12 +60,12 @@ TEST(Record, WritesWhatAPersonDoesOnTheDesktop) {
 
   desktop.run("xdotool", {"windowactivate", "--sync", dialogWindow});
   expected.back() = name + "second title|closed";
-  expected.emplace_back("Zenity|NULL|Question of the test|open");
+  expected.push_back(dialogName + "Question of the test|open");
   ASSERT_TRUE(recorder.comesTo(expected)) << "the window manager's restart is no session";
 
   desktop.run("xdotool", {"windowminimize", "--sync", terminalWindow});
   desktop.run("xdotool", {"windowminimize", "--sync", dialogWindow});
-  expected.back() = "Zenity|NULL|Question of the test|closed";
+  expected.back() = dialogName + "Question of the test|closed";
   ASSERT_TRUE(recorder.comesTo(expected)) << "with everything minimised nothing is in front";
 
   desktop.run("xdotool", {"windowactivate", "--sync", terminalWindow});
@@ -68,11 +73,11 @@ TEST(Record, WritesWhatAPersonDoesOnTheDesktop) {
   ASSERT_TRUE(recorder.comesTo(expected));
   desktop.run("xdotool", {"windowactivate", "--sync", dialogWindow});
   expected.back() = name + "second title|closed";
-  expected.emplace_back("Zenity|NULL|Question of the test|open");
+  expected.push_back(dialogName + "Question of the test|open");
   ASSERT_TRUE(recorder.comesTo(expected));
 
   dialog->kill();
-  expected.back() = "Zenity|NULL|Question of the test|closed";
+  expected.back() = dialogName + "Question of the test|closed";
   expected.push_back(name + "second title|open");
   ASSERT_TRUE(recorder.comesTo(expected)) << "the window below the closed one comes to the front";
   terminal->kill();
@@ -83,7 +88,7 @@ TEST(Record, WritesWhatAPersonDoesOnTheDesktop) {
   EXPECT_EQ(recorder.process().wait(), kSuccess);
   EXPECT_EQ(recorder.process().errors(), "");
   EXPECT_EQ(recorder.sessions(), expected);
-  const std::string dialogLine = R"(\n• Zenity – Question of the test)";
+  const std::string dialogLine = R"(\n• Dialog of the Test – Question of the test)";
   const std::string terminalLine = R"(\n• Terminal of the Test – second title)";
   EXPECT_EQ(report(desktop), "Activities (7 sessions):" + terminalLine + dialogLine + terminalLine +
                                  dialogLine + terminalLine + dialogLine + terminalLine);
