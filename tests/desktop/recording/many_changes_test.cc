@@ -18,7 +18,7 @@
 namespace tessum {
 namespace {
 
-constexpr int kChanges = 10000;
+constexpr int kChanges = TESSUM_FOCUS_CHANGES;
 constexpr int kRequestsAtOnce = 2000;
 
 // In memory where the system has such a folder: what is tested are the sessions, not the disk.
