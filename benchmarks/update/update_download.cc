@@ -1,7 +1,7 @@
-// Downloads a gigabyte over HTTPS from this computer, by the update checker and by the curl
-// program in turn, and prints how long each took and how much memory it held at most.
+// Downloads MEGABYTES over HTTPS from this computer, by the update checker and by the curl program
+// in turn, and prints how long each took and how much memory it held at most.
 //
-//   update-download FOLDER     FOLDER holds the gigabyte for a while; it must exist
+//   update-download FOLDER MEGABYTES     FOLDER holds the download for a while; it must exist
 //
 // Each download runs in a process of its own, so that the server in this one does not count. The
 // checker's process is this program, started again.
@@ -34,7 +34,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kBytes = 1'000'000'000;
+constexpr std::size_t kMegabyte = 1'000'000;
 constexpr int kRounds = 5;
 
 class FolderOnly final : public Locations {
@@ -109,16 +109,19 @@ Usage run(std::vector<std::string> words) {
   return {took.count(), static_cast<double>(usage.ru_maxrss) * kUnit / (1024 * 1024)};
 }
 
-void sendGigabyte(HttpsConnection& connection) {
-  const std::string block(1'000'000, 'x');
-  connection.send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(kBytes) + "\r\n\r\n");
-  for (std::size_t sent = 0; sent < kBytes; sent += block.size()) {
-    if (!connection.send(block)) return;
+void send(HttpsConnection& connection, std::size_t megabytes) {
+  const std::string megabyte(kMegabyte, 'x');
+  connection.send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(megabytes * kMegabyte) +
+                  "\r\n\r\n");
+  for (std::size_t sent = 0; sent < megabytes; ++sent) {
+    if (!connection.send(megabyte)) return;
   }
 }
 
-void requireWhole(const std::string& path) {
-  if (fs::file_size(path) != kBytes) throw std::runtime_error(path + " is not whole");
+void requireWhole(const std::string& path, std::size_t megabytes) {
+  if (fs::file_size(path) != megabytes * kMegabyte) {
+    throw std::runtime_error(path + " is not whole");
+  }
   fs::remove(path);
 }
 
@@ -134,11 +137,12 @@ void report(const char* name, const std::vector<Usage>& rounds) {
   std::printf("   best %.2f s   peak resident %.1f MiB\n", seconds, mebibytes);
 }
 
-void compare(const std::string& program, const std::string& folder) {
+void compare(const std::string& program, const std::string& folder, std::size_t megabytes) {
   const ThrowAwayAuthority authority;
   const std::string authorityFile = folder + "/authority.pem";
   std::ofstream(authorityFile) << authority.certificate();
-  const HttpsServer server(authority.issue("IP:127.0.0.1"), sendGigabyte);
+  const HttpsServer server(authority.issue("IP:127.0.0.1"),
+                           [megabytes](HttpsConnection& client) { send(client, megabytes); });
   const std::string image = server.url() + "/releases/macos/v1/assets/image.dmg";
 
   std::vector<Usage> curl;
@@ -146,9 +150,9 @@ void compare(const std::string& program, const std::string& folder) {
   for (int round = 0; round < kRounds; ++round) {
     curl.push_back(run({"curl", "--silent", "--show-error", "--http1.1", "--cacert", authorityFile,
                         "--noproxy", "*", "--output", folder + "/by-curl", image}));
-    requireWhole(folder + "/by-curl");
+    requireWhole(folder + "/by-curl", megabytes);
     checker.push_back(run({program, server.url(), folder, authorityFile}));
-    requireWhole(folder + "/Updates/image.dmg");
+    requireWhole(folder + "/Updates/image.dmg", megabytes);
   }
   report("curl", curl);
   report("checker", checker);
@@ -162,11 +166,11 @@ void compare(const std::string& program, const std::string& folder) {
 int main(int argc, char** argv) {
   try {
     if (argc == 4) return tessum::downloadHere(argv[1], argv[2], argv[3]);
-    if (argc != 2) {
-      std::fputs("usage: update-download FOLDER\n", stderr);
+    if (argc != 3) {
+      std::fputs("usage: update-download FOLDER MEGABYTES\n", stderr);
       return 2;
     }
-    tessum::compare(argv[0], argv[1]);
+    tessum::compare(argv[0], argv[1], std::stoul(argv[2]));
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());
