@@ -32,8 +32,8 @@ struct Timer {
 };
 
 struct Watch {
-  int descriptor;
-  short events;
+  int descriptor = -1;
+  short events = 0;
   MainLoop::Task task;
 };
 

@@ -70,7 +70,7 @@ std::optional<std::string> extendedText(std::string_view value) {
 
 std::optional<std::string> nameInHeader(std::string_view header) {
   if (const auto extended = parameter(header, "filename*")) {
-    if (const auto name = extendedText(*extended)) return name;
+    if (auto name = extendedText(*extended)) return name;
   }
   const auto plain = parameter(header, "filename");
   return plain ? std::optional(unquoted(*plain)) : std::nullopt;
