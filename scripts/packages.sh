@@ -1,7 +1,13 @@
-# Sourced by the other scripts: which packages they need, and how these get onto the machine.
+# Sourced by the other scripts: installs the packages that they need, configures and builds.
 # shellcheck shell=bash
 
-# The packages of one job. macOS has SQLite and curl itself.
+# ccache needs this sloppiness to keep what is compiled with a precompiled header.
+if command -v ccache >/dev/null; then
+  export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+  export CCACHE_SLOPPINESS=pch_defines,time_macros
+fi
+
+# The packages that a job needs. macOS comes with SQLite and curl.
 apt_packages() {
   case $1 in
     build)
@@ -13,9 +19,11 @@ apt_packages() {
         xterm xvfb zenity
       ;;
     package) echo dpkg-dev file ;;
+    install) echo binutils cmake debootstrap ;;
     benchmark) echo libbenchmark-dev ;;
     sanitize) echo clang ;;
     format) echo clang-format git ;;
+    tidy) echo clang clang-tidy ;;
   esac
 }
 brew_packages() {
@@ -23,7 +31,7 @@ brew_packages() {
     build) echo asio cli11 cmake ninja simdjson ;;
     test) echo googletest node openssl ;;
     benchmark) echo google-benchmark ;;
-    sanitize) echo llvm ;;
+    sanitize | tidy) echo llvm ;;
     format) echo clang-format ;;
   esac
 }
@@ -47,7 +55,7 @@ as_root() {
   fi
 }
 
-# Installs those of the named Debian packages that are missing, and no others.
+# Installs those of the named Debian packages that are missing.
 install_apt() {
   local package missing=()
   for package in "$@"; do
@@ -71,19 +79,19 @@ install_brew() {
   HOMEBREW_NO_AUTO_UPDATE=1 brew install --quiet "${missing[@]}" </dev/null >&2
 }
 
-# need JOB...: installs what these jobs want and the machine lacks.
+# need JOB...: installs what these jobs need and the machine lacks.
 need() {
   local job
   for job in "$@"; do
-    # The lists are words without blanks.
+    # The lists are to be split into words.
     # shellcheck disable=SC2046
     if command -v apt-get >/dev/null; then
       install_apt $(apt_packages "$job")
-      # Node.js may have come from elsewhere, and then brought its npm along.
-      [ "$job" != test ] || command -v npm >/dev/null || install_apt nodejs npm
-      # Ubuntu has Chromium in another form only; its tests are then skipped.
+      # Node.js may come from elsewhere, with its own npm.
+      [[ $job != @(test|install) ]] || command -v npm >/dev/null || install_apt nodejs npm
+      # Ubuntu has Chromium only as a snap; without it the browser's tests are skipped.
       [ "$job" != test ] || ! apt-cache show chromium >/dev/null 2>&1 || install_apt chromium
-      # The sanitizers' runtime is named for its compiler's version.
+      # The package of the sanitizers' runtime has the compiler's version in its name.
       ! command -v clang >/dev/null || install_apt "libclang-rt-$(clang -dumpversion | cut -d. -f1)-dev"
     elif command -v brew >/dev/null; then
       install_brew $(brew_packages "$job")
@@ -93,7 +101,7 @@ need() {
   done
 }
 
-# configure FOLDER [cmake arguments]: prepares a build folder, quietly where all goes well.
+# configure FOLDER [cmake arguments]: prepares a build folder; prints CMake's output only if it fails.
 configure() {
   local folder=$1 log
   shift
@@ -106,7 +114,7 @@ configure() {
   }
 }
 
-# build FOLDER [targets]: with progress where a person watches.
+# build FOLDER [targets]: builds, and shows progress on a terminal.
 build() {
   local folder=$1 log
   shift
