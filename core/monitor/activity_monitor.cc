@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "core/store/database_error.h"
-
 namespace tessum {
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "core/loop/main_loop.h"
 #include "core/platform/clock.h"
-#include "core/store/session_writer.h"
+#include "core/store/database.h"
 #include "core/workspace/workspace.h"
 
 namespace tessum {

@@ -88,8 +88,7 @@ TEST_F(DatabaseTest, FailsForAFileThatIsNoDatabase) {
   } catch (const DatabaseError& error) {
     EXPECT_EQ(error.errorCase(), DatabaseError::Case::executionFailed);
     EXPECT_EQ(error.code(), SQLITE_NOTADB);
-    EXPECT_EQ(error.description(),
-              "Failed to execute statement: " + sqliteText(SQLITE_NOTADB));
+    EXPECT_EQ(error.description(), "Failed to execute statement: " + sqliteText(SQLITE_NOTADB));
   }
   EXPECT_EQ(readFile(path_), std::string(4096, 'x'));
 }
