@@ -1,4 +1,4 @@
-// The Info.plist that the build puts into Tessum.app, read as strictly as a flat one can be.
+// The Info.plist that the build puts into Tessum.app.
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 namespace tessum {
 namespace {
 
-// Reads a property list of texts and truths. Throws std::runtime_error for anything else.
+// Reads a property list with strings and <true/> only. Throws std::runtime_error for anything else.
 class PropertyList {
  public:
   explicit PropertyList(std::string_view text) : rest_(text) {
@@ -27,7 +27,7 @@ class PropertyList {
     }
     skip("</dict>");
     skip("</plist>");
-    if (!rest_.empty()) fail("more behind the end");
+    if (!rest_.empty()) fail("text after the end");
   }
 
   // The text of `key`, or "true"; empty where there is none.
@@ -60,7 +60,7 @@ class PropertyList {
   std::string textUpTo(std::string_view end) {
     const auto size = rest_.find('<');
     const std::string text(rest_.substr(0, size));
-    if (text.find_first_of("&@") != text.npos) fail("a character that is not itself");
+    if (text.find_first_of("&@") != text.npos) fail("an escaped or unreplaced character");
     rest_.remove_prefix(std::min(size, rest_.size()));
     skip(end);
     return text;

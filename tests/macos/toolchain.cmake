@@ -1,4 +1,4 @@
-# Builds for macOS 13 on Linux, as far as names go: the programs are linked against stubs and
+# Builds for macOS 13 on Linux. The programs are linked against stubs, which hold names only, so they
 # cannot run. scripts/check-macos sets the environment variables.
 
 set(CMAKE_SYSTEM_NAME Darwin)
@@ -6,7 +6,7 @@ set(CMAKE_SYSTEM_PROCESSOR "$ENV{TESSUM_MACOS_CPU}")
 set(target "${CMAKE_SYSTEM_PROCESSOR}-macos.13.0")
 set(stubs "${CMAKE_CURRENT_LIST_DIR}/stubs")
 
-# CMake's own tests of a compiler ask its linker for what this one has no words for.
+# CMake's own tests of a compiler use linker options that this linker does not know.
 foreach(language C CXX OBJCXX)
   set(CMAKE_${language}_COMPILER_TARGET "${target}")
   set(CMAKE_${language}_ABI_COMPILED TRUE)
@@ -20,8 +20,8 @@ set(CMAKE_RANLIB "$ENV{TESSUM_MACOS_COMPILERS}/ranlib")
 set(CMAKE_SIZEOF_VOID_P 8)
 set(CMAKE_INSTALL_NAME_TOOL true)
 
-# -I, not -isystem: ahead of the compiler's own objc/ headers. The macro's absence lets the C++
-# library tell what macOS 13 lacks.
+# -I, not -isystem: the stubs must come before the compiler's own objc/ headers. Without the macro the
+# C++ library marks what macOS 13 lacks.
 set(CMAKE_C_FLAGS_INIT "-I${stubs}/include -fno-sanitize=undefined")
 string(JOIN " " CMAKE_CXX_FLAGS_INIT
   ${CMAKE_C_FLAGS_INIT}
@@ -33,11 +33,11 @@ string(JOIN " " CMAKE_OBJCXX_FLAGS_INIT
   -Werror=undeclared-selector
   -Werror=incompatible-pointer-types
   -Wno-unused-command-line-argument)
-# On a Mac Foundation brings libobjc along.
+# On a Mac, Foundation links libobjc.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-F${stubs}/Frameworks -L${stubs}/lib -lobjc")
 
-# Libraries are found as stubs, and their headers one by one: /usr/include as a whole would bring
-# the C library of Linux along.
+# Libraries are stubs. Their headers are linked one by one, as /usr/include would also bring the C
+# library of Linux.
 set(CMAKE_FIND_ROOT_PATH "${stubs}" "$ENV{TESSUM_MACOS_HEADERS}")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
