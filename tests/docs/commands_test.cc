@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <ostream>
 #include <regex>
 #include <set>
 #include <string>
@@ -15,6 +14,7 @@
 #include <vector>
 
 #include "tests/desktop/user.h"
+#include "tests/docs/documents.h"
 #include "tests/support/child_process.h"
 #include "tests/support/environment.h"
 #include "tests/support/temporary_folder.h"
@@ -25,153 +25,49 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kRoot = TESSUM_SOURCE_FOLDER;
+const fs::path kRoot = sourceFolder();
 
-// Commands that take a desktop, the network, minutes or a program of another kind, and what runs
-// them instead.
+// A command that needs a desktop, the network, minutes or root. Something else runs it: the file
+// `where`, which holds the text `call`.
 struct Elsewhere {
   std::string_view command;
   const char* where;
+  const char* call;
 };
 constexpr Elsewhere kElsewhere[] = {
-    {"Tessum record", "tests/desktop/recording/record_test.cc"},
-    {"Tessum record --no-update-check", "tests/desktop/recording/record_test.cc"},
-    {"Tessum record --http", "tests/desktop/recording/record_http_test.cc"},
-    {"Tessum update", "tests/desktop/update/update_program_test_linux.cc"},
-    {"Tessum update --download", "tests/desktop/update/update_program_test_linux.cc"},
-    {"Tessum doctor", "tests/package/installed-debian"},
-    {"Tessum doctor --close-open", "tests/desktop/doctor/doctor_test.cc"},
-    {"scripts/test", ".ci/run"},
-    {"scripts/run", "tests/package/from-readme"},
-    {"cmake --build build/run", "tests/package/from-readme"},
-    {"cmake --install build/run --component programs", "tests/package/from-readme"},
+    {"Tessum record", "benchmarks/recording/run", "launch \"$program\" record\n"},
+    {"Tessum record --no-update-check", "tests/desktop/recording/record_test.cc",
+     R"(start(TESSUM_PROGRAM, {"record", "--no-update-check"})"},
+    {"Tessum record --http", "tests/desktop/recording/record_http_test.cc",
+     R"({"record", "--http", "--no-update-check"})"},
+    {"Tessum update", "tests/desktop/update/update_program_test_linux.cc", R"(run({"update"}))"},
+    {"Tessum update --download", "tests/desktop/update/update_program_test_linux.cc",
+     R"(run({"update", "--download"}))"},
+    {"Tessum doctor", "tests/package/installed-debian", "tessum doctor\n"},
+    {"Tessum doctor --close-open", "tests/desktop/doctor/doctor_test.cc",
+     R"(run({"doctor", "--close-open"}))"},
+    {"scripts/test", ".ci/run", " scripts/test\n"},
+    {"scripts/run", "tests/package/from-readme", "| scripts/run |"},
+    {"cmake --build build/run", "tests/package/from-readme", "cmake --build build/run >"},
+    {"cmake --install build/run --component programs", "tests/package/from-readme",
+     "cmake --install build/run --component programs >"},
     {"cmake -B build -DTESSUM_UPDATE_PRIMARY_URL=https://updates.example/ \\\n"
      "               -DTESSUM_UPDATE_FALLBACK_URL=https://mirror.example/tessum",
-     "tests/update/check-update-urls"},
-    // What installs something, and the test of that.
-    {"scripts/package", "tests/package/installed-debian"},
-    {"sudo apt install ./build/package/tessum_1.0.0_amd64.deb", "tests/package/installed-debian"},
-    {"sudo apt remove tessum", "tests/package/installed-debian"},
+     "tests/update/check-update-urls", R"("$cmake" -D "$1=$2" -P "$module")"},
+    {"scripts/package", ".ci/run", " scripts/package\n"},
+    {"sudo apt install ./build/package/tessum_1.0.0_amd64.deb", "tests/package/installed-debian",
+     "install_packages /tmp/tessum.deb\n"},
+    {"sudo apt remove tessum", "tests/package/installed-debian",
+     "apt-get remove -qq -y --auto-remove tessum >"},
     {"sudo tar -xzf build/package/tessum-1.0.0-linux-x86_64.tar.gz -C /usr/local",
-     "tests/package/installed-debian"},
-    {"sudo debootstrap --variant=minbase bookworm root", "tests/package/installed-debian"},
-    {"sudo tests/package/installed-debian build/package root", "tests/package/installed-debian"},
-    {"benchmarks/run", "tests/benchmarks/in-brief"},
-    {"benchmarks/run year", "tests/benchmarks/in-brief"},
-    {"benchmarks/recording/run", "tests/benchmarks/in-brief"},
-    {"benchmarks/update/run", "tests/benchmarks/in-brief"},
+     "tests/package/installed-debian", "tar -xzC /tmp/archive <"},
+    {"sudo tests/package/installed-debian build/package", ".ci/run",
+     " tests/package/installed-debian build/package\n"},
+    {"benchmarks/run", "tests/benchmarks/in-brief", "\nbenchmarks/run day\n"},
+    {"benchmarks/run year", "tests/benchmarks/in-brief", "\nbenchmarks/run day\n"},
+    {"benchmarks/recording/run", "tests/benchmarks/in-brief", "\nbenchmarks/recording/run "},
+    {"benchmarks/update/run", "tests/benchmarks/in-brief", "\nbenchmarks/update/run "},
 };
-
-struct Command {
-  std::string line;
-  std::string output = {};
-  bool showsOutput = false;
-};
-
-// A document, with the commands in it and what keeps them from being found.
-struct Document {
-  std::string name;
-  std::vector<Command> commands = {};
-  std::vector<std::string> problems = {};
-};
-
-void PrintTo(const Document& document, std::ostream* out) {
-  *out << document.name;
-}
-
-// "sh" holds commands, "console" commands behind "$ " and their output; a line that ends in a
-// backslash goes on in the next one. Other fences hold no commands, so each says what it holds.
-Document readMarkdown(const fs::path& path) {
-  Document document{path.filename().string()};
-  std::string language;
-  bool isInFence = false;
-  bool goesOn = false;
-  std::string before;
-  for (const std::string& line : linesOf(readFile(path.string()))) {
-    if (line.starts_with("```")) {
-      isInFence = !isInFence;
-      language = line.substr(3);
-      goesOn = false;
-      if (isInFence && language.empty()) {
-        document.problems.push_back("a block that does not say what it holds");
-      }
-      continue;
-    }
-    if (!isInFence) {
-      if (line.starts_with("    ") && before.empty()) {
-        document.problems.push_back("a block without fences: " + line);
-      }
-      before = line;
-      continue;
-    }
-    const bool isConsole = language == "console";
-    if (!isConsole && language != "sh") continue;
-    if (goesOn) {
-      document.commands.back().line += "\n" + line;
-    } else if (isConsole && line.starts_with("$ ")) {
-      document.commands.push_back({.line = line.substr(2), .showsOutput = true});
-    } else if (isConsole) {
-      document.commands.back().output += line + "\n";
-    } else if (!line.empty() && !line.starts_with("#")) {
-      document.commands.push_back({.line = line});
-    }
-    goesOn = line.ends_with('\\');
-  }
-  return document;
-}
-
-// The examples of a manual page stand between .nf and .fi.
-Document readManual(const fs::path& path) {
-  Document document{path.filename().string()};
-  bool isExample = false;
-  for (std::string line : linesOf(readFile(path.string()))) {
-    if (line == ".nf" || line == ".fi") {
-      isExample = line == ".nf";
-      continue;
-    }
-    line.erase(std::remove(line.begin(), line.end(), '\\'), line.end());
-    if (isExample) document.commands.push_back({.line = line});
-  }
-  return document;
-}
-
-std::vector<std::string> commandNames() {
-  std::vector<std::string> names;
-  bool isList = false;
-  for (const std::string& line : linesOf(User().run({"--help"}).output)) {
-    if (isList && line.starts_with("  ") && line[2] != ' ') {
-      names.push_back(line.substr(2, line.find(' ', 2) - 2));
-    }
-    if (line == "Subcommands:") isList = true;
-  }
-  return names;
-}
-
-// The examples at the end of each command's own help.
-std::vector<Document> readHelp() {
-  std::vector<Document> documents;
-  const User user;
-  for (const std::string& name : commandNames()) {
-    Document document{"help of " + name};
-    for (const std::string& text : linesOf(user.run({name, "--help"}).output)) {
-      if (text.starts_with("  Tessum ")) document.commands.push_back({.line = text.substr(2)});
-    }
-    documents.push_back(document);
-  }
-  return documents;
-}
-
-std::vector<Document> allDocuments() {
-  std::vector<Document> documents{readMarkdown(kRoot / "README.md")};
-  for (const auto& entry : fs::directory_iterator(kRoot / "docs")) {
-    if (entry.path().extension() == ".md") documents.push_back(readMarkdown(entry.path()));
-  }
-  for (const auto& entry : fs::directory_iterator(kRoot / "packaging/man")) {
-    documents.push_back(readManual(entry.path()));
-  }
-  for (Document& help : readHelp()) documents.push_back(std::move(help));
-  return documents;
-}
 
 // The line without the remark behind it.
 std::string withoutRemark(const std::string& line) {
@@ -317,7 +213,20 @@ TEST(TheConversation, IsWhatTheServerAnswers) {
   EXPECT_EQ(server.readLine(), answer);
 }
 
-TEST(CommandsRunElsewhere, AreStillShownAndStillRunThere) {
+// Whether ctest or .ci/run runs the file.
+bool isRun(const fs::path& file) {
+  for (const char* check : {".ci/run", "tests/benchmarks/in-brief"}) {
+    if (file == ".ci/run" || contains(readFile(kRoot / check), file.string())) return true;
+  }
+  for (fs::path folder = file.parent_path(); !folder.empty(); folder = folder.parent_path()) {
+    const fs::path targets = kRoot / folder / "CMakeLists.txt";
+    if (!fs::exists(targets)) continue;
+    if (contains(readFile(targets), file.lexically_relative(folder).string())) return true;
+  }
+  return false;
+}
+
+TEST(CommandsRunElsewhere, AreShownAndRun) {
   std::set<std::string_view> shown;
   for (const Document& document : allDocuments()) {
     for (const Command& command : document.commands) {
@@ -326,7 +235,8 @@ TEST(CommandsRunElsewhere, AreStillShownAndStillRunThere) {
   }
   for (const Elsewhere& entry : kElsewhere) {
     EXPECT_EQ(shown.count(entry.command), 1U) << entry.command;
-    EXPECT_TRUE(fs::exists(kRoot / entry.where)) << entry.where;
+    EXPECT_TRUE(contains(readFile(kRoot / entry.where), entry.call)) << entry.where;
+    EXPECT_TRUE(isRun(entry.where)) << entry.where;
   }
 }
 
