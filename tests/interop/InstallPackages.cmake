@@ -1,5 +1,5 @@
-# Installs the packages that the lock file names into the working folder, unless that has been
-# done since the lock file changed.
+# Installs the packages of the lock file into the working folder, unless that was done since the lock
+# file changed.
 
 if(EXISTS node_modules/.package-lock.json
    AND NOT package-lock.json IS_NEWER_THAN node_modules/.package-lock.json)

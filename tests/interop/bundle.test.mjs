@@ -1,4 +1,4 @@
-// The bundle with the server in it, as an assistant unpacks and starts it.
+// Unpacks and starts the bundle of the server as an assistant does.
 
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
@@ -27,7 +27,7 @@ test('the public validator accepts the manifest', () => {
   execFileSync(kTool, ['validate', join(folder, 'manifest.json')]);
 });
 
-test('the server that it starts has the tools that it names', async () => {
+test('the server that the manifest starts has the tools that it lists', async () => {
   const { command, args } = manifest.server.mcp_config;
   const client = new Client({ name: 'interop', version: '1.0' });
   await client.connect(
@@ -43,7 +43,7 @@ test('the server that it starts has the tools that it names', async () => {
   await client.close();
 });
 
-test('it needs no library that a system may lack', { skip: platform() !== 'linux' }, () => {
+test('the bundle holds every library that a system may lack', { skip: platform() !== 'linux' }, () => {
   const libraries = execFileSync('ldd', [join(folder, manifest.server.entry_point)], {
     encoding: 'utf8',
   });

@@ -1,4 +1,4 @@
-// The entry that the host program writes into an assistant's file, used as an assistant uses it.
+// Uses the entry that the host program writes into an assistant's file as an assistant does.
 
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';

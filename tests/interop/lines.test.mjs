@@ -1,5 +1,5 @@
-// Lines of every kind, straight into the server: each gets the answers it is owed, none or one,
-// in valid JSON and UTF-8. What is owed is judged by the JSON reader of JavaScript.
+// Sends lines of every kind straight to the server: each must get no answer or one, in valid JSON and
+// UTF-8. JavaScript's own JSON reader decides which.
 
 import assert from 'node:assert/strict';
 import { spawn } from 'node:child_process';
@@ -11,13 +11,13 @@ import { User } from './server.mjs';
 const { TESSUM_SERVER } = process.env;
 const MOST_LEVELS = 512;
 
-// Throws for what is not valid UTF-8.
+// Throws if the bytes are not valid UTF-8.
 function decodeUtf8(bytes) {
   return new TextDecoder('utf-8', { fatal: true }).decode(bytes);
 }
 
-// Feeds `lines`, one buffer each, to a server and resolves to the list of answers to each line.
-// A request behind every line marks where its answers end.
+// Sends `lines`, one buffer each, to a server and resolves to the list of answers to each line. A
+// request after every line marks where its answers end.
 async function answersTo(lines) {
   const user = new User();
   const server = spawn(TESSUM_SERVER, { env: user.environment, stdio: ['pipe', 'pipe', 'inherit'] });
@@ -29,7 +29,7 @@ async function answersTo(lines) {
     server.stdin.write(Buffer.concat([line, Buffer.from(`\n${mark}\n`)]));
   });
   server.stdin.end();
-  assert.deepEqual(await ended, [0, null], 'the server ends well');
+  assert.deepEqual(await ended, [0, null], 'the server ends without an error');
   await user.leave();
 
   const answers = lines.map(() => []);
@@ -39,11 +39,11 @@ async function answersTo(lines) {
     if (answer.id === `mark ${current}`) current += 1;
     else answers[current].push(answer);
   }
-  assert.equal(current, lines.length, 'every line is dealt with');
+  assert.equal(current, lines.length, 'every line is processed');
   return answers;
 }
 
-// How deep arrays and objects are nested in a value.
+// The nesting depth of arrays and objects in a value.
 function levelsOf(value) {
   let levels = 0;
   for (let layer = [value]; ; levels += 1) {
@@ -55,15 +55,15 @@ function levelsOf(value) {
 
 const hasLoneSurrogate = (text) => /\p{Surrogate}/u.test(text);
 
-// Texts and keys anywhere in a value.
+// All strings and keys in a value.
 function textsIn(value) {
   if (typeof value === 'string') return [value];
   if (value === null || typeof value !== 'object') return [];
   return Object.entries(value).flatMap(([key, item]) => [key, ...textsIn(item)]);
 }
 
-// What a line is owed: 'nothing', a 'parse error', or the id of an 'answer'.
-function owedTo(line) {
+// What a line must get: 'nothing', a 'parse error', or an 'answer' with an id.
+function expectedFor(line) {
   if (line.length === 0 || line.equals(Buffer.from('\r'))) return { kind: 'nothing' };
   let message;
   try {
@@ -87,25 +87,25 @@ function owedTo(line) {
 }
 
 function check(line, answers) {
-  const owed = owedTo(line);
+  const expected = expectedFor(line);
   const shown = JSON.stringify(line.subarray(0, 200).toString('latin1'));
-  if (owed.kind === 'nothing') {
+  if (expected.kind === 'nothing') {
     assert.deepEqual(answers, [], shown);
-    return owed.kind;
+    return expected.kind;
   }
   assert.equal(answers.length, 1, shown);
   const [answer] = answers;
   assert.equal(answer.jsonrpc, '2.0', shown);
-  if (owed.kind === 'parse error') {
+  if (expected.kind === 'parse error') {
     assert.deepEqual(Object.keys(answer).sort(), ['error', 'jsonrpc'], shown);
     assert.equal(answer.error.code, -32700, shown);
     assert.match(answer.error.message, /^Parse error: ./, shown);
   } else {
-    // A large id is compared as the double that JavaScript makes of it.
-    assert.equal(answer.id, owed.id, shown);
+    // JavaScript compares a large id as a double.
+    assert.equal(answer.id, expected.id, shown);
     assert(('result' in answer) !== ('error' in answer), shown);
   }
-  return owed.kind;
+  return expected.kind;
 }
 
 async function checkAll(lines) {
@@ -208,7 +208,7 @@ function randomNumbers(seed) {
   };
 }
 
-test('random lines get what they are owed', async () => {
+test('random lines get the expected answers', async () => {
   const random = randomNumbers(20250304);
   const pick = (list) => list[random(list.length)];
   // No tool that takes a limit: one of many digits stops the process by design.

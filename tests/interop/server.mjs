@@ -1,5 +1,5 @@
-// Starts TessumMCP for the tests of this folder, as an assistant application would: as a child
-// process of the official client, with a home folder of its own and a history to ask about.
+// Starts TessumMCP as an assistant application does: as a child process of the official client. It gets
+// a temporary home folder with a history.
 
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
@@ -10,12 +10,12 @@ import { join } from 'node:path';
 
 const { TESSUM_SERVER, TESSUM_WRITE_HISTORY } = process.env;
 
-// A time zone in which it is about noon, so that no test sees a day end.
+// A time zone in which it is about noon now, so that no day ends during a test.
 function zoneWithNoonNow() {
   return `<noon>${new Date().getUTCHours() - 12}`;
 }
 
-// A user with a little history, and any number of clients that ask about it.
+// A user with a small history, and any number of clients that read it.
 export class User {
   #home = mkdtempSync(join(tmpdir(), 'tessum-interop-'));
   #clients = [];
@@ -28,11 +28,11 @@ export class User {
     return { HOME: this.#home, XDG_DATA_HOME: join(this.#home, 'data'), TZ: zoneWithNoonNow() };
   }
 
-  // A client connected to a server of its own.
+  // Returns a client that is connected to a new server.
   async connect() {
     const client = new Client({ name: 'interop', version: '1.0' });
     this.#clients.push(client);
-    // The client does not tell how its server ended, so a shell around the server notes it down.
+    // The client does not say how its server ended, so a shell around the server writes it down.
     await client.connect(
       new StdioClientTransport({
         command: '/bin/sh',

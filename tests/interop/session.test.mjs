@@ -1,4 +1,4 @@
-// How a client and the server begin, go on and end.
+// The beginning, course and end of a session between client and server.
 
 import { McpError, ResultSchema } from '@modelcontextprotocol/sdk/types.js';
 import assert from 'node:assert/strict';

@@ -1,4 +1,4 @@
-// Writes the history that the tests of this folder ask about into the user's store.
+// Writes the history that the tests in this folder read into the user's data folder.
 
 #include "core/base/date.h"
 #include "core/platform/calendar.h"

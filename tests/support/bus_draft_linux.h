@@ -1,4 +1,4 @@
-// Messages that no bus has carried.
+// Messages that never went over a bus.
 
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace tessum {
 
-// A signal that is filled with values, and then read as if it had come in.
+// A signal that a test fills with values and then reads as if it had arrived.
 class BusDraft {
  public:
   BusDraft() {
@@ -30,10 +30,10 @@ class BusDraft {
   BusDraft(const BusDraft&) = delete;
   BusDraft& operator=(const BusDraft&) = delete;
 
-  // To append values to.
+  // The signal, to append values to.
   [[nodiscard]] sd_bus_message* message() { return message_; }
 
-  // The same once it has all its values.
+  // The same, complete and readable.
   [[nodiscard]] sd_bus_message* sealed() {
     TESSUM_CHECK(sd_bus_message_seal(message_, 1, 0) >= 0, "a message could not be sealed");
     return message_;

@@ -8,7 +8,7 @@ namespace {
 
 constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
 
-// The parts of no name contain a space.
+// No part of a name contains a space.
 std::string key(const std::string& path, const std::string& interface, const std::string& member) {
   return path + " " + interface + " " + member;
 }
@@ -64,7 +64,8 @@ BusPeer::BusPeer(SystemMainLoop& loop, const std::string& address) : loop_(loop)
   expect(sd_bus_set_bus_client(bus_, 1));
   expect(sd_bus_start(bus_));
   expect(sd_bus_add_filter(bus_, nullptr, onMessage, this));
-  // Messages that arrive during a call of its own lie where no descriptor tells of them.
+  // Messages that arrive during one of its own calls are queued, and the descriptor does not show
+  // them.
   timer_ = loop.startTimer(0.001, [this] {
     while (sd_bus_process(bus_, nullptr) > 0) {
     }

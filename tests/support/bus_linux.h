@@ -1,4 +1,4 @@
-// A message bus of a test's own, and programs on it.
+// A private message bus for a test, and programs on it.
 
 #pragma once
 
@@ -17,19 +17,19 @@
 
 namespace tessum {
 
-// Runs the loop until `isDone` holds. False when a minute went by in vain.
+// Runs the loop until `isDone` holds. False if that takes longer than a minute.
 [[nodiscard]] bool runUntil(SystemMainLoop& loop, const std::function<bool()>& isDone);
 
-// A place for a bus, where a real dbus-daemon runs while the test wants it to.
+// The address of a bus, at which the test starts and stops a real dbus-daemon.
 class PrivateBus {
  public:
-  // Any program may have any name and talk to any other. `limits` is more configuration.
+  // Any program may take any name and talk to any other. `limits` is further configuration.
   explicit PrivateBus(const std::string& limits = "");
 
-  // What DBUS_SESSION_BUS_ADDRESS and DBUS_SYSTEM_BUS_ADDRESS are set to for it.
+  // The value for DBUS_SESSION_BUS_ADDRESS and DBUS_SYSTEM_BUS_ADDRESS.
   [[nodiscard]] const std::string& address() const { return address_; }
 
-  // The folder in which the bus looks for programs that it may start.
+  // The folder of the programs that the bus may start.
   [[nodiscard]] const TemporaryFolder& folder() const { return folder_; }
 
   void start();
@@ -42,12 +42,12 @@ class PrivateBus {
   std::unique_ptr<ChildProcess> daemon_;
 };
 
-// A program on the bus, which is part of the test and shares its loop. Its own calls wait for their
+// A program on the bus that is part of the test and shares its loop. Its own calls wait for the
 // answer and throw std::runtime_error when they fail.
 class BusPeer {
  public:
-  // Answers a call, through sd_bus_reply_method_return() and its kind. One that does not leaves the
-  // caller without an answer.
+  // Answers a call through sd_bus_reply_method_return() or a relative, or leaves the caller without
+  // an answer.
   using Answer = std::function<void(sd_bus_message* call)>;
 
   BusPeer(SystemMainLoop& loop, const std::string& address);
@@ -59,20 +59,20 @@ class BusPeer {
   void giveUpName(const std::string& name);
   [[nodiscard]] std::string uniqueName() const;
 
-  // Has it answer calls of the method at that path. Others get an error.
+  // Answers calls of that method at that path. Other calls get an error.
   void answer(const std::string& path, const std::string& interface, const std::string& member,
               Answer answer);
 
-  // Gives an object a property, or another value for it.
+  // Sets a property of an object.
   void setProperty(const std::string& path, const std::string& interface,
                    const std::string& property, BusArgument value);
 
-  // The same, and tells of it.
+  // The same, and announces the change.
   void changeProperty(const std::string& path, const std::string& interface,
                       const std::string& property, BusArgument value);
 
-  // Sends a signal with values of `types`, to the program named `destination` or, where that is
-  // null, to all.
+  // Sends a signal with values of `types` to the program named `destination`, or to all if that is
+  // null.
   template <typename... Values>
   void emitTo(const char* destination, const std::string& path, const std::string& interface,
               const std::string& member, const char* types, Values... values) {
@@ -89,7 +89,7 @@ class BusPeer {
     emitTo(nullptr, path, interface, member, types, values...);
   }
 
-  // The calls it has got, as "member path".
+  // The calls received, as "member path".
   std::vector<std::string> calls;
 
  private:

@@ -68,7 +68,7 @@ void closeIfOpen(int& descriptor) {
   descriptor = -1;
 }
 
-// Pointers to `texts`, which must outlive them, with the null that ends such a list.
+// Pointers to `texts`, which must outlive them, with a null at the end.
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   for (std::string& text : texts) pointers.push_back(text.data());
@@ -76,7 +76,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   return pointers;
 }
 
-// The test's own variables, with `changes` in place of those of the same name.
+// The test's own variables, with those in `changes` added or replaced.
 std::vector<std::string> environmentWith(const std::vector<std::string>& changes) {
   std::vector<std::string> all = changes;
   for (char** variable = environ; *variable != nullptr; ++variable) {
@@ -104,7 +104,7 @@ std::ostream& operator<<(std::ostream& out, const ExitStatus& status) {
 ChildProcess::ChildProcess(const std::string& program) : ChildProcess(program, Options()) {}
 
 ChildProcess::ChildProcess(const std::string& program, const Options& options) {
-  // A program that ends before it has read everything is not to take the test with it.
+  // A program that ends before it has read everything must not end the test.
   signal(SIGPIPE, SIG_IGN);
 
   std::vector<std::string> arguments = options.arguments;
@@ -147,7 +147,7 @@ ChildProcess::~ChildProcess() {
   closeIfOpen(errors_);
 }
 
-// Takes the output there is. Waits a moment for some, or for one of `inputEvents` at the input.
+// Reads the available output. Waits a moment for some, or for one of `inputEvents` on the input.
 void ChildProcess::gatherOutput(short inputEvents) {
   std::array<pollfd, 2> descriptors{pollfd{output_, POLLIN, 0},
                                     pollfd{inputEvents != 0 ? input_ : -1, inputEvents, 0}};

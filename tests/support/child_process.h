@@ -30,11 +30,11 @@ inline constexpr ExitStatus kSuccess{.code = 0, .signal = {}};
 class ChildProcess {
  public:
   struct Options {
-    std::vector<std::string> arguments = {};    // behind the program's name
-    std::vector<std::string> environment = {};  // NAME=value, on top of the test's own
+    std::vector<std::string> arguments = {};    // without the program's name
+    std::vector<std::string> environment = {};  // NAME=value, added to the test's own
 
-    // Runs in the child just before the program takes over: limits, closed descriptors, another
-    // user. It may use only what is safe after fork(), that is plain system calls.
+    // Runs in the child just before the program starts: to set limits, close descriptors or change
+    // the user. It may only do what is safe after fork(), that is make plain system calls.
     std::function<void()> prepare = nullptr;
   };
 
@@ -50,25 +50,25 @@ class ChildProcess {
 
   [[nodiscard]] pid_t id() const { return id_; }
 
-  // Writes to its standard input and gathers what it answers meanwhile, so that neither waits for
-  // the other. What a program that has closed its input would not read is dropped.
+  // Writes to its standard input, and meanwhile reads what it answers, so that neither side blocks
+  // the other. Drops the rest if the program has closed its input.
   void write(std::string_view bytes);
   void writeLine(std::string_view line);
   void closeInput();
 
   // The next line of its standard output, without the line feed; absent at the end of output.
-  // Bytes behind the last line feed count as a line.
+  // Bytes after the last line feed count as a line.
   [[nodiscard]] std::optional<std::string> readLine();
 
-  // All of its standard output that has not been read as lines, up to the end of output.
+  // The rest of its standard output, up to the end.
   [[nodiscard]] std::string readRest();
 
-  // All that it has written to standard error.
+  // Everything that it has written to standard error.
   [[nodiscard]] std::string errors() const;
 
   void kill(int signal = SIGKILL);
 
-  // Waits for its end; standard input is left as it is.
+  // Waits for its end and leaves its standard input open.
   ExitStatus wait();
 
   // Closes its input and waits for its end.

@@ -1,4 +1,4 @@
-// Environment variables for the length of a test.
+// Environment variables for the duration of a test.
 
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace tessum {
 
-// Sets a variable, or with nullptr removes it, until the object goes. Main thread only.
+// Sets a variable, or with nullptr removes it, until the object is destroyed. Main thread only.
 class ScopedVariable {
  public:
   ScopedVariable(std::string name, const char* value) : name_(std::move(name)) {

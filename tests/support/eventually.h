@@ -1,4 +1,4 @@
-// Waiting for what another thread or process does.
+// Waits for another thread or process.
 
 #pragma once
 

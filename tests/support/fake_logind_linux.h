@@ -1,4 +1,4 @@
-// logind as a test arranges it, on a bus of the test's own.
+// A logind that a test controls, on a private bus.
 
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace tessum {
 
-// Knows the session "7" of the user. Shares the test's loop.
+// Has one session, "7", which is the user's. Shares the test's loop.
 class FakeLogind {
  public:
   static constexpr char kSession[] = "7";
@@ -25,16 +25,16 @@ class FakeLogind {
     std::uint32_t user;
   };
 
-  // `address` is that of the bus. It has its name once this returns.
+  // `address` is that of the bus. The program has its name when this returns.
   FakeLogind(SystemMainLoop& loop, const std::string& address);
 
-  // The program on the bus, for what is not here.
+  // The program on the bus, for what this class does not offer.
   [[nodiscard]] BusPeer& peer() { return peer_; }
 
   void takeName() { peer_.takeName("org.freedesktop.login1"); }
   void giveUpName() { peer_.giveUpName("org.freedesktop.login1"); }
 
-  // Sets a property of the session or of logind, and tells of it.
+  // Sets a property of the session or of logind, and announces the change.
   void changeSession(const std::string& property, bool value);
   void changeManager(const std::string& property, const std::string& value);
 
@@ -47,16 +47,16 @@ class FakeLogind {
                session.c_str(), path.c_str());
   }
 
-  // Announces a transition, or that it is over.
+  // Announces the beginning or the end of a transition.
   void prepare(const std::string& member, bool isBeginning);
 
-  // What is listed as inhibited, besides what the program under test has asked for.
+  // The inhibitors to list, besides those of the program under test.
   std::vector<Inhibitor> inhibitors;
 
   // Whether the program under test may inhibit anything.
   bool permitsInhibitors = true;
 
-  // What the program under test has asked to inhibit, and how many of these hold.
+  // The inhibitors that the program under test has asked for, and how many of them it still holds.
   [[nodiscard]] const std::vector<std::string>& requests() const { return requests_; }
   [[nodiscard]] int heldInhibitors() const;
 
@@ -66,7 +66,7 @@ class FakeLogind {
 
   BusPeer peer_;
   std::vector<std::string> requests_;
-  std::vector<Descriptor> readEnds_;  // of the pipes whose other ends were handed out
+  std::vector<Descriptor> readEnds_;  // of the pipes given to the program under test
 };
 
 }  // namespace tessum

@@ -1,4 +1,4 @@
-// A main loop that a test turns by hand, with the test's own clock.
+// A main loop that a test runs step by step, with a fake clock.
 
 #pragma once
 
@@ -55,7 +55,7 @@ class FakeMainLoop final : public MainLoop {
 
   void unwatch(WatchToken token) override { watches_.erase(token); }
 
-  // Runs what was posted, also what that posts in turn. Returns how many tasks ran.
+  // Runs the posted tasks, and those that they post. Returns how many ran.
   int runPosted() {
     int count = 0;
     while (Task task = takePosted()) {
@@ -65,8 +65,8 @@ class FakeMainLoop final : public MainLoop {
     return count;
   }
 
-  // Runs what is posted, now or later by other threads, and the watches whose descriptors have
-  // something, until `isDone`. False when a minute of real time went by in vain.
+  // Runs posted tasks, also those that other threads post later, and the watches of readable
+  // descriptors, until `isDone`. False if that takes longer than a minute of real time.
   template <typename Predicate>
   [[nodiscard]] bool runUntil(Predicate isDone) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
@@ -81,8 +81,9 @@ class FakeMainLoop final : public MainLoop {
     return true;
   }
 
-  // Moves the clock by `seconds`, not negative, and runs each timer at its time, those of one time
-  // in the order of their start; posted tasks run before the clock moves and after each timer.
+  // Advances the clock by `seconds`, not negative, and runs each timer when it is due; those due at
+  // the same time run in the order of their start. Posted tasks run before the clock moves and
+  // after each timer.
   void advance(double seconds) {
     const Date end = movedBy(clock_.now(), seconds);
     runPosted();
@@ -91,14 +92,14 @@ class FakeMainLoop final : public MainLoop {
       if (next == timers_.end() || secondsBetween(next->second.due, end) < 0) break;
       clock_.set(next->second.due);
       next->second.due = movedBy(next->second.due, next->second.seconds);
-      const Task task = next->second.task;  // it may end its own timer
+      const Task task = next->second.task;  // a copy, as it may end its own timer
       task();
       runPosted();
     }
     clock_.set(end);
   }
 
-  // The intervals of the timers that run, in the order of their start.
+  // The intervals of the running timers, in the order of their start.
   [[nodiscard]] std::vector<double> timerIntervals() const {
     std::vector<double> intervals;
     for (const auto& [token, timer] : timers_) intervals.push_back(timer.seconds);
@@ -122,7 +123,7 @@ class FakeMainLoop final : public MainLoop {
     return a.second.due.secondsSince1970 < b.second.due.secondsSince1970;
   }
 
-  // The task posted first, if there is one.
+  // The task posted first; empty if there is none.
   Task takePosted() {
     const std::lock_guard lock(mutex_);
     if (posted_.empty()) return nullptr;
@@ -131,7 +132,7 @@ class FakeMainLoop final : public MainLoop {
     return task;
   }
 
-  // Waits a moment for a descriptor that has something.
+  // Waits a moment for a readable descriptor.
   void runWatches() {
     std::vector<pollfd> descriptors;
     std::vector<WatchToken> tokens;
@@ -145,7 +146,7 @@ class FakeMainLoop final : public MainLoop {
     for (std::size_t i = 0; i < tokens.size(); ++i) {
       const auto found = watches_.find(tokens[i]);
       if (descriptors[i].revents == 0 || found == watches_.end()) continue;
-      const Task task = found->second.task;  // it may end its own watch
+      const Task task = found->second.task;  // a copy, as it may end its own watch
       task();
     }
   }

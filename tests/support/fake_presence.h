@@ -1,4 +1,4 @@
-// A user who comes and goes as a test says.
+// A user who comes and goes as a test decides.
 
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace tessum {
 
-// Passes each call on to the handlers, if any, at the moment of the clock.
+// Passes each call to the handlers, if any, with the time of the clock.
 class FakePresence final : public PresenceSource {
  public:
   explicit FakePresence(const SteadyClock& clock) : clock_(clock) {}
@@ -26,7 +26,7 @@ class FakePresence final : public PresenceSource {
     tell(handlers_.onKeptAwake, reasons, clock_.now());
   }
 
-  // Whether somebody still holds back the sleep or the end that was told last.
+  // Whether anything still delays the sleep or the end that was announced last.
   [[nodiscard]] bool isHeldBack() const { return !delay_.expired(); }
 
  private:

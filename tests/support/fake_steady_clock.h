@@ -1,4 +1,4 @@
-// A steady clock that follows a test's own clock.
+// A steady clock that follows a fake clock.
 
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace tessum {
 
-// Shows the seconds of `clock`, which counts up and is not set back.
+// Shows the seconds of `clock`, which must not be set back.
 class FakeSteadyClock final : public SteadyClock {
  public:
   explicit FakeSteadyClock(const FakeClock& clock) : clock_(clock) {}
@@ -15,7 +15,7 @@ class FakeSteadyClock final : public SteadyClock {
   [[nodiscard]] Moment now() const override { return {clock_.now().secondsSince1970}; }
   [[nodiscard]] double secondsAsleep() const override { return asleep_; }
 
-  // Has the computer sleep for `seconds` of those that the clock is advanced by.
+  // Makes the computer sleep for `seconds` of the time by which the clock advances.
   void sleep(double seconds) { asleep_ += seconds; }
 
  private:

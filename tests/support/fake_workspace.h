@@ -1,4 +1,4 @@
-// A desktop that a test arranges.
+// A desktop that a test controls.
 
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace tessum {
 
-// Writes down the calls it gets, in their order.
+// Lists the calls it gets, in order.
 class FakeWorkspace final : public Workspace {
  public:
   ObserverToken addActivationObserver(ActivationHandler handler) override {
@@ -36,13 +36,13 @@ class FakeWorkspace final : public Workspace {
     return title;
   }
 
-  // Puts `application` in front and tells all who observe.
+  // Puts `application` in front and notifies the observers.
   void activate(std::optional<RunningApplication> application) {
     frontmost = std::move(application);
     tell(frontmost);
   }
 
-  // Tells all who observe of an activation and leaves what is in front.
+  // Notifies the observers of an activation without changing what is in front.
   void tell(const std::optional<RunningApplication>& application) {
     const auto observers = observers_;
     for (const auto& [token, handler] : observers) handler(application);

@@ -1,4 +1,4 @@
-// What a folder holds.
+// The contents of a folder.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace tessum {
 
-// The names in the folder at `path`, hidden ones included, in order.
+// The sorted names in the folder at `path`, hidden ones included.
 [[nodiscard]] inline std::vector<std::string> namesIn(const std::string& path) {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(path)) {

@@ -73,7 +73,7 @@ std::string urlOf(int socket) {
   return "https://" + hostOf(socket);
 }
 
-// Where the client takes this server for its proxy: lets it through, to this server again.
+// For a client that uses this server as its proxy: accepts, and connects it to this server.
 void answerAsProxy(int socket) {
   constexpr std::string_view kMethod = "CONNECT ";
   char start[kMethod.size()] = {};
@@ -87,7 +87,7 @@ void answerAsProxy(int socket) {
   [[maybe_unused]] const auto written = write(socket, kAnswer.data(), kAnswer.size());
 }
 
-// Not every system lets a shutdown end the waiting for clients; one more client always does.
+// Not on every system does a shutdown end the wait for clients; one more client always does.
 void wakeAccepting(int listener) {
   const sockaddr_in address = addressOf(listener);
   const int client = ::socket(AF_INET, SOCK_STREAM, 0);
@@ -95,8 +95,8 @@ void wakeAccepting(int listener) {
   close(client);
 }
 
-// A client that goes away must not end the test program. The signal stays as it is for the other
-// threads, so that what is tested has to cope by itself.
+// A client that disconnects must not end the test program. Other threads keep the signal, so that
+// the code under test has to handle it.
 void ignoreBrokenPipes() {
   sigset_t pipe;
   sigemptyset(&pipe);
@@ -110,7 +110,7 @@ class Connection final : public HttpsConnection {
     SSL_set_fd(ssl_.get(), socket);
   }
 
-  // False when the client does not like the certificate or goes away early.
+  // False if the client rejects the certificate or disconnects early.
   bool readRequest() {
     if (SSL_accept(ssl_.get()) != 1) return false;
     while (!request_.ends_with("\r\n\r\n")) {
@@ -244,7 +244,7 @@ std::vector<std::string> HttpsServer::paths() const {
 }
 
 std::string unreachableUrl() {
-  // Bound for the rest of the process but not listening, so that nobody else gets the port.
+  // Bound until the process ends, but not listening, so that nobody else gets the port.
   static const std::string url = urlOf(boundSocket());
   return url;
 }

@@ -1,4 +1,4 @@
-// A real HTTPS server on the loopback interface that answers as a test tells it to.
+// A real HTTPS server on the loopback interface whose answers a test decides.
 
 #pragma once
 
@@ -13,13 +13,13 @@
 
 namespace tessum {
 
-// A client that has sent its request. The connection is closed in order when the answer function
+// A client that has sent its request. The connection is closed properly when the answer function
 // returns. One thread at a time.
 class HttpsConnection {
  public:
   virtual ~HttpsConnection() = default;
 
-  // The request line and the headers, with their line ends.
+  // The request line and the headers, with line ends.
   [[nodiscard]] virtual const std::string& request() const = 0;
 
   // Sends `bytes` as they are. False when the client is gone.
@@ -29,15 +29,15 @@ class HttpsConnection {
   bool respond(std::string_view body, std::string_view headers = "",
                std::string_view status = "200 OK");
 
-  // Breaks the connection without the farewell that TLS asks for.
+  // Breaks the connection without closing TLS.
   virtual void cut() = 0;
 
-  // Sends nothing until the client goes or the server stops.
+  // Sends nothing until the client disconnects or the server stops.
   virtual void waitUntilClosed() = 0;
 };
 
-// Serves until it goes; then open connections are broken off. Each answer has a thread of its own.
-// A client may also take it for its proxy: whatever host it asks for, it gets to this server.
+// Serves until it is destroyed, and then breaks open connections. Each answer runs on its own
+// thread. A client may also use it as its proxy: whatever host it asks for, this server answers.
 class HttpsServer {
  public:
   using Answer = std::function<void(HttpsConnection&)>;
@@ -50,10 +50,10 @@ class HttpsServer {
   // https://127.0.0.1:port
   [[nodiscard]] std::string url() const;
 
-  // http://127.0.0.1:port, for a client that is to take it for its proxy.
+  // http://127.0.0.1:port, for a client that uses it as its proxy.
   [[nodiscard]] std::string proxyUrl() const;
 
-  // The paths that were asked for, in order.
+  // The requested paths, in order.
   [[nodiscard]] std::vector<std::string> paths() const;
 
  private:

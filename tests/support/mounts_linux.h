@@ -1,4 +1,4 @@
-// Mounts that only the calling process and its children see; they go with the last of these.
+// Mounts that only the calling process and its children see, and that end with the last of them.
 
 #pragma once
 
@@ -10,18 +10,18 @@
 
 namespace tessum {
 
-// Gives the process mounts of its own. False where the system does not allow it.
+// Gives the process its own mounts. False if the system does not allow it.
 [[nodiscard]] inline bool takeOwnMounts() {
   const int scope = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
   return unshare(scope) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
-// Shows the folder `shown` at `path`, in the place of what is there. False where that fails.
+// Mounts the folder `shown` over `path`. False on failure.
 [[nodiscard]] inline bool mountFolder(const std::string& shown, const std::string& path) {
   return mount(shown.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0;
 }
 
-// Puts an empty disk of `size`, such as "64k", at `path`. False where that fails.
+// Mounts an empty disk of `size`, such as "64k", over `path`. False on failure.
 [[nodiscard]] inline bool mountDisk(const std::string& size, const std::string& path) {
   return mount("tessum", path.c_str(), "tmpfs", 0, ("size=" + size).c_str()) == 0;
 }

@@ -1,4 +1,4 @@
-// TessumMCP as this build made it.
+// The path of this build's TessumMCP.
 
 #pragma once
 

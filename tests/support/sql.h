@@ -1,4 +1,4 @@
-// A second connection to a database, for what a test has to arrange or see beside the store.
+// A second connection to a database, through which a test prepares and inspects it.
 
 #pragma once
 

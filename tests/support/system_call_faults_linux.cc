@@ -14,9 +14,9 @@ namespace {
 
 constexpr int kNotFound = 127;
 
-// Calls that are not about files: those that manage memory, and the drawing of random numbers,
-// which the C library repeats by chance (one temporary name in twenty takes a second number), so
-// that the calls of one run are not those of the next.
+// Calls that have nothing to do with files: those that manage memory, and those that get random
+// numbers. The C library repeats the latter by chance (one temporary name in twenty takes a second
+// number), so they differ from run to run.
 bool isLeftAlone(const std::string& call) {
   static const std::set<std::string> kCalls{"brk",    "mmap",       "munmap",   "mprotect",
                                             "mremap", "madvise",    "prctl",    "futex",
@@ -41,10 +41,10 @@ ExitStatus TracedProgram::trace(std::vector<std::string> options) const {
   ChildProcess::Options child;
   child.arguments = std::move(options);
   child.environment = environment;
-  // A sanitizer's search for leaks traces the program itself, which only one can.
+  // The sanitizer's search for leaks also traces the program, and only one tracer can.
   child.environment.emplace_back("ASAN_OPTIONS=detect_leaks=0");
-  // Sanitizers read a list of the program's mappings, how often depends on its length, and that on
-  // where the mappings are. Where the system does not allow this, a call of a run may be missing.
+  // Sanitizers read the list of the program's mappings with a number of calls that depends on their
+  // addresses. Where the system does not let us fix these, a call may be missing in a run.
   child.prepare = [] { personality(ADDR_NO_RANDOMIZE); };
   ChildProcess tracer("strace", child);
   static_cast<void>(tracer.readRest());

@@ -1,4 +1,4 @@
-// Faults in the system calls of a program, put there by the tracer strace.
+// Injects faults into the system calls of a program with strace.
 
 #pragma once
 
@@ -11,26 +11,26 @@
 
 namespace tessum {
 
-// One call in the life of a program that makes the same calls each time.
+// One call in the run of a program that makes the same calls each time.
 struct SystemCall {
   std::string name;
-  int occurrence = 0;  // among the calls of that name, from 1
+  int occurrence = 0;  // among the calls with that name, from 1
 };
 
-// Whether this system lets one program trace another. A machine without strace is an error.
+// Whether this system lets one program trace another. Throws if there is no strace.
 [[nodiscard]] bool canInjectFaults();
 
-// A program to run, with its arguments and variables for its environment.
+// A program to run, with its arguments and environment variables.
 struct TracedProgram {
   std::string program;
   std::vector<std::string> arguments;
   std::vector<std::string> environment;
 
-  // The calls that it makes from the first that mentions `text` to its end, but for those that
-  // manage its memory or draw random numbers.
+  // The calls that it makes, from the first that mentions `text` to its end, except those that
+  // manage memory or get random numbers.
   [[nodiscard]] std::vector<SystemCall> callsFrom(std::string_view text) const;
 
-  // Runs it with one call replaced by `fault`: "error=ENOSPC" or "signal=KILL", say.
+  // Runs it with one call replaced by `fault`, such as "error=ENOSPC" or "signal=KILL".
   [[nodiscard]] ExitStatus runWithFault(const SystemCall& call, const std::string& fault) const;
 
  private:

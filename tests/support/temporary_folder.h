@@ -1,4 +1,4 @@
-// A folder of a test's own.
+// A temporary folder for a test.
 
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace tessum {
 
-// An empty folder that is removed with all it holds when the object goes.
+// An empty folder that is removed, with its contents, when the object is destroyed.
 class TemporaryFolder {
  public:
   TemporaryFolder();
@@ -17,17 +17,17 @@ class TemporaryFolder {
 
   [[nodiscard]] const std::string& path() const { return path_; }
 
-  // The path of `name` inside the folder; nothing is created.
+  // The path of `name` in the folder. Creates nothing.
   [[nodiscard]] std::string file(std::string_view name) const;
 
  private:
   std::string path_;
 };
 
-// The bytes of the file at `path`; a test that cannot read it fails and gets an empty text.
+// The bytes of the file at `path`. If it cannot be read, the test fails and gets an empty string.
 [[nodiscard]] std::string readFile(const std::string& path);
 
-// Makes `bytes` the content of the file at `path`.
+// Replaces the contents of the file at `path` with `bytes`.
 void writeFile(const std::string& path, std::string_view bytes);
 
 }  // namespace tessum

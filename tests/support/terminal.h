@@ -1,4 +1,4 @@
-// A terminal as a program sees it; the test reads its screen from the other end.
+// A terminal for a program under test; the test reads what appears on its screen.
 
 #pragma once
 
@@ -15,10 +15,10 @@ class Terminal {
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
 
-  // What a program takes for its standard streams.
+  // The descriptor for a program's standard streams.
   [[nodiscard]] int screen() const { return screen_; }
 
-  // All that is written until the programs on the terminal have ended. The screen is closed here.
+  // Everything written until the programs on the terminal have ended. Closes the screen.
   [[nodiscard]] std::string readAll();
 
  private:

@@ -39,8 +39,8 @@ void addExtension(X509* certificate, X509* issuer, int kind, const std::string& 
   require(extension && X509_add_ext(certificate, extension.get(), -1) == 1, "no extension");
 }
 
-// A certificate for `key` called `name`, without extensions and signature. `issuer` is null for
-// one that speaks for itself.
+// A certificate for `key` called `name`, without extensions and signature. `issuer` is null for a
+// self-signed one.
 Certificate newCertificate(const Key& key, const std::string& name, long serial, int days,
                            X509* issuer) {
   Certificate certificate(X509_new());

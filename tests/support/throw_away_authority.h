@@ -7,10 +7,10 @@
 
 namespace tessum {
 
-// Its certificate and those it issues are made on the spot; nobody else trusts it.
+// It makes its own certificate and those that it issues; nobody else trusts it.
 class ThrowAwayAuthority {
  public:
-  // What a server shows for itself, both parts as PEM.
+  // What a server identifies itself with, both parts as PEM.
   struct Identity {
     std::string certificate;
     std::string key;
@@ -25,7 +25,7 @@ class ThrowAwayAuthority {
   [[nodiscard]] std::string certificate() const;
 
   // An identity for the alternative name `name`, such as "IP:127.0.0.1" or "DNS:other.example",
-  // valid from yesterday on for `days`.
+  // valid for `days` from yesterday.
   [[nodiscard]] Identity issue(const std::string& name, int days = 3) const;
 
  private:

@@ -65,7 +65,7 @@ std::string Desktop::run(const std::string& program,
   return output;
 }
 
-// A window manager that starts publishes anew what is taken away before.
+// The property that is deleted here comes back when the window manager has started.
 void Desktop::startWindowManager() {
   xcb_delete_property(connection_, root_, atom("_NET_SUPPORTED"));
   windowManager_ = start("openbox", {"--sm-disable"});
@@ -98,14 +98,15 @@ xcb_window_t Desktop::addWindow(const std::string& windowClass) {
   gethostname(host.data(), host.size() - 1);
   setProperty(window, "WM_CLIENT_MACHINE", "STRING", host.data());
   setNumber(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, static_cast<std::uint32_t>(getpid()));
-  // No frame, whose painting takes a window manager most of its time.
+  // No frame: painting it takes most of a window manager's time.
   constexpr std::uint32_t kNoFrame[] = {2, 0, 0, 0, 0};
   const xcb_atom_t hints = atom("_MOTIF_WM_HINTS");
   xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, hints, hints, 32,
                       std::size(kNoFrame), kNoFrame);
   xcb_map_window(connection_, window);
   xcb_flush(connection_);
-  // A window manager that has only just started may miss a window: it is shown again until then.
+  // A window manager that has just started may miss the window, so it is shown again until it is
+  // active.
   const auto isActive = [&] {
     xcb_map_window(connection_, window);
     return activeWindow() == window;

@@ -1,4 +1,4 @@
-// An X11 desktop of a test's own.
+// An X11 desktop for a test.
 
 #pragma once
 
@@ -18,11 +18,11 @@
 
 namespace tessum {
 
-// An X server without a screen, with what is started on it. All of it ends with the object. Calls
+// An X server without a screen, and the programs started on it, which end with the object. Calls
 // that wait throw std::runtime_error after a minute.
 class Desktop {
  public:
-  // `serverArguments` go to the X server besides those that it always gets.
+  // `serverArguments` are further arguments for the X server.
   explicit Desktop(const std::vector<std::string>& serverArguments = {});
   ~Desktop();
   Desktop(const Desktop&) = delete;
@@ -33,7 +33,7 @@ class Desktop {
 
   [[nodiscard]] xcb_window_t rootWindow() const { return root_; }
 
-  // A folder that stands for the user's home and holds the data folder of the programs started.
+  // The home folder of the started programs, which holds their data folder.
   [[nodiscard]] const TemporaryFolder& home() const { return home_; }
   [[nodiscard]] std::string dataFolder() const { return home_.file("data/Tessum"); }
 
@@ -45,25 +45,25 @@ class Desktop {
   // Runs a program to its end and returns its output, without the last line feed.
   std::string run(const std::string& program, const std::vector<std::string>& arguments) const;
 
-  // Starts the window manager and waits until it manages.
+  // Starts the window manager and waits until it works.
   void startWindowManager();
 
   // Restarts it, and waits until it manages again.
   void restartWindowManager();
 
-  // Ends it as a crash would.
+  // Kills it, as in a crash.
   void killWindowManager() { windowManager_.reset(); }
 
   // Ends the X server.
   void killServer() { server_.kill(); }
 
   //////////////////////////////////////////////////////////////////////////////////////////////
-  // Windows of the test's own, whose process is the test.
+  // Windows of the test's own process.
 
   // Makes a window of that class and, if there is a window manager, waits until it is active.
   xcb_window_t addWindow(const std::string& windowClass);
 
-  // Makes a window that says nothing about itself and is not shown.
+  // Makes a window without any property, and does not show it.
   xcb_window_t addBareWindow();
 
   void removeWindow(xcb_window_t window);
@@ -72,26 +72,26 @@ class Desktop {
   void setProperty(xcb_window_t window, const std::string& name, const std::string& type,
                    const std::string& bytes);
 
-  // Sets a property of one number.
+  // Sets a property to one number.
   void setNumber(xcb_window_t window, const std::string& name, xcb_atom_t type,
                  std::uint32_t number);
 
-  // Gives a window the keyboard.
+  // Gives a window the keyboard focus.
   void focus(xcb_window_t window);
 
-  // Asks the window manager to make a window active, and does not wait for it.
+  // Asks the window manager to activate a window, and does not wait for it.
   void request(xcb_window_t window);
 
-  // Asks for it, and waits until it is.
+  // Asks for it, and waits until the window is active.
   void activate(xcb_window_t window);
 
   // The active window as the window manager publishes it; 0 when there is none.
   [[nodiscard]] xcb_window_t activeWindow();
 
   //////////////////////////////////////////////////////////////////////////////////////////////
-  // What a window manager does, for tests that are one themselves.
+  // What a window manager does, for tests that play one.
 
-  // Makes itself known, as a new window manager at each call. Returns the window for the check.
+  // Announces a window manager, a new one at each call. Returns the window that stands for it.
   xcb_window_t manageWindows();
 
   // Names `window` as the one for the check, on the root window and on itself.

@@ -1,4 +1,4 @@
-// A web page in a real browser, which asks the server before it lets the page talk to it.
+// A web page in a real browser, which asks the server whether the page may talk to it.
 
 import assert from 'node:assert/strict';
 import { spawn, spawnSync } from 'node:child_process';
@@ -18,8 +18,8 @@ const server = new HTTPServer();
 before(() => server.start());
 after(async () => assert.equal(await server.stop(), 0));
 
-// The page's own script. A JSON content type, and any header of one's own, make the browser send a
-// pre-flight first; it then lets only those headers pass that the server names.
+// The script of the page. A JSON content type or an unusual header makes the browser send a pre-flight
+// request first; it then allows only the headers that the server lists.
 async function talk(url) {
   const post = async (headers) => {
     const body = JSON.stringify({ jsonrpc: '2.0', id: 'page', method: 'initialize' });
@@ -38,7 +38,7 @@ async function talk(url) {
   await fetch('/results', { method: 'POST', body: JSON.stringify(results) });
 }
 
-// Opens the page in a browser and gives what its script reports.
+// Opens the page in a browser and returns what its script reports.
 async function resultsOfPage() {
   const page = `<!doctype html><script>(${talk})(${JSON.stringify(server.url)})</script>`;
   const folder = mkdtempSync(join(tmpdir(), 'tessum-browser-'));

@@ -1,4 +1,4 @@
-// Clients that nobody here wrote, over HTTP: the official client of the protocol, and curl.
+// The official client of the protocol, and curl, over HTTP.
 
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StreamableHTTPClientTransport } from '@modelcontextprotocol/sdk/client/streamableHttp.js';
@@ -102,8 +102,8 @@ test('curl gets an empty answer to a notification', async () => {
   );
 });
 
-// Large bodies are announced by curl, which then waits for a go-ahead that this server never sends.
-test('curl gets an answer to a body that it announces first', async () => {
+// curl announces a large body and waits a while for a "100 Continue" that this server never sends.
+test('curl gets an answer to a body that it announces', async () => {
   const message = JSON.stringify({ jsonrpc: '2.0', id: 1, method: 'x'.repeat(100000) });
   const answer = await curl(
     ...['--header', 'Expect: 100-continue', '--expect100-timeout', '0.1'],

@@ -1,4 +1,4 @@
-// Starts a server that answers HTTP on a free port, with an empty store of its own.
+// Starts an HTTP server on a free port, with an empty history.
 
 import { spawn } from 'node:child_process';
 import { once } from 'node:events';
@@ -19,7 +19,7 @@ export class HTTPServer {
     this.url = url;
   }
 
-  // Gives the server's exit status.
+  // Returns the server's exit status.
   async stop() {
     const ended = once(this.#process, 'exit');
     this.#process.stdin.end();
