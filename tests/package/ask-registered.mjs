@@ -1,5 +1,5 @@
-// Reads an assistant's configuration file, starts the server that its entry "tessum" names, just as
-// it names it, and prints today's activities.
+// Starts the server that the entry "tessum" of an assistant's configuration file names, exactly as
+// the assistant would, and prints today's activities.
 
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
