@@ -31,8 +31,6 @@ struct Member {
   std::string_view key;
   PaddedView source;                     // the value as it is written
   std::optional<std::string_view> text;  // the value without escapes; absent unless it is a string
-
-  [[nodiscard]] bool isObject() const { return source.text().starts_with('{'); }
 };
 
 using VisitMember = std::function<void(const Member&)>;

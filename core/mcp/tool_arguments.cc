@@ -5,10 +5,10 @@
 namespace tessum {
 namespace {
 
-ToolArguments decodeArguments(const json::Member& object) {
+ToolArguments decodeArguments(json::PaddedView source) {
   ToolArguments arguments;
-  if (!object.isObject()) return arguments;
-  json::forEachMember(object.source, [&](const json::Member& member) {
+  if (!source.text().starts_with('{')) return arguments;
+  json::forEachMember(source, [&](const json::Member& member) {
     if (member.key == "date") arguments.date = member.text;
     if (member.key == "duration") arguments.duration = member.text;
     if (member.key == "limit") arguments.limit = json::integralValue(member.source.text());
@@ -22,10 +22,13 @@ ToolArguments decodeArguments(const json::Member& object) {
 
 ToolCall ToolCall::decode(const AnyCodable& params) {
   ToolCall call;
+  std::optional<json::PaddedView> arguments;
   params.forEachMember([&](const json::Member& member) {
     if (member.key == "name") call.name = member.text;
-    if (member.key == "arguments") call.arguments = decodeArguments(member);
+    if (member.key == "arguments") arguments = member.source;
   });
+  // Only now, as each reader takes several times the memory of its text.
+  if (arguments) call.arguments = decodeArguments(*arguments);
   return call;
 }
 

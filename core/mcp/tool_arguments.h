@@ -25,7 +25,8 @@ struct ToolCall {
   std::optional<std::string> name;  // absent when it is missing or not a text
   ToolArguments arguments;
 
-  // Reads `params` in one pass. Whatever is not an object has no members.
+  // Reads `params`, and the arguments in them, in one pass each. Whatever is not an object has no
+  // members.
   [[nodiscard]] static ToolCall decode(const AnyCodable& params);
 };
 

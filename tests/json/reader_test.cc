@@ -113,13 +113,5 @@ TEST(ForEachMember, DecodesTexts) {
   }
 }
 
-TEST(ForEachMember, TellsObjects) {
-  std::vector<bool> areObjects;
-  const PaddedString object(R"({"a":{},"b":[{}],"c":"{","d":null})");
-  forEachMember(object.view(),
-                [&](const Member& member) { areObjects.push_back(member.isObject()); });
-  EXPECT_EQ(areObjects, (std::vector<bool>{true, false, false, false}));
-}
-
 }  // namespace
 }  // namespace tessum::json
