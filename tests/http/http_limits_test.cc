@@ -11,21 +11,12 @@
 #include <system_error>
 #include <vector>
 
-#include "core/http/http_transport.h"
 #include "tests/http/forked_child.h"
+#include "tests/http/http_server.h"
 #include "tests/http/loopback.h"
 
 namespace tessum {
 namespace {
-
-const std::string kGreeting =
-    answerOf("HTTP/1.1 200 OK", "text/plain",
-             "Tessum MCP Server \xE2\x80\x93 POST /mcp with a JSON-RPC 2.0 request.");
-const std::string kGetRoot = "GET / HTTP/1.1\r\n\r\n";
-
-std::optional<std::string> echo(json::PaddedView body) {
-  return std::string(body.text());
-}
 
 // What a child does: it serves `port` until its parent lets it go.
 void serve(ForkedChild::Link& parent, std::uint16_t port) {
