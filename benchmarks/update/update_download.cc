@@ -43,6 +43,7 @@ class FolderOnly final : public Locations {
 
   [[nodiscard]] std::string homeFolder() const override { return folder_; }
   [[nodiscard]] std::string dataFolder() const override { return folder_; }
+  [[nodiscard]] std::string configFolder() const override { return folder_; }
   [[nodiscard]] std::optional<std::string> executablePath() const override { return std::nullopt; }
 
  private:

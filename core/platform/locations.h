@@ -19,6 +19,10 @@ class Locations {
   // user's folder for the data of applications. It need not exist yet.
   [[nodiscard]] virtual std::string dataFolder() const = 0;
 
+  // The folder in which the user's applications keep their settings, each in a folder of its own.
+  // It need not exist yet.
+  [[nodiscard]] virtual std::string configFolder() const = 0;
+
   // The running program's own file; absent when the system does not tell.
   [[nodiscard]] virtual std::optional<std::string> executablePath() const = 0;
 };
@@ -28,6 +32,7 @@ class SystemLocations final : public Locations {
  public:
   [[nodiscard]] std::string homeFolder() const override;
   [[nodiscard]] std::string dataFolder() const override;
+  [[nodiscard]] std::string configFolder() const override;
   [[nodiscard]] std::optional<std::string> executablePath() const override;
 };
 

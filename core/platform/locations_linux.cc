@@ -8,8 +8,8 @@ namespace tessum {
 namespace {
 
 // The XDG rules: a value that is not an absolute path is to be ignored.
-std::optional<std::string> xdgDataHome() {
-  const char* folder = std::getenv("XDG_DATA_HOME");
+std::optional<std::string> xdgFolder(const char* variable) {
+  const char* folder = std::getenv(variable);
   if (folder == nullptr || *folder != '/') return std::nullopt;
   std::string path = folder;
   while (path.size() > 1 && path.back() == '/') path.pop_back();
@@ -19,8 +19,13 @@ std::optional<std::string> xdgDataHome() {
 }  // namespace
 
 std::string SystemLocations::dataFolder() const {
-  const auto dataHome = xdgDataHome();
+  const auto dataHome = xdgFolder("XDG_DATA_HOME");
   return (dataHome ? *dataHome : homeFolder() + "/.local/share") + "/Tessum";
+}
+
+std::string SystemLocations::configFolder() const {
+  const auto configHome = xdgFolder("XDG_CONFIG_HOME");
+  return configHome ? *configHome : homeFolder() + "/.config";
 }
 
 std::optional<std::string> SystemLocations::executablePath() const {

@@ -12,7 +12,7 @@
 
 namespace tessum {
 
-std::string SystemLocations::dataFolder() const {
+std::string SystemLocations::configFolder() const {
   char path[PATH_MAX];
   auto state = sysdir_start_search_path_enumeration(SYSDIR_DIRECTORY_APPLICATION_SUPPORT,
                                                     SYSDIR_DOMAIN_MASK_USER);
@@ -20,7 +20,12 @@ std::string SystemLocations::dataFolder() const {
   TESSUM_CHECK(state != 0, "the user has no folder for application support");
   std::string folder = path;
   if (folder.starts_with('~')) folder.replace(0, 1, homeFolder());
-  return folder + "/Tessum";
+  return folder;
+}
+
+// One folder serves for settings and data alike on this system.
+std::string SystemLocations::dataFolder() const {
+  return configFolder() + "/Tessum";
 }
 
 std::optional<std::string> SystemLocations::executablePath() const {

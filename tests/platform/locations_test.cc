@@ -40,6 +40,16 @@ TEST(SystemLocations, PutsDataWhereTheDesktopSaysWhenThatIsAbsolute) {
   }
 }
 
+TEST(SystemLocations, KeepsSettingsWhereTheDesktopSaysWhenThatIsAbsolute) {
+  const ScopedVariable home("HOME", "/home/ann");
+  ScopedVariable config("XDG_CONFIG_HOME", "/config/ann/");
+  EXPECT_EQ(SystemLocations().configFolder(), "/config/ann");
+  for (const char* useless : {static_cast<const char*>(nullptr), "", "relative"}) {
+    config.set(useless);
+    EXPECT_EQ(SystemLocations().configFolder(), "/home/ann/.config");
+  }
+}
+
 #endif
 
 }  // namespace

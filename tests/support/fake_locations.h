@@ -15,6 +15,7 @@ struct FakeLocations final : Locations {
 
   [[nodiscard]] std::string homeFolder() const override { return home; }
   [[nodiscard]] std::string dataFolder() const override { return home + "/Tessum"; }
+  [[nodiscard]] std::string configFolder() const override { return home + "/.config"; }
   [[nodiscard]] std::optional<std::string> executablePath() const override { return executable; }
 };
 
