@@ -11,8 +11,9 @@ fi
 apt_packages() {
   case $1 in
     build)
-      echo g++ cmake ninja-build libasio-dev libcli11-dev libcurl4-openssl-dev libsimdjson-dev \
-        libsqlite3-dev libsystemd-dev libxcb-screensaver0-dev libxcb-sync0-dev libxcb1-dev
+      echo g++ cmake ninja-build libasio-dev libcli11-dev libcurl4-openssl-dev libre2-dev \
+        libsimdjson-dev libsqlite3-dev libsystemd-dev libtomlplusplus-dev \
+        libxcb-screensaver0-dev libxcb-sync0-dev libxcb1-dev
       ;;
     test)
       echo clang curl dbus-daemon libgtest-dev libssl-dev openbox openssl strace x11-utils xdotool \
@@ -28,7 +29,7 @@ apt_packages() {
 }
 brew_packages() {
   case $1 in
-    build) echo asio cli11 cmake ninja simdjson ;;
+    build) echo asio cli11 cmake ninja re2 simdjson tomlplusplus ;;
     test) echo googletest node openssl ;;
     benchmark) echo google-benchmark ;;
     sanitize | tidy) echo llvm ;;

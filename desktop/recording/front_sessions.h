@@ -16,15 +16,9 @@
 #include "core/workspace/front_source.h"
 #include "desktop/recording/monitor_feed.h"
 #include "desktop/recording/wall_timeline.h"
+#include "desktop/settings/settings.h"
 
 namespace tessum {
-
-// What becomes of titles.
-enum class Titles {
-  each,  // one session for each title
-  last,  // one session for each activation, with its last title
-  none   // no titles
-};
 
 // Main thread only.
 class FrontSessions {

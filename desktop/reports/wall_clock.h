@@ -28,6 +28,10 @@ struct WallTime {
 [[nodiscard]] std::string dateText(Date date);      // 2025-03-04
 [[nodiscard]] std::string longDateText(Date date);  // Tuesday, 4 March 2025
 
+// The first moment after `now` at which the wall shows `minute`, counted from midnight. Where the
+// zone leaves out that time of day, it is the moment of the leap.
+[[nodiscard]] Date nextTimeOfDay(int minute, Date now);
+
 // A moment of the local day that a person names: 2025-03-04, today or yesterday. Absent for any
 // other text and for dates that do not exist.
 [[nodiscard]] std::optional<Date> namedDay(const std::string& name, const Clock& clock,

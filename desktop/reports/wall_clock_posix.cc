@@ -20,6 +20,39 @@ constexpr const char* kMonths[] = {"January",   "February", "March",    "April",
                                    "May",       "June",     "July",     "August",
                                    "September", "October",  "November", "December"};
 
+constexpr double kSecondsOfDay = 86400;
+
+tm localTime(Date date) {
+  const double seconds = std::isnan(date.secondsSince1970) ? 0 : date.secondsSince1970;
+  const auto at = static_cast<time_t>(std::floor(std::clamp(seconds, kEarliest, kLatest)));
+  tzset();  // localtime_r need not look the zone up again
+  tm local{};
+  localtime_r(&at, &local);
+  return local;
+}
+
+double secondsAheadOfUtc(Date date) {
+  return static_cast<double>(localTime(date).tm_gmtoff);
+}
+
+// How many seconds the wall needs from what it shows at `date` to the time of day `seconds`, if
+// nobody sets it.
+double secondsUntil(double seconds, Date date) {
+  const tm local = localTime(date);
+  const double shown = local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
+  return seconds >= shown ? seconds - shown : seconds - shown + kSecondsOfDay;
+}
+
+// The first whole second after `start`, up to `end`, at which the zone is as it is at `end`.
+Date changeOfZone(Date start, Date end) {
+  const double after = secondsAheadOfUtc(end);
+  while (secondsBetween(start, end) > 1) {
+    const Date middle{std::floor((start.secondsSince1970 + end.secondsSince1970) / 2)};
+    (secondsAheadOfUtc(middle) == after ? end : start) = middle;
+  }
+  return end;
+}
+
 std::string twoDigits(int value) {
   return (value < 10 ? "0" : "") + std::to_string(value);
 }
@@ -27,11 +60,7 @@ std::string twoDigits(int value) {
 }  // namespace
 
 WallTime wallTime(Date date) {
-  const double seconds = std::isnan(date.secondsSince1970) ? 0 : date.secondsSince1970;
-  const auto at = static_cast<time_t>(std::floor(std::clamp(seconds, kEarliest, kLatest)));
-  tzset();  // localtime_r need not look the zone up again
-  tm local{};
-  localtime_r(&at, &local);
+  const tm local = localTime(date);
   return {.date = {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday},
           .weekday = local.tm_wday,
           .hour = local.tm_hour,
@@ -55,6 +84,19 @@ std::string longDateText(Date date) {
   const WallTime time = wallTime(date);
   return std::string(kWeekdays[time.weekday]) + ", " + std::to_string(time.date.day) + " " +
          kMonths[time.date.month - 1] + " " + std::to_string(time.date.year);
+}
+
+Date nextTimeOfDay(int minute, Date now) {
+  const double wanted = minute * 60.0;
+  const Date start{std::floor(now.secondsSince1970)};
+  double wait = secondsUntil(wanted, start);
+  if (wait == 0) wait = kSecondsOfDay;
+  const Date next = movedBy(start, wait);
+  const double leap = secondsAheadOfUtc(next) - secondsAheadOfUtc(start);
+  if (leap == 0) return next;
+  const Date change = changeOfZone(start, next);
+  if (leap > 0 && secondsBetween(change, next) <= leap) return change;
+  return movedBy(change, secondsUntil(wanted, change));
 }
 
 std::optional<Date> namedDay(const std::string& name, const Clock& clock,

@@ -1,0 +1,18 @@
+// Durations as a person writes them.
+
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tessum {
+
+// Seconds of a duration such as 1h30m, 45m, 20s or 90, which are minutes. Absent for any other
+// text: unlike an assistant, a person should not find 1.5h taken for 15 hours.
+[[nodiscard]] std::optional<double> plainDuration(std::string_view text);
+
+// `seconds` in that form, such as 1h30m; a fraction is dropped.
+[[nodiscard]] std::string plainDurationText(double seconds);
+
+}  // namespace tessum

@@ -1,0 +1,73 @@
+// What is written down of a window, and to which category it belongs.
+
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/base/date.h"
+#include "desktop/settings/pattern.h"
+#include "desktop/settings/schedule.h"
+
+namespace tessum {
+
+// What the rules look at. Texts are UTF-8; absent is what is not known.
+struct Window {
+  std::optional<std::string_view> app;         // the application's name
+  std::optional<std::string_view> identifier;  // its lasting name
+  std::optional<std::string_view> title;
+};
+
+// Windows for which each present pattern holds.
+struct WindowPattern {
+  std::optional<Pattern> app;  // in the name or the identifier
+  std::optional<Pattern> title;
+};
+
+[[nodiscard]] bool matches(const WindowPattern& pattern, const Window& window);
+
+// What is written down.
+enum class Kept {
+  all,
+  app,     // the application, without the title
+  nothing  // as if nothing were in front
+};
+
+// Hides windows: those of its pattern, during its schedule.
+struct HideRule {
+  WindowPattern windows;
+  std::optional<Schedule> schedule;  // absent means always
+  Kept kept = Kept::nothing;         // never all
+  int line = 0;                      // in the settings
+};
+
+struct Category {
+  std::string name;
+  WindowPattern windows;
+  int line = 0;  // in the settings
+};
+
+struct Rules {
+  std::vector<HideRule> hide;
+  std::vector<Category> categories;
+};
+
+struct Verdict {
+  Kept kept = Kept::all;
+  const HideRule* rule = nullptr;  // the one that decides, of those that were asked; null for all
+};
+
+// What is kept of `window` at `time`: the least that any rule leaves, by the first of those rules.
+[[nodiscard]] Verdict judge(const std::vector<HideRule>& rules, const Window& window,
+                            const WallTime& time);
+
+// The first category that `window` belongs to; null when there is none.
+[[nodiscard]] const Category* categoryOf(const Rules& rules, const Window& window);
+
+// The first moment after `now` at which the schedule of a rule may begin or end; absent when no
+// rule has one.
+[[nodiscard]] std::optional<Date> nextEdge(const std::vector<HideRule>& rules, Date now);
+
+}  // namespace tessum

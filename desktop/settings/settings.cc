@@ -1,0 +1,42 @@
+#include "desktop/settings/settings.h"
+
+#include "desktop/settings/duration.h"
+
+namespace tessum {
+namespace {
+
+constexpr double kLongestWait = 24 * 3600;
+
+}  // namespace
+
+std::optional<AwayAfter> parseAwayAfter(std::string_view text) {
+  if (text == "never") return AwayAfter{std::nullopt};
+  const auto seconds = plainDuration(text);
+  if (!seconds || *seconds > kLongestWait) return std::nullopt;
+  return AwayAfter{seconds};
+}
+
+std::string awayAfterText(const AwayAfter& awayAfter) {
+  return awayAfter.seconds ? plainDurationText(*awayAfter.seconds) : "never";
+}
+
+std::optional<Titles> parseTitles(std::string_view text) {
+  for (const Titles titles : {Titles::each, Titles::last, Titles::none}) {
+    if (text == titlesText(titles)) return titles;
+  }
+  return std::nullopt;
+}
+
+std::string titlesText(Titles titles) {
+  switch (titles) {
+    case Titles::each:
+      return "each";
+    case Titles::last:
+      return "last";
+    case Titles::none:
+      break;
+  }
+  return "none";
+}
+
+}  // namespace tessum
