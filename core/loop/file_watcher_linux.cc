@@ -1,0 +1,108 @@
+#include "core/loop/file_watcher.h"
+
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <system_error>
+#include <utility>
+
+#include "core/platform/descriptor.h"
+
+namespace tessum {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A file that is being written has changed once its writer closes it.
+constexpr std::uint32_t kEvents =
+    IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ONLYDIR;
+
+Descriptor makeInotify() {
+  Descriptor inotify(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+  if (inotify.number() < 0) {
+    throw std::system_error(errno, std::generic_category(), "Cannot watch files");
+  }
+  return inotify;
+}
+
+}  // namespace
+
+struct FileWatcher::State {
+  State(MainLoop& mainLoop, std::string watched, std::function<void()> handler)
+      : loop(mainLoop),
+        path(std::move(watched)),
+        onChange(std::move(handler)),
+        inotify(makeInotify()) {
+    if (!watch(path)) {
+      throw std::system_error(errno, std::generic_category(),
+                              "Cannot watch " + path.parent_path().string());
+    }
+    watchTarget();
+    token = loop.watchReadable(inotify.number(), [this] { readEvents(); });
+  }
+
+  ~State() { loop.unwatch(token); }
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+
+  // Watches the folder of `file` for its name. False, with errno set, where that cannot be done.
+  bool watch(const fs::path& file) {
+    const int folder = inotify_add_watch(inotify.number(), file.parent_path().c_str(), kEvents);
+    if (folder < 0) return false;
+    names[folder].insert(file.filename());
+    return true;
+  }
+
+  // The file that a link points at may be another than before. One that cannot be watched is not
+  // there, or not the user's.
+  void watchTarget() {
+    std::error_code error;
+    const fs::path target = fs::canonical(path, error);
+    if (!error && target != path) static_cast<void>(watch(target));
+  }
+
+  void readEvents() {
+    bool hasChanged = false;
+    alignas(inotify_event) char buffer[4096];
+    while (true) {
+      const auto size = retried([&] { return read(inotify.number(), buffer, sizeof buffer); });
+      if (size <= 0) break;
+      for (const char* at = buffer; at < buffer + size;) {
+        inotify_event event;
+        std::memcpy(&event, at, sizeof event);
+        hasChanged = hasChanged || isOfFile(event, at + sizeof event);
+        at += sizeof event + event.len;
+      }
+    }
+    if (!hasChanged) return;
+    watchTarget();
+    const auto handler = onChange;  // which may end this watcher
+    handler();
+  }
+
+  // Events that did not fit are taken for one of the file.
+  [[nodiscard]] bool isOfFile(const inotify_event& event, const char* name) const {
+    if ((event.mask & IN_Q_OVERFLOW) != 0) return true;
+    const auto found = names.find(event.wd);
+    return found != names.end() && event.len > 0 && found->second.count(name) > 0;
+  }
+
+  MainLoop& loop;
+  const fs::path path;
+  const std::function<void()> onChange;
+  const Descriptor inotify;
+  std::map<int, std::set<std::string>> names;  // in each watched folder
+  MainLoop::WatchToken token{};
+};
+
+FileWatcher::FileWatcher(MainLoop& loop, const std::string& path, std::function<void()> onChange)
+    : state_(std::make_unique<State>(loop, path, std::move(onChange))) {}
+
+FileWatcher::~FileWatcher() = default;
+
+}  // namespace tessum

@@ -1,0 +1,97 @@
+// A folder's vnode tells of files that come, go and take another's name; a file's own vnode of what
+// is written to it. So both are watched, and the file anew after each event.
+
+#include <fcntl.h>
+#include <sys/event.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "core/loop/file_watcher.h"
+#include "core/platform/descriptor.h"
+
+namespace tessum {
+namespace {
+
+namespace fs = std::filesystem;
+
+Descriptor makeQueue() {
+  Descriptor queue(kqueue());
+  if (queue.number() < 0) {
+    throw std::system_error(errno, std::generic_category(), "Cannot watch files");
+  }
+  fcntl(queue.number(), F_SETFD, FD_CLOEXEC);
+  return queue;
+}
+
+}  // namespace
+
+struct FileWatcher::State {
+  State(MainLoop& mainLoop, std::string watched, std::function<void()> handler)
+      : loop(mainLoop), path(std::move(watched)), onChange(std::move(handler)), queue(makeQueue()) {
+    if (!watch(path.parent_path())) {
+      throw std::system_error(errno, std::generic_category(),
+                              "Cannot watch " + path.parent_path().string());
+    }
+    watchFile();
+    token = loop.watchReadable(queue.number(), [this] { readEvents(); });
+  }
+
+  ~State() { loop.unwatch(token); }
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+
+  // Watches what lies at `watched` until its descriptor is closed. False, with errno set, where
+  // that cannot be done.
+  bool watch(const fs::path& watched) {
+    Descriptor descriptor(open(watched.c_str(), O_EVTONLY | O_CLOEXEC));
+    if (descriptor.number() < 0) return false;
+    constexpr std::uint32_t kEvents = NOTE_WRITE | NOTE_EXTEND | NOTE_DELETE | NOTE_RENAME;
+    struct kevent event;
+    EV_SET(&event, static_cast<std::uintptr_t>(descriptor.number()), EVFILT_VNODE,
+           EV_ADD | EV_CLEAR, kEvents, 0, nullptr);
+    if (kevent(queue.number(), &event, 1, nullptr, 0, nullptr) < 0) return false;
+    opened.push_back(std::move(descriptor));
+    return true;
+  }
+
+  // The file itself and, where it is a link, the folder of the file that it points at. What cannot
+  // be watched is not there, or not the user's.
+  void watchFile() {
+    opened.erase(opened.begin() + 1, opened.end());
+    std::error_code error;
+    const fs::path target = fs::canonical(path, error);
+    if (error) return;
+    static_cast<void>(watch(target));
+    if (target != path) static_cast<void>(watch(target.parent_path()));
+  }
+
+  void readEvents() {
+    struct kevent event;
+    const timespec atOnce{};
+    bool hasChanged = false;
+    while (kevent(queue.number(), nullptr, 0, &event, 1, &atOnce) > 0) hasChanged = true;
+    if (!hasChanged) return;
+    watchFile();
+    const auto handler = onChange;  // which may end this watcher
+    handler();
+  }
+
+  MainLoop& loop;
+  const fs::path path;
+  const std::function<void()> onChange;
+  const Descriptor queue;
+  std::vector<Descriptor> opened;  // the folder first
+  MainLoop::WatchToken token{};
+};
+
+FileWatcher::FileWatcher(MainLoop& loop, const std::string& path, std::function<void()> onChange)
+    : state_(std::make_unique<State>(loop, path, std::move(onChange))) {}
+
+FileWatcher::~FileWatcher() = default;
+
+}  // namespace tessum
