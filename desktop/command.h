@@ -13,7 +13,7 @@ namespace tessum {
 // Exit statuses that scripts can rely on.
 inline constexpr int kSuccess = 0;
 inline constexpr int kFailure = 1;  // it was tried and failed; standard error says why
-inline constexpr int kUsage = 2;    // the command line was wrong
+inline constexpr int kUsage = 2;    // the command line or the settings were wrong
 
 // The world outside, made by main() and lent to the commands, and the outcome they leave there.
 struct Host {

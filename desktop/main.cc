@@ -12,6 +12,7 @@
 #include "desktop/command.h"
 #include "desktop/commands/commands.h"
 #include "desktop/reports/text_layout.h"
+#include "desktop/settings/settings_reader.h"
 
 namespace tessum {
 namespace {
@@ -35,8 +36,9 @@ int runCommand(int argc, char** argv) {
   });
   app.footer(
       "\"Tessum COMMAND --help\" has examples. The exit status is 0 on success, 1 when the\n"
-      "command failed and 2 when the command line was wrong.");
+      "command failed and 2 when the command line or the settings were wrong.");
   addRecordCommand(app, host);
+  addPauseCommands(app, host);
   addStatusCommand(app, host);
   addReportCommands(app, host);
   addNoteCommand(app, host);
@@ -45,6 +47,7 @@ int runCommand(int argc, char** argv) {
   addExportCommand(app, host);
   addForgetCommand(app, host);
   addBackupCommand(app, host);
+  addSettingsCommand(app, host);
   addClientCommands(app, host);
   addUpdateCommand(app, host);
   try {
@@ -65,6 +68,9 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "Tessum: %s\n", error.what());
     std::fprintf(stderr, "%s\n", tessum::remedy(error).c_str());
     return tessum::kFailure;
+  } catch (const tessum::SettingsError& error) {
+    std::fprintf(stderr, "Tessum: %s\n", tessum::printable(error.what()).c_str());
+    return tessum::kUsage;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "Tessum: %s\n", error.what());
     return tessum::kFailure;

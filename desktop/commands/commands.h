@@ -12,6 +12,7 @@ class App;
 namespace tessum {
 
 void addRecordCommand(CLI::App& app, Host& host);
+void addPauseCommands(CLI::App& app, Host& host);  // pause and resume
 void addStatusCommand(CLI::App& app, Host& host);
 void addReportCommands(CLI::App& app, Host& host);  // day, usage, notes and search
 void addNoteCommand(CLI::App& app, Host& host);
@@ -20,6 +21,7 @@ void addDoctorCommand(CLI::App& app, Host& host);
 void addExportCommand(CLI::App& app, Host& host);
 void addForgetCommand(CLI::App& app, Host& host);
 void addBackupCommand(CLI::App& app, Host& host);
+void addSettingsCommand(CLI::App& app, Host& host);
 void addClientCommands(CLI::App& app, Host& host);  // clients, install and uninstall
 void addUpdateCommand(CLI::App& app, Host& host);
 

@@ -14,6 +14,7 @@
 #include "desktop/recording/recorder_state.h"
 #include "desktop/reports/text_layout.h"
 #include "desktop/reports/wall_clock.h"
+#include "desktop/settings/pause.h"
 
 namespace tessum {
 namespace {
@@ -89,6 +90,9 @@ void showStatus(const Host& host) {
     if (!recorder.awake.empty()) add("Kept awake", "by " + joined(recorder.awake));
   } else {
     add("Recording", "no; \"Tessum record\" begins", Tone::bad);
+  }
+  if (const auto pause = pauseAt(now, host.locations, host.files)) {
+    add("Paused", pauseText(*pause, now), Tone::bad);
   }
   try {
     History history(path, History::Access::read);

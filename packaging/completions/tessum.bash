@@ -4,8 +4,8 @@ _tessum() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} words=
   if [ "$COMP_CWORD" -eq 1 ]; then
-    words='record status day usage notes search note timeline clients install uninstall update
-      doctor export forget backup --help --version'
+    words='record pause resume status day usage notes search note timeline clients install uninstall update
+      doctor export forget backup settings --help --version'
   else
     case $previous in
       --from | --to) words='today yesterday' ;;
@@ -27,6 +27,8 @@ _tessum() {
           doctor) words='--close-open --help' ;;
           export) words='--from --to --format --help' ;;
           forget) words='--from --to --app --title --yes --help' ;;
+          pause) words='until 30m 1h --help' ;;
+          settings) words='edit check try --help' ;;
           backup) compopt -o default ;;
           *) words='--help' ;;
         esac

@@ -7,8 +7,8 @@ end
 complete -c tessum -f
 complete -c tessum -l help -d 'Show help'
 complete -c tessum -n __fish_use_subcommand -l version -d 'Show the version'
-for command in record status day usage notes search note timeline clients install uninstall \
-        update doctor export forget backup
+for command in record pause resume status day usage notes search note timeline clients install uninstall \
+        update doctor export forget backup settings
     complete -c tessum -n __fish_use_subcommand -a $command
 end
 __tessum_add record -l http -d 'Answer over HTTP'
@@ -39,4 +39,6 @@ __tessum_add forget -l app -x -d 'Sessions of this application'
 __tessum_add forget -l title -x -d 'Sessions with this in the title'
 __tessum_add forget -l yes -d 'Do not ask'
 __tessum_add backup -F
+__tessum_add pause -a 'until 30m 1h'
+__tessum_add settings -a 'edit check try'
 functions -e __tessum_add

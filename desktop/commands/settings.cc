@@ -1,0 +1,171 @@
+#include "desktop/commands/commands.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "core/base/text.h"
+#include "core/platform/folders.h"
+#include "desktop/commands/standard_output.h"
+#include "desktop/reports/text_layout.h"
+#include "desktop/reports/wall_clock.h"
+#include "desktop/settings/editor.h"
+#include "desktop/settings/pause.h"
+#include "desktop/settings/settings_file.h"
+
+namespace tessum {
+namespace {
+
+std::string lineText(int line) {
+  return line == 0 ? "as usual" : "line " + std::to_string(line);
+}
+
+std::string patternText(const WindowPattern& windows) {
+  std::string text;
+  if (windows.app) text += " app '" + windows.app->text() + "'";
+  if (windows.title) text += " title '" + windows.title->text() + "'";
+  return text;
+}
+
+std::string timeText(int minute) {
+  const std::string hours = std::to_string(minute / 60);
+  const std::string minutes = std::to_string(minute % 60);
+  return (hours.size() < 2 ? "0" : "") + hours + (minutes.size() < 2 ? ":0" : ":") + minutes;
+}
+
+std::string scheduleText(const Schedule& schedule) {
+  std::string text;
+  if (schedule.hours != Hours()) {
+    text += " between " + timeText(schedule.hours.begin) + " and " + timeText(schedule.hours.end);
+  }
+  if (schedule.days == kEveryDay) return text;
+  constexpr const char* kNames[] = {"sun", "mon", "tue", "wed", "thu", "fri", "sat"};
+  text += " on";
+  for (std::size_t day = 0; day < schedule.days.size(); ++day) {
+    if (schedule.days[day]) text += std::string(" ") + kNames[day];
+  }
+  return text;
+}
+
+std::string ruleText(const HideRule& rule) {
+  const std::string text =
+      patternText(rule.windows) + (rule.schedule ? scheduleText(*rule.schedule) : "");
+  return text.substr(text.empty() ? 0 : 1) + (rule.kept == Kept::app ? ", keeps the app" : "");
+}
+
+void showSettings(const Host& host) {
+  const Settings settings = loadSettings(host.locations, host.files);
+  const std::string path = settingsPath(host.locations);
+  using enum Table::Alignment;
+  Table table({left, left, left});
+  const auto add = [&](const char* name, const std::string& value, int line) {
+    table.addRow({{name, Tone::faint}, {value}, {lineText(line), Tone::faint}});
+  };
+  add("away-after", awayAfterText(settings.awayAfter.value), settings.awayAfter.line);
+  add("titles", titlesText(settings.titles.value), settings.titles.line);
+  for (const HideRule& rule : settings.rules.hide) add("hide", ruleText(rule), rule.line);
+  for (const Category& category : settings.rules.categories) {
+    add("category", category.name + ":" + patternText(category.windows), category.line);
+  }
+  Paper paper = standardOutputPaper();
+  paper.columns = 0;  // a pattern that is cut is no use to anyone
+  print(printable(path) + (host.files.exists(path) ? "" : ", which does not exist") + "\n\n" +
+        table.text(paper));
+}
+
+void check(const Host& host) {
+  const Settings settings = loadSettings(host.locations, host.files);
+  const std::string path = printable(settingsPath(host.locations));
+  if (!host.files.exists(settingsPath(host.locations))) {
+    print(path + " does not exist, so everything is as usual.\n");
+    return;
+  }
+  const auto counted = [](std::size_t count, const std::string& one, const std::string& many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+  };
+  print(path + " is understood: " + counted(settings.rules.hide.size(), "rule", "rules") + ", " +
+        counted(settings.rules.categories.size(), "category", "categories") + ".\n");
+}
+
+void edit(Host& host) {
+  const std::string path = settingsPath(host.locations);
+  if (!host.files.exists(path)) {
+    createPrivateFolders(std::filesystem::path(path).parent_path());
+    host.files.replace(path, settingsTemplate());
+  }
+  if (!editFile(path)) throw std::runtime_error("the editor failed");
+  check(host);
+}
+
+struct TryOptions {
+  std::string app;
+  std::string title;
+};
+
+// What would be written of the window, as the beginning of a sentence.
+std::string keptText(Kept kept, const std::string& app, const std::string& title) {
+  switch (kept) {
+    case Kept::all:
+      return "Written: " + app + (title.empty() ? "" : " – " + title);
+    case Kept::app:
+      return "Written: " + app + (title.empty() ? "" : ", without the title");
+    case Kept::nothing:
+      break;
+  }
+  return "Nothing is written";
+}
+
+void tryRules(const Host& host, const TryOptions& options) {
+  const Settings settings = loadSettings(host.locations, host.files);
+  const std::string app = validUtf8(options.app);
+  const std::string title = validUtf8(options.title);
+  Window window{.app = app, .identifier = std::nullopt, .title = std::nullopt};
+  if (!title.empty()) window.title = title;
+  const Date now = host.clock.now();
+  const Verdict verdict = judge(settings.rules.hide, window, wallTime(now));
+  std::string text = keptText(verdict.kept, printable(app), printable(title));
+  text += verdict.rule == nullptr ? "; no rule hides it.\n"
+                                  : "; " + lineText(verdict.rule->line) +
+                                        " decides: " + printable(ruleText(*verdict.rule)) + "\n";
+  if (const Category* category = categoryOf(settings.rules, window)) {
+    text += "Category: " + printable(category->name) + "; " + lineText(category->line) + "\n";
+  }
+  if (const auto pause = pauseAt(now, host.locations, host.files)) {
+    text += "Nothing at all is recorded " + pauseText(*pause, now) + ".\n";
+  }
+  print(text);
+}
+
+}  // namespace
+
+void addSettingsCommand(CLI::App& app, Host& host) {
+  auto* command = app.add_subcommand("settings", "What is set, and where it is set");
+  command->footer(
+      "The settings are one file, which need not be there. A recorder that runs obeys as soon as "
+      "it\n"
+      "is saved.\n\n"
+      "Examples:\n"
+      "  Tessum settings\n"
+      "  Tessum settings edit\n"
+      "  Tessum settings check\n"
+      "  Tessum settings try Firefox \"News - Private Browsing\"");
+  auto* editCommand = command->add_subcommand("edit", "Open the file in the editor of $EDITOR");
+  editCommand->callback([&host] { edit(host); });
+  auto* checkCommand = command->add_subcommand("check", "Whether the file is understood");
+  checkCommand->callback([&host] { check(host); });
+  auto* tryCommand =
+      command->add_subcommand("try", "What would be written of a window, now, and why");
+  const auto options = std::make_shared<TryOptions>();
+  tryCommand->add_option("APP", options->app, "the application's name or identifier")
+      ->type_name("")
+      ->required();
+  tryCommand->add_option("TITLE", options->title, "the window's title")->type_name("");
+  tryCommand->callback([&host, options] { tryRules(host, *options); });
+  command->require_subcommand(0, 1);
+  command->callback([&host, command] {
+    if (command->get_subcommands().empty()) showSettings(host);
+  });
+}
+
+}  // namespace tessum

@@ -1,0 +1,62 @@
+#include "desktop/settings/pause.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "core/json/field.h"
+#include "core/json/reader.h"
+#include "core/json/writer.h"
+#include "core/platform/folders.h"
+#include "desktop/reports/wall_clock.h"
+
+namespace tessum {
+namespace {
+
+Pause readPause(const std::string& text) {
+  Pause pause;
+  try {
+    const json::Value document = json::parse(text);
+    if (const auto until = json::Field(document).optional("until")) pause.until = {until->real()};
+  } catch (const json::DecodingError&) {
+    // It has no end then.
+  }
+  return pause;
+}
+
+}  // namespace
+
+std::string pausePath(const Locations& locations) {
+  return locations.dataFolder() + "/pause.json";
+}
+
+std::optional<Pause> pauseAt(Date now, const Locations& locations, const Files& files) {
+  std::string text;
+  try {
+    text = files.read(pausePath(locations));
+  } catch (const std::system_error& error) {
+    if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
+    throw;
+  }
+  const Pause pause = readPause(text);
+  if (pause.until && secondsBetween(now, *pause.until) <= 0) return std::nullopt;
+  return pause;
+}
+
+void beginPause(const Pause& pause, const Locations& locations, const Files& files) {
+  createPrivateFolders(locations.dataFolder());
+  json::Value::Object object;
+  if (pause.until) object["until"] = json::Value::real(pause.until->secondsSince1970);
+  files.replace(pausePath(locations), json::compact(std::move(object)) + "\n");
+}
+
+void endPause(const Locations& locations) {
+  std::filesystem::remove(pausePath(locations));
+}
+
+std::string pauseText(const Pause& pause, Date now) {
+  if (!pause.until) return "until \"Tessum resume\"";
+  const bool isToday = dateText(*pause.until) == dateText(now);
+  return "until " + (isToday ? "" : dateText(*pause.until) + " ") + clockText(*pause.until);
+}
+
+}  // namespace tessum
