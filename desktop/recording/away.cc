@@ -21,6 +21,13 @@ Away::~Away() {
   if (timer_) loop_.invalidateTimer(*timer_);
 }
 
+void Away::setLimit(std::optional<double> seconds) {
+  if (seconds == seconds_) return;
+  seconds_ = seconds;
+  lastInput_.reset();
+  update(clock_.now());
+}
+
 void Away::noteIdle(Moment lastInput) {
   lastInput_ = lastInput;
   update(clock_.now());

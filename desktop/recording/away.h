@@ -29,6 +29,10 @@ class Away {
   Away(const Away&) = delete;
   Away& operator=(const Away&) = delete;
 
+  // Without input for `seconds` the user is away from now on; absent means never. Who is away without
+  // input by the limit before is back, until the next noteIdle().
+  void setLimit(std::optional<double> seconds);
+
   void noteIdle(Moment lastInput);
   void noteInput(Moment when);
   void noteLock(bool isLocked, Moment when);
@@ -45,7 +49,7 @@ class Away {
 
   MainLoop& loop_;
   const SteadyClock& clock_;
-  const std::optional<double> seconds_;
+  std::optional<double> seconds_;
   const Handlers handlers_;
 
   std::optional<Moment> lockedSince_;

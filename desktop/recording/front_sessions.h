@@ -32,6 +32,9 @@ class FrontSessions {
   FrontSessions(const FrontSessions&) = delete;
   FrontSessions& operator=(const FrontSessions&) = delete;
 
+  // What becomes of titles from now on.
+  void setTitles(Titles titles) { titles_ = titles; }
+
   // What is in front since `since`, which may lie before the last call: what began after it then
   // never was.
   void show(const std::optional<Front>& front, Moment since);
@@ -57,7 +60,7 @@ class FrontSessions {
   MonitorFeed& feed_;
   const WallTimeline& timeline_;
   MainLoop& loop_;
-  const Titles titles_;
+  Titles titles_;
 
   std::optional<RunningApplication> application_;  // absent while nothing is in front
   Title title_;                                    // of the open session

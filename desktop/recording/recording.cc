@@ -17,17 +17,41 @@ Recording::Recording(std::shared_ptr<SessionWriter> sessions, const Clock& wall,
       timeline_(wall, steady),
       feed_(std::move(sessions)),
       sessions_(feed_, timeline_, loop, settings.titles),
+      filter_(wall, loop, [this] { update(steady_.now()); }),
       onAwayChanged_(std::move(onAwayChanged)),
       away_(loop, steady, settings.awayAfter,
             {.onAway = [this](Moment since) { leave(since); },
              .onBack = [this](Moment when) { comeBack(when); }}),
       lastTick_(steady.now()),
-      asleep_(steady.secondsAsleep()) {}
+      asleep_(steady.secondsAsleep()) {
+  filter_.obey(settings.hide);
+}
+
+void Recording::obey(const RecordingSettings& settings) {
+  filter_.obey(settings.hide);
+  sessions_.setTitles(settings.titles);
+  away_.setLimit(settings.awayAfter);
+  update(steady_.now());
+}
+
+void Recording::pause(const std::optional<Pause>& pause) {
+  filter_.pause(pause);
+  update(steady_.now());
+}
 
 void Recording::show(const std::optional<Front>& front, Moment since) {
-  followClock();
   front_ = front;
-  if (!away_.since()) sessions_.show(front_, since);
+  update(since);
+}
+
+// Shows the sessions what is to be written since `since`. A session never holds time for which its
+// title is hidden and time for which it is not: sessions give each other the time of short titles.
+void Recording::update(Moment since) {
+  followClock();
+  auto [front, kept] = filter_.pass(front_);
+  if (kept != std::exchange(kept_, kept)) sessions_.show(std::nullopt, since);
+  if (away_.since()) front.reset();
+  sessions_.show(front, since);
 }
 
 void Recording::leave(Moment since) {
@@ -40,7 +64,7 @@ void Recording::leave(Moment since) {
 void Recording::comeBack(Moment when) {
   followClock();
   awaySince_.reset();
-  sessions_.show(front_, when);
+  update(when);
   onAwayChanged_();
 }
 
@@ -60,7 +84,7 @@ void Recording::tick() {
     noteSleep(lastTick_);
     noteWakeUp(now);
   }
-  if (followClock() && !away_.since()) sessions_.show(front_, now);
+  update(now);
   sessions_.storeLatestTitle();
   lastTick_ = now;
 }

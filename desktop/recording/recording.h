@@ -3,12 +3,14 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "core/loop/main_loop.h"
 #include "core/platform/clock.h"
 #include "core/platform/steady_clock.h"
 #include "core/workspace/front_source.h"
 #include "desktop/recording/away.h"
+#include "desktop/recording/front_filter.h"
 #include "desktop/recording/front_sessions.h"
 #include "desktop/recording/monitor_feed.h"
 #include "desktop/recording/wall_timeline.h"
@@ -18,6 +20,7 @@ namespace tessum {
 struct RecordingSettings {
   std::optional<double> awayAfter = 300;  // seconds without input; absent means never away
   Titles titles = Titles::each;
+  std::vector<HideRule> hide = {};
 };
 
 // Turns what the desktop and the session tell into sessions of the monitor. Main thread only.
@@ -32,6 +35,12 @@ class Recording {
             MainLoop& loop, const RecordingSettings& settings, std::function<void()> onAwayChanged);
   Recording(const Recording&) = delete;
   Recording& operator=(const Recording&) = delete;
+
+  // Follows other settings from now on.
+  void obey(const RecordingSettings& settings);
+
+  // Begins or, where it is absent, ends a pause. It also ends by itself.
+  void pause(const std::optional<Pause>& pause);
 
   // What is in front, and since when.
   void show(const std::optional<Front>& front, Moment since);
@@ -54,6 +63,7 @@ class Recording {
 
  private:
   bool followClock();
+  void update(Moment since);
   void leave(Moment since);
   void comeBack(Moment when);
 
@@ -61,9 +71,11 @@ class Recording {
   WallTimeline timeline_;
   MonitorFeed feed_;
   FrontSessions sessions_;
+  FrontFilter filter_;
   const std::function<void()> onAwayChanged_;
   Away away_;
   std::optional<Front> front_;
+  Kept kept_ = Kept::all;  // of what is in front
   std::optional<Date> awaySince_;
   Moment lastTick_;
   double asleep_;  // seconds of sleep that are known of

@@ -1,0 +1,51 @@
+// Keeps out of the recording what is not to be written down.
+
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "core/loop/main_loop.h"
+#include "core/platform/clock.h"
+#include "core/workspace/front_source.h"
+#include "desktop/settings/pause.h"
+#include "desktop/settings/rules.h"
+
+namespace tessum {
+
+// Applies the rules of the settings and the pause at the present time. Main thread only.
+class FrontFilter {
+ public:
+  // Calls `onChange` from `loop` when time alone may change what passes: a schedule begins or ends,
+  // or the pause ends. `wall` and `loop` must outlive the object.
+  FrontFilter(const Clock& wall, MainLoop& loop, std::function<void()> onChange);
+  ~FrontFilter();
+  FrontFilter(const FrontFilter&) = delete;
+  FrontFilter& operator=(const FrontFilter&) = delete;
+
+  // Neither calls `onChange`.
+  void obey(std::vector<HideRule> rules);
+  void pause(const std::optional<Pause>& pause) { pause_ = pause; }
+
+  struct Passed {
+    std::optional<Front> front;
+    Kept kept;  // how much of what was there
+  };
+
+  // What may be written of `front` now.
+  [[nodiscard]] Passed pass(const std::optional<Front>& front);
+
+ private:
+  [[nodiscard]] bool isPaused(Date now) const;
+  void waitForEdge(Date now);
+
+  const Clock& wall_;
+  MainLoop& loop_;
+  const std::function<void()> onChange_;
+  std::vector<HideRule> rules_;
+  std::optional<Pause> pause_;
+  std::optional<MainLoop::TimerToken> timer_;
+};
+
+}  // namespace tessum
