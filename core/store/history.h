@@ -67,6 +67,12 @@ struct Selected {
   std::int64_t lastNote = 0;
 };
 
+// A session, and what takes its place: sessions that do not overlap, or nothing.
+struct Replacement {
+  Activity session;
+  std::vector<Activity> by;
+};
+
 // One connection to an existing history. Every call throws DatabaseError when it cannot be
 // completed, and then has changed nothing. Not thread-safe.
 class History {
@@ -135,6 +141,10 @@ class History {
 
   // Deletes what `selected` found for `selection`, in one step. The bytes are overwritten.
   void forget(const Selection& selection, const Selected& selected);
+
+  // Makes all `replacements` in one step. The first in a session's place has its row id, and the end
+  // that the row has got since it was read. The bytes are overwritten.
+  void replace(const std::vector<Replacement>& replacements);
 
  private:
   // How long a lock that another program holds is waited for.

@@ -187,4 +187,44 @@ void History::forget(const Selection& selection, const Selected& selected) {
   transaction.keep();
 }
 
+constexpr char kDeleteSession[] = "DELETE FROM activities WHERE id = ?;";
+
+constexpr char kChangeSession[] =
+    R"(UPDATE activities
+SET title = ?, start_time = ?, end_time = COALESCE(?, end_time)
+WHERE id = ?;)";
+
+constexpr char kInsertSession[] =
+    R"(INSERT INTO activities (app_name, bundle_id, title, start_time, end_time)
+VALUES (?, ?, ?, ?, ?);)";
+
+void History::replace(const std::vector<Replacement>& replacements) {
+  run("PRAGMA secure_delete = ON;");
+  Transaction transaction(db_.get());
+  for (const auto& [session, by] : replacements) {
+    const std::int64_t id = session.id.value_or(0);
+    if (by.empty()) {
+      Statement(db_.get(), kDeleteSession).bindRowID(id).execute();
+      continue;
+    }
+    const Activity& first = by.front();
+    Statement(db_.get(), kChangeSession)
+        .bind(first.title)
+        .bind(first.startTime)
+        .bind(first.endTime)
+        .bindRowID(id)
+        .execute();
+    for (auto next = by.begin() + 1; next != by.end(); ++next) {
+      Statement(db_.get(), kInsertSession)
+          .bind(next->appName)
+          .bind(next->bundleID)
+          .bind(next->title)
+          .bind(next->startTime)
+          .bind(next->endTime)
+          .execute();
+    }
+  }
+  transaction.keep();
+}
+
 }  // namespace tessum

@@ -8,6 +8,7 @@
 #include "core/store/history.h"
 #include "core/store/records.h"
 #include "desktop/commands/arguments.h"
+#include "desktop/commands/forget_hidden.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/reports/wall_clock.h"
 
@@ -19,6 +20,7 @@ struct ForgetOptions {
   std::string to;
   std::string appName;
   std::string titlePart;
+  bool isOfHidden = false;
   bool isSure = false;
 };
 
@@ -28,7 +30,8 @@ Selection selectionOf(const Host& host, const ForgetOptions& options) {
   if (!options.appName.empty()) selection.appName = validUtf8(options.appName);
   if (!options.titlePart.empty()) selection.titlePart = validUtf8(options.titlePart);
   if (!selection.begun && !selection.appName && !selection.titlePart) {
-    throw CLI::ValidationError("say what to forget with --from and --to, --app or --title");
+    throw CLI::ValidationError(
+        "say what to forget with --from and --to, --app, --title or --hidden");
   }
   return selection;
 }
@@ -84,16 +87,23 @@ void addForgetCommand(CLI::App& app, Host& host) {
       ->add_option("--title", options->titlePart,
                    "only sessions with this in the title, in capital or small letters")
       ->type_name("TEXT");
+  command->add_flag("--hidden", options->isOfHidden, "what the rules of today's settings hide")
+      ->excludes("--from", "--to", "--app", "--title");
   command->add_flag("--yes", options->isSure, "delete without asking");
   command->footer(
       "Says what it will delete, then asks. Days alone delete the sessions and the notes that\n"
       "began on them; with --app or --title only sessions go. Copies made with backup or export\n"
-      "are not touched.\n\n"
+      "are not touched. With --hidden the history becomes what it would be under the rules of the\n"
+      "settings: sessions go, lose their titles, or are cut where a schedule begins or ends.\n\n"
       "Examples:\n"
       "  Tessum forget --from 2025-03-04 --to 2025-03-05\n"
       "  Tessum forget --app Terminal\n"
-      "  Tessum forget --title \"secret project\" --yes");
-  command->callback([&host, options] { forget(host, *options); });
+      "  Tessum forget --title \"secret project\" --yes\n"
+      "  Tessum forget --hidden");
+  command->callback([&host, options] {
+    if (options->isOfHidden) return forgetHidden(host, options->isSure);
+    forget(host, *options);
+  });
 }
 
 }  // namespace tessum

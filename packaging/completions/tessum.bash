@@ -26,7 +26,7 @@ _tessum() {
           update) words='--download --help' ;;
           doctor) words='--close-open --help' ;;
           export) words='--from --to --format --help' ;;
-          forget) words='--from --to --app --title --yes --help' ;;
+          forget) words='--from --to --app --title --hidden --yes --help' ;;
           pause) words='until 30m 1h --help' ;;
           settings) words='edit check try --help' ;;
           backup) compopt -o default ;;

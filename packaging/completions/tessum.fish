@@ -37,6 +37,7 @@ end
 __tessum_add export -l format -x -a 'csv json' -d 'The format'
 __tessum_add forget -l app -x -d 'Sessions of this application'
 __tessum_add forget -l title -x -d 'Sessions with this in the title'
+__tessum_add forget -l hidden -d 'What the settings hide'
 __tessum_add forget -l yes -d 'Do not ask'
 __tessum_add backup -F
 __tessum_add pause -a 'until 30m 1h'

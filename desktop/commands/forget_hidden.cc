@@ -1,0 +1,80 @@
+#include "desktop/commands/forget_hidden.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/store/history.h"
+#include "desktop/commands/standard_output.h"
+#include "desktop/settings/hidden_sessions.h"
+#include "desktop/settings/settings_file.h"
+
+namespace tessum {
+namespace {
+
+std::vector<Replacement> replacementsIn(History& history, const std::vector<HideRule>& rules) {
+  std::vector<Replacement> replacements;
+  history.visitSessions(kAllTimes, [&](const Activity& session) {
+    auto left = leftOf(session, rules);
+    const bool isWhole = left.size() == 1 && left.front() == session;
+    if (!isWhole) replacements.push_back({session, std::move(left)});
+  });
+  return replacements;
+}
+
+bool isCut(const Replacement& replacement) {
+  const auto& [session, by] = replacement;
+  return !by.empty() && (by.size() > 1 || by.front().startTime != session.startTime ||
+                         by.front().endTime != session.endTime);
+}
+
+bool losesTitle(const Replacement& replacement) {
+  const auto& [session, by] = replacement;
+  return std::any_of(by.begin(), by.end(),
+                     [&](const Activity& piece) { return piece.title != session.title; });
+}
+
+// "3 sessions", or an empty text for none.
+std::string counted(std::int64_t count) {
+  return count == 0 ? "" : std::to_string(count) + (count == 1 ? " session" : " sessions");
+}
+
+void addPart(std::string& text, const std::string& verb, const std::string& sessions) {
+  if (sessions.empty()) return;
+  text += (text.empty() ? "" : ", ") + verb + " " + sessions;
+}
+
+// What is about to happen, as the rest of a sentence.
+std::string description(const std::vector<Replacement>& replacements) {
+  const auto count = [&](const auto& isMeant) {
+    return counted(std::count_if(replacements.begin(), replacements.end(), isMeant));
+  };
+  std::string text;
+  addPart(text, "deletes", count([](const Replacement& each) { return each.by.empty(); }));
+  addPart(text, "deletes the title of", count(losesTitle));
+  addPart(text, "cuts a schedule's time out of", count(isCut));
+  return text;
+}
+
+}  // namespace
+
+void forgetHidden(Host& host, bool isSure) {
+  const Settings settings = loadSettings(host.locations, host.files);
+  History history(historyPath(host.locations), History::Access::write);
+  const auto replacements = replacementsIn(history, settings.rules.hide);
+  if (replacements.empty()) {
+    print("The history holds nothing that the settings hide.\n");
+    return;
+  }
+  print("This " + description(replacements) + ".\n");
+  if (!isSure && !askYesOrNo("It cannot be undone. Delete?")) {
+    print("Nothing was deleted.\n");
+    host.status = kFailure;
+    return;
+  }
+  history.replace(replacements);
+  print("Deleted.\n");
+}
+
+}  // namespace tessum
