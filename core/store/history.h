@@ -142,8 +142,8 @@ class History {
   // Deletes what `selected` found for `selection`, in one step. The bytes are overwritten.
   void forget(const Selection& selection, const Selected& selected);
 
-  // Makes all `replacements` in one step. The first in a session's place has its row id, and the end
-  // that the row has got since it was read. The bytes are overwritten.
+  // Makes all `replacements` in one step. The first in a session's place has its row id, and the
+  // end that the row has got since it was read. The bytes are overwritten.
   void replace(const std::vector<Replacement>& replacements);
 
  private:

@@ -29,8 +29,8 @@ class Away {
   Away(const Away&) = delete;
   Away& operator=(const Away&) = delete;
 
-  // Without input for `seconds` the user is away from now on; absent means never. Who is away without
-  // input by the limit before is back, until the next noteIdle().
+  // Without input for `seconds` the user is away from now on; absent means never. Who is away
+  // without input by the limit before is back, until the next noteIdle().
   void setLimit(std::optional<double> seconds);
 
   void noteIdle(Moment lastInput);

@@ -225,7 +225,7 @@ TEST_F(OpenSessions, OfARunningRecorderAreNotTouched) {
 
 TEST_F(OpenSessions, EndWhereTheirRecorderWasLastKnownToLive) {
   const std::string lock = user.dataFolder() + "/recorder.lock";
-  { const RecorderLock recorder(user); }
+  { const RecorderLock recorder(user, {.since = at("2025-03-04T12:30:00Z")}); }
   const double lastSign = at("2025-03-04T13:42:30Z").secondsSince1970;
   const std::array<timespec, 2> times{timespec{static_cast<time_t>(lastSign), 0},
                                       timespec{static_cast<time_t>(lastSign), 0}};

@@ -1,0 +1,105 @@
+// `Tessum record` beside a person who goes away and comes back: input by XTEST, the lock and the
+// computer's sleep by a logind of the test's own.
+
+#include <gtest/gtest.h>
+
+#include "tests/desktop/recording/recorder.h"
+#include "tests/support/environment.h"
+#include "tests/support/fake_logind_linux.h"
+#include "tests/support/x11_desktop.h"
+
+namespace tessum {
+namespace {
+
+using Rows = Recorder::Rows;
+
+class AwayRecording : public testing::Test {
+ protected:
+  void SetUp() override {
+    system_.start();
+    session_.start();
+    logind_.emplace(loop_, system_.address());
+    desktop_.startWindowManager();
+    desktop_.addWindow("App");
+    recorder_ = desktop_.start(TESSUM_PROGRAM, {"record", "--no-update-check", "--away-after", "2s",
+                                                "--titles", "last"});
+    ASSERT_TRUE(runUntil(loop_, [&] { return logind_->heldInhibitors() == 1; }));
+  }
+
+  // Somebody touches the computer.
+  void touch() { desktop_.run("xdotool", {"mousemove_relative", "--", "1", "1"}); }
+
+  // The sessions, each as "closed" or "open".
+  [[nodiscard]] Rows sessions() const {
+    try {
+      return Sql(path()).rows(
+          "SELECT CASE WHEN end_time IS NULL THEN 'open' WHEN end_time >= start_time THEN 'closed' "
+          "ELSE 'crossed' END FROM activities ORDER BY id");
+    } catch (const std::runtime_error&) {
+      return {};  // it is being written
+    }
+  }
+  [[nodiscard]] bool comesTo(const Rows& rows) {
+    return runUntil(loop_, [&] { return sessions() == rows; });
+  }
+
+  // Seconds between the end of session `id` and `moment`.
+  [[nodiscard]] double endedBefore(int id, double moment) const {
+    return moment - std::stod(Sql(path()).row("SELECT end_time FROM activities WHERE id = " +
+                                              std::to_string(id)));
+  }
+
+  [[nodiscard]] std::string path() const { return desktop_.dataFolder() + "/activities.db"; }
+  static double now() { return SystemClock().now().secondsSince1970; }
+
+  SystemMainLoop loop_;
+  PrivateBus system_;
+  PrivateBus session_;
+  const ScopedVariable systemAddress_{"DBUS_SYSTEM_BUS_ADDRESS", system_.address().c_str()};
+  const ScopedVariable sessionAddress_{"DBUS_SESSION_BUS_ADDRESS", session_.address().c_str()};
+  std::optional<FakeLogind> logind_;
+  Desktop desktop_;
+  std::unique_ptr<ChildProcess> recorder_;
+};
+
+TEST_F(AwayRecording, WithoutInputEndsAtTheLastAndBeginsWithTheNext) {
+  touch();
+  const double lastInput = now();
+  ASSERT_TRUE(comesTo({"closed"}));
+  EXPECT_GE(now() - lastInput, 1.9) << "two seconds have to go by";
+  EXPECT_NEAR(endedBefore(1, lastInput), 0, 0.5);
+  touch();
+  EXPECT_TRUE(comesTo({"closed", "open"}));
+}
+
+TEST_F(AwayRecording, ALockEndsAtOnceAndInputDoesNotUnlock) {
+  const double locked = now();
+  logind_->changeSession("LockedHint", true);
+  ASSERT_TRUE(comesTo({"closed"}));
+  EXPECT_NEAR(endedBefore(1, locked), 0, 0.5);
+  touch();
+  logind_->emitFromSession("Unlock");
+  logind_->changeSession("LockedHint", false);
+  EXPECT_TRUE(comesTo({"closed", "open"}));
+}
+
+TEST_F(AwayRecording, TheEndIsWrittenBeforeTheComputerSleeps) {
+  ASSERT_TRUE(comesTo({"open"}));
+  logind_->prepare("PrepareForSleep", true);
+  ASSERT_TRUE(runUntil(loop_, [&] { return logind_->heldInhibitors() == 0; }));
+  EXPECT_EQ(sessions(), Rows{"closed"}) << "now it may sleep";
+  logind_->prepare("PrepareForSleep", false);
+  touch();
+  EXPECT_TRUE(comesTo({"closed", "open"}));
+}
+
+TEST_F(AwayRecording, TheEndOfTheLoginSessionEndsTheRecorder) {
+  ASSERT_TRUE(comesTo({"open"}));
+  logind_->emitOfSession("SessionRemoved", FakeLogind::kSession, FakeLogind::kSessionPath);
+  ASSERT_TRUE(comesTo({"closed"}));
+  EXPECT_EQ(recorder_->wait(), kSuccess);
+  EXPECT_EQ(recorder_->errors(), "");
+}
+
+}  // namespace
+}  // namespace tessum
