@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/platform/clock.h"
 #include "tests/desktop/recording/recorder.h"
 #include "tests/support/environment.h"
 #include "tests/support/fake_logind_linux.h"
