@@ -1,14 +1,30 @@
 #include "desktop/commands/commands.h"
 
 #include <CLI/CLI.hpp>
-#include <map>
 #include <memory>
 #include <string>
 
-#include "desktop/commands/arguments.h"
 #include "desktop/recording/recorder.h"
 
 namespace tessum {
+namespace {
+
+// Of the texts of the options, which are empty where they are not given.
+RecordingOptions recordingOptions(const std::string& awayAfter, const std::string& titles) {
+  RecordingOptions options;
+  if (!awayAfter.empty()) options.awayAfter = parseAwayAfter(awayAfter);
+  if (!awayAfter.empty() && !options.awayAfter) {
+    throw CLI::ValidationError("unknown duration \"" + awayAfter +
+                               "\"; write it as 30s, 5m or 1h30m, up to 24h, or never");
+  }
+  if (!titles.empty()) options.titles = parseTitles(titles);
+  if (!titles.empty() && !options.titles) {
+    throw CLI::ValidationError("unknown titles \"" + titles + "\"; say each, last or none");
+  }
+  return options;
+}
+
+}  // namespace
 
 void addRecordCommand(CLI::App& app, Host& host) {
   auto* command = app.add_subcommand("record", "Record which application is in front");
@@ -19,21 +35,19 @@ void addRecordCommand(CLI::App& app, Host& host) {
   command->add_flag("--http", *servesHTTP,
                     "also answer assistants over HTTP on port 7384: without a password, on every "
                     "network this computer is in, and to any web page that you open");
-  const auto awayAfter = std::make_shared<std::string>("5m");
+  const auto awayAfter = std::make_shared<std::string>();
   command
-      ->add_option("--away-after", *awayAfter,
-                   "how long nothing is touched before you are away: 5m, 30s, or never")
-      ->type_name("TIME")
-      ->capture_default_str();
-  const auto titles = std::make_shared<Titles>(Titles::each);
-  const std::map<std::string, Titles> names{
-      {"each", Titles::each}, {"last", Titles::last}, {"none", Titles::none}};
+      ->add_option(
+          "--away-after", *awayAfter,
+          "how long nothing is touched before you are away: 30s, 5m or never; usually what "
+          "the settings say")
+      ->type_name("TIME");
+  const auto titles = std::make_shared<std::string>();
   command
       ->add_option("--titles", *titles,
                    "a session for each title, for each application with its last title, or none at "
-                   "all: each, last or none")
-      ->type_name("WHICH")
-      ->transform(CLI::CheckedTransformer(names).description(""));
+                   "all: each, last or none; usually what the settings say")
+      ->type_name("WHICH");
   command->footer(
       "Examples:\n"
       "  Tessum record\n"
@@ -41,9 +55,7 @@ void addRecordCommand(CLI::App& app, Host& host) {
       "  Tessum record --no-update-check\n"
       "  Tessum record --http");
   command->callback([=, &host] {
-    RecordingSettings settings{.awayAfter = std::nullopt, .titles = *titles};
-    if (*awayAfter != "never") settings.awayAfter = durationArgument(*awayAfter);
-    Recorder recorder(host, settings);
+    Recorder recorder(host, recordingOptions(*awayAfter, *titles));
     if (*servesHTTP) recorder.serveHTTP(host);
     if (!*leavesUpdatesAlone) recorder.watchForReleases();
     host.status = recorder.run();

@@ -33,7 +33,7 @@ void FrontFilter::obey(std::vector<HideRule> rules) {
 FrontFilter::Passed FrontFilter::pass(const std::optional<Front>& front) {
   const Date now = wall_.now();
   waitForEdge(now);
-  if (isPaused(now)) return {std::nullopt, Kept::nothing};
+  if (isPausedAt(now)) return {std::nullopt, Kept::nothing};
   if (!front) return {std::nullopt, Kept::all};
   const Kept kept = judge(rules_, windowOf(*front), wallTime(now)).kept;
   if (kept == Kept::nothing) return {std::nullopt, kept};
@@ -42,7 +42,7 @@ FrontFilter::Passed FrontFilter::pass(const std::optional<Front>& front) {
   return passed;
 }
 
-bool FrontFilter::isPaused(Date now) const {
+bool FrontFilter::isPausedAt(Date now) const {
   return pause_ && (!pause_->until || secondsBetween(now, *pause_->until) > 0);
 }
 
@@ -50,7 +50,7 @@ void FrontFilter::waitForEdge(Date now) {
   if (timer_) loop_.invalidateTimer(*timer_);
   timer_.reset();
   auto edge = nextEdge(rules_, now);
-  if (isPaused(now) && pause_->until && (!edge || secondsBetween(*pause_->until, *edge) > 0)) {
+  if (isPausedAt(now) && pause_->until && (!edge || secondsBetween(*pause_->until, *edge) > 0)) {
     edge = pause_->until;
   }
   if (!edge) return;

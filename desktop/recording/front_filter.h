@@ -28,6 +28,8 @@ class FrontFilter {
   void obey(std::vector<HideRule> rules);
   void pause(const std::optional<Pause>& pause) { pause_ = pause; }
 
+  [[nodiscard]] bool isPaused() const { return isPausedAt(wall_.now()); }
+
   struct Passed {
     std::optional<Front> front;
     Kept kept;  // how much of what was there
@@ -37,7 +39,7 @@ class FrontFilter {
   [[nodiscard]] Passed pass(const std::optional<Front>& front);
 
  private:
-  [[nodiscard]] bool isPaused(Date now) const;
+  [[nodiscard]] bool isPausedAt(Date now) const;
   void waitForEdge(Date now);
 
   const Clock& wall_;

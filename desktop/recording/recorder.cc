@@ -17,6 +17,7 @@
 #include "core/store/history.h"
 #include "desktop/recording/left_open.h"
 #include "desktop/reports/wall_clock.h"
+#include "desktop/settings/settings_file.h"
 #include "desktop/update/update_dialogue.h"
 
 namespace tessum {
@@ -88,10 +89,26 @@ std::string preparedDatabase(const Host& host, const RecorderState& before) {
   }
 }
 
+// What keeps the user from being away, as far as the settings let it be said: a reason may be the
+// name of a film.
+std::vector<std::string> sayable(const std::vector<AwakeReason>& reasons,
+                                 const std::vector<HideRule>& rules, Date now) {
+  std::vector<std::string> texts;
+  for (const auto& [who, why] : reasons) {
+    const Window window{.app = who, .identifier = std::nullopt, .title = why};
+    const Kept kept = judge(rules, window, wallTime(now)).kept;
+    const bool saysWhy = kept == Kept::all && !why.empty();
+    texts.push_back(kept == Kept::nothing ? "another program" : who + (saysWhy ? ": " + why : ""));
+  }
+  return texts;
+}
+
 }  // namespace
 
-Recorder::Recorder(const Host& host, const RecordingSettings& settings)
+Recorder::Recorder(const Host& host, const RecordingOptions& options)
     : host_(host),
+      options_(options),
+      settings_(recordingSettings(loadSettings(host.locations, host.files), options)),
       folder_(preparedFolder(host)),
       before_(recorderState(host.locations)),
       lock_(lockOf(host)),
@@ -99,10 +116,9 @@ Recorder::Recorder(const Host& host, const RecordingSettings& settings)
       database_(preparedDatabase(host, before_)),
       queue_("com.tessum.history"),
       journal_(std::make_shared<SessionJournal>(database_, loop_, queue_, say)),
-      recording_(journal_, host.clock, steady_, loop_, settings, [this] { publishState(); }),
+      recording_(journal_, host.clock, steady_, loop_, settings_, [this] { publishState(); }),
       desktop_(openDesktopSources(loop_, steady_, [this](const auto& notice) { handle(notice); })),
-      presence_(openSystemPresence(loop_, steady_)),
-      awayAfter_(settings.awayAfter) {
+      presence_(openSystemPresence(loop_, steady_)) {
   state_.since = host.clock.now();
   state_.way = desktop_.front->way();
   publishState();
@@ -123,6 +139,8 @@ void Recorder::serveHTTP(const Host& host) {
 
 int Recorder::run() {
   surviveBrokenPipes();
+  followSettings();
+  watchInput();
   watchPresence();
   desktop_.front->start(
       [this](const std::optional<Front>& front, Moment since) { recording_.show(front, since); });
@@ -137,12 +155,39 @@ int Recorder::run() {
   return status_;
 }
 
+void Recorder::watchInput() {
+  if (!desktop_.idle || !settings_.awayAfter) return;
+  desktop_.idle->watch(
+      *settings_.awayAfter,
+      {.onIdle = [this](Moment lastInput) { recording_.away().noteIdle(lastInput); },
+       .onActive = [this](Moment input) { recording_.away().noteInput(input); }});
+}
+
+void Recorder::followSettings() {
+  follower_.emplace(host_, loop_,
+                    SettingsFollower::Handlers{
+                        .onSettings = [this](const Settings& settings) { obey(settings); },
+                        .onPause = [this](const std::optional<Pause>& pause) { obey(pause); },
+                        .say = say});
+}
+
+void Recorder::obey(const Settings& settings) {
+  const auto awayAfter = settings_.awayAfter;
+  settings_ = recordingSettings(settings, options_);
+  recording_.obey(settings_);
+  if (settings_.awayAfter != awayAfter) watchInput();
+  publishState();
+}
+
+void Recorder::obey(const std::optional<Pause>& pause) {
+  recording_.pause(pause);
+  publishState();
+  if (pause) sayToPerson("Recording is paused " + pauseText(*pause, host_.clock.now()) + ".");
+  if (!pause && saysPause_) sayToPerson("Recording goes on.");
+  saysPause_ = pause.has_value();
+}
+
 void Recorder::watchPresence() {
-  if (desktop_.idle && awayAfter_) {
-    desktop_.idle->watch(
-        *awayAfter_, {.onIdle = [this](Moment lastInput) { recording_.away().noteIdle(lastInput); },
-                      .onActive = [this](Moment input) { recording_.away().noteInput(input); }});
-  }
   presence_->watch(
       {.onLock = [this](bool isLocked, Moment when) { recording_.away().noteLock(isLocked, when); },
        .onSleep =
@@ -158,10 +203,7 @@ void Recorder::watchPresence() {
        .onWake = [this](Moment when) { recording_.noteWakeUp(when); },
        .onKeptAwake =
            [this](const std::vector<AwakeReason>& reasons, Moment when) {
-             state_.awake.clear();
-             for (const AwakeReason& reason : reasons) {
-               state_.awake.push_back(reason.who + (reason.why.empty() ? "" : ": " + reason.why));
-             }
+             awake_ = reasons;
              recording_.away().noteKeptAwake(!reasons.empty(), when);
              publishState();
            }});
@@ -182,6 +224,8 @@ void Recorder::handle(const WorkspaceNotice& notice) {
 
 void Recorder::publishState() {
   state_.awaySince = recording_.awaySince();
+  state_.awake.clear();
+  if (!recording_.isPaused()) state_.awake = sayable(awake_, settings_.hide, host_.clock.now());
   lastTouch_ = steady_.now();
   queue_.post([lock = lock_, text = stateText(state_)] { lock->write(text); });
 }

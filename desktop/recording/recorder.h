@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/loop/serial_queue.h"
 #include "core/loop/system_main_loop.h"
@@ -16,7 +17,9 @@
 #include "desktop/recording/http_endpoint.h"
 #include "desktop/recording/recorder_state.h"
 #include "desktop/recording/recording.h"
+#include "desktop/recording/recording_options.h"
 #include "desktop/recording/session_journal.h"
+#include "desktop/recording/settings_follower.h"
 #include "desktop/update/updater.h"
 
 namespace tessum {
@@ -24,10 +27,11 @@ namespace tessum {
 // The parts of the program, in the order in which they need each other. Main thread only.
 class Recorder {
  public:
-  // Creates the data folder and the database where they are missing, and ends the sessions that a
-  // recorder before could not end. Throws std::system_error, std::runtime_error when another
-  // recorder uses the data folder, WorkspaceUnavailable and DatabaseError.
-  Recorder(const Host& host, const RecordingSettings& settings);
+  // Reads the settings, which yield to `options`. Creates the data folder and the database where
+  // they are missing, and ends the sessions that a recorder before could not end. Throws
+  // std::system_error, std::runtime_error when another recorder uses the data folder,
+  // SettingsError, WorkspaceUnavailable and DatabaseError.
+  Recorder(const Host& host, const RecordingOptions& options);
 
   // Looks for a newer version, now and every six hours while it records, and says in one line when
   // one appears.
@@ -43,12 +47,18 @@ class Recorder {
 
  private:
   void handle(const WorkspaceNotice& notice);
+  void watchInput();
   void watchPresence();
+  void followSettings();
+  void obey(const Settings& settings);
+  void obey(const std::optional<Pause>& pause);
   void tick();
   void publishState();
   void touchLock();
 
   const Host& host_;
+  const RecordingOptions options_;
+  RecordingSettings settings_;
   const std::string folder_;
   const RecorderState before_;            // what the last recorder said of itself
   const std::shared_ptr<FileLock> lock_;  // shared with the queue, which writes to its file
@@ -61,7 +71,9 @@ class Recorder {
   Recording recording_;
   DesktopSources desktop_;
   std::unique_ptr<PresenceSource> presence_;
-  const std::optional<double> awayAfter_;
+  std::optional<SettingsFollower> follower_;
+  bool saysPause_ = false;  // what was said last of pauses
+  std::vector<AwakeReason> awake_;
   RecorderState state_;
   Moment lastTouch_;
   PresenceHandlers::Delay delay_;  // of the end of the login session, until all is written

@@ -12,13 +12,17 @@ constexpr double kShortestSleep = 1;  // seconds
 
 Recording::Recording(std::shared_ptr<SessionWriter> sessions, const Clock& wall,
                      const SteadyClock& steady, MainLoop& loop, const RecordingSettings& settings,
-                     std::function<void()> onAwayChanged)
+                     std::function<void()> onChange)
     : steady_(steady),
       timeline_(wall, steady),
       feed_(std::move(sessions)),
       sessions_(feed_, timeline_, loop, settings.titles),
-      filter_(wall, loop, [this] { update(steady_.now()); }),
-      onAwayChanged_(std::move(onAwayChanged)),
+      filter_(wall, loop,
+              [this] {
+                update(steady_.now());
+                onChange_();
+              }),
+      onChange_(std::move(onChange)),
       away_(loop, steady, settings.awayAfter,
             {.onAway = [this](Moment since) { leave(since); },
              .onBack = [this](Moment when) { comeBack(when); }}),
@@ -58,14 +62,14 @@ void Recording::leave(Moment since) {
   followClock();
   awaySince_ = timeline_.dateOf(since);
   sessions_.show(std::nullopt, since);
-  onAwayChanged_();
+  onChange_();
 }
 
 void Recording::comeBack(Moment when) {
   followClock();
   awaySince_.reset();
   update(when);
-  onAwayChanged_();
+  onChange_();
 }
 
 void Recording::noteSleep(Moment when) {

@@ -29,10 +29,10 @@ class Recording {
   // How often tick() is to be called, in seconds.
   static constexpr double kTickSeconds = 5;
 
-  // `onAwayChanged` is called whenever awaySince() has changed. All but `settings` must outlive the
-  // object.
+  // `onChange` is called whenever awaySince() has changed, and when a schedule of the settings or
+  // the pause may have begun or ended by itself. All but `settings` must outlive the object.
   Recording(std::shared_ptr<SessionWriter> sessions, const Clock& wall, const SteadyClock& steady,
-            MainLoop& loop, const RecordingSettings& settings, std::function<void()> onAwayChanged);
+            MainLoop& loop, const RecordingSettings& settings, std::function<void()> onChange);
   Recording(const Recording&) = delete;
   Recording& operator=(const Recording&) = delete;
 
@@ -41,6 +41,8 @@ class Recording {
 
   // Begins or, where it is absent, ends a pause. It also ends by itself.
   void pause(const std::optional<Pause>& pause);
+
+  [[nodiscard]] bool isPaused() const { return filter_.isPaused(); }
 
   // What is in front, and since when.
   void show(const std::optional<Front>& front, Moment since);
@@ -72,7 +74,7 @@ class Recording {
   MonitorFeed feed_;
   FrontSessions sessions_;
   FrontFilter filter_;
-  const std::function<void()> onAwayChanged_;
+  const std::function<void()> onChange_;
   Away away_;
   std::optional<Front> front_;
   Kept kept_ = Kept::all;  // of what is in front

@@ -48,7 +48,8 @@ void SettingsFollower::readSettings() {
   } catch (const SettingsError& error) {
     if (lastComplaint_ == error.what()) return;
     lastComplaint_ = error.what();
-    handlers_.say(lastComplaint_ + ". The settings before it stay in force.");
+    handlers_.say(lastComplaint_);
+    handlers_.say("The settings from before stay in force.");
   }
 }
 

@@ -27,7 +27,7 @@ int lineOf(const toml::node& node) {
   return static_cast<int>(node.source().begin.line);
 }
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
   constexpr std::size_t kColumns = 40;
   return "\"" + shortened(printable(validUtf8(text)), kColumns) + "\"";
 }
@@ -49,7 +49,7 @@ void readTable(const toml::table& table, const std::vector<Key>& keys) {
     }
     std::vector<std::string_view> known;
     for (const Key& key : keys) known.push_back(key.name);
-    fail(name.source().begin, "unknown key " + quoted(wanted) + suggestion(wanted, known));
+    fail(name.source().begin, "unknown key " + inQuotes(wanted) + suggestion(wanted, known));
   }
 }
 
@@ -84,7 +84,7 @@ Pattern patternOf(const toml::node& node) {
 
 Hours hoursOf(const toml::node& node) {
   const auto hours = parseHours(textOf(node));
-  if (!hours) fail(node, "unknown hours " + quoted(textOf(node)) + "; write them as 18:00-08:00");
+  if (!hours) fail(node, "unknown hours " + inQuotes(textOf(node)) + "; write them as 18:00-08:00");
   return *hours;
 }
 
@@ -97,7 +97,7 @@ Weekdays daysOf(const toml::node& node) {
   for (const toml::node& name : *names) {
     const auto day = parseWeekday(textOf(name));
     if (!day) {
-      fail(name, "unknown day " + quoted(textOf(name)) +
+      fail(name, "unknown day " + inQuotes(textOf(name)) +
                      "; the days are mon, tue, wed, thu, fri, sat and sun");
     }
     days.set(*day);
@@ -107,7 +107,7 @@ Weekdays daysOf(const toml::node& node) {
 
 Kept keptOf(const toml::node& node) {
   const std::string& text = textOf(node);
-  if (text != "app") fail(node, "only \"app\" can be kept, not " + quoted(text));
+  if (text != "app") fail(node, "only \"app\" can be kept, not " + inQuotes(text));
   return Kept::app;
 }
 
@@ -147,7 +147,7 @@ void readRecord(const toml::table& table, Settings& settings) {
                      [&](const toml::node& node) {
                        const auto value = parseAwayAfter(textOf(node));
                        if (!value) {
-                         fail(node, "unknown duration " + quoted(textOf(node)) +
+                         fail(node, "unknown duration " + inQuotes(textOf(node)) +
                                         "; write it as 30s, 5m or 1h30m, up to 24h, or never");
                        }
                        settings.awayAfter = {*value, lineOf(node)};
@@ -156,7 +156,7 @@ void readRecord(const toml::table& table, Settings& settings) {
                        const std::string& text = textOf(node);
                        const auto value = parseTitles(text);
                        if (!value) {
-                         fail(node, "unknown value " + quoted(text) + " of titles" +
+                         fail(node, "unknown value " + inQuotes(text) + " of titles" +
                                         suggestion(text, {"each", "last", "none"}));
                        }
                        settings.titles = {*value, lineOf(node)};
