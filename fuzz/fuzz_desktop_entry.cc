@@ -1,4 +1,4 @@
-// A desktop entry behind a line with the user's locale: what is read of it is a name in UTF-8.
+// The user's locale in the first line, then a desktop entry: the names read from it are UTF-8.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,5 @@
-// A URL and, behind a line feed, a Content-Disposition header: the name is always a plain one.
+// A URL and, after a line feed, a Content-Disposition header: the result is always a plain file
+// name.
 
 #include <cstddef>
 #include <cstdint>
@@ -17,11 +18,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (url.size() < text.size()) header = text.substr(url.size() + 1);
 
   const std::string name = tessum::suggestedFileName(url, header);
-  TESSUM_CHECK(!name.empty() && name.size() <= 255 && name.front() != '.', "no plain name");
-  TESSUM_CHECK(tessum::validUtf8(name) == name, "no valid UTF-8");
+  TESSUM_CHECK(!name.empty() && name.size() <= 255 && name.front() != '.', "not a plain file name");
+  TESSUM_CHECK(tessum::validUtf8(name) == name, "not valid UTF-8");
   for (const char c : name) {
     const auto byte = static_cast<unsigned char>(c);
-    TESSUM_CHECK(byte >= 0x20 && byte != 0x7F && c != '/', "a name with a separator or control");
+    TESSUM_CHECK(byte >= 0x20 && byte != 0x7F && c != '/',
+                 "a separator or control character in a name");
   }
   return 0;
 }

@@ -1,4 +1,4 @@
-// The engine over a small store: a message gets the one answer it is owed, or none.
+// The engine over a small store: a request gets one answer, a notification none.
 
 #include <cstddef>
 #include <cstdint>
@@ -35,8 +35,9 @@ void checkAnswer(const std::string& answer, const std::optional<JSONRPCRequest>&
   TESSUM_CHECK(answer.find('\n') == std::string::npos, "an answer of more than one line");
   const json::Value value = json::parse(answer);
   const auto& members = *value.object();
-  TESSUM_CHECK(members.at("jsonrpc") == json::Value("2.0"), "an answer of another protocol");
-  TESSUM_CHECK(members.contains("result") != members.contains("error"), "not one outcome");
+  TESSUM_CHECK(members.at("jsonrpc") == json::Value("2.0"), "an answer in another protocol");
+  TESSUM_CHECK(members.contains("result") != members.contains("error"),
+               "both a result and an error, or neither");
   if (!request) {
     TESSUM_CHECK(members.size() == 2, "a parse error with an id");
     TESSUM_CHECK(members.at("error").object()->at("code") == json::Value(-32700), answer);
@@ -60,10 +61,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const SystemCalendar calendar;
   const FakeClock clock(kNow);
-  // Only what decodes comes near the store.
+  // Only a message that decodes reaches the store.
   MCPServer server(request ? makeSmallStore(calendar) : nullptr, 0, clock, calendar);
   const auto answer = server.handleBody(message.view());
-  TESSUM_CHECK(answer.has_value() == (!request || request->id), "owed another number of answers");
+  TESSUM_CHECK(answer.has_value() == (!request || request->id), "an answer too many or too few");
   if (answer) checkAnswer(*answer, request);
   return 0;
 }

@@ -1,5 +1,5 @@
 // Arbitrary bytes as an assistant's configuration file: registering and removing Tessum leaves
-// everything else in it alone, judged by a reader that is not the core's.
+// everything else in it alone. An independent JSON reader is the judge.
 
 #include <cstddef>
 #include <cstdint>
@@ -99,7 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(tessum::plain_json::read(file.read(kPath)) ==
           expected(before, [](auto& servers) { servers.erase("tessum"); }));
 
-  // Without an installation before it, what is no object is left alone.
+  // Without an earlier installation, a file that holds no object is left alone.
   const OneFile untouched(bytes);
   const tessum::MCPInstaller other("http://localhost:7384/mcp", untouched, locations);
   other.uninstallFromPath(kPath);

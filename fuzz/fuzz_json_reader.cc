@@ -1,4 +1,4 @@
-// The JSON reader: what it accepts it reads alike in all its ways, and writing loses nothing.
+// The JSON reader: both ways of reading agree, and writing loses nothing.
 
 #include <cstddef>
 #include <cstdint>
@@ -26,7 +26,7 @@ std::optional<json::Value::Object> visited(json::PaddedView text) {
     json::forEachMember(text, [&](const json::Member& member) {
       const json::Value value = json::parse(member.source);
       TESSUM_CHECK(member.text.has_value() == (value.text() != nullptr),
-                   "a member is a text in one way of reading only");
+                   "a member is a text in only one way of reading");
       if (member.text) TESSUM_CHECK(*member.text == *value.text(), "a text is decoded in two ways");
       members.insert_or_assign(std::string(member.key), value);
     });
@@ -46,7 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto value = parsed(text.view());
   const auto members = visited(text.view());
   const auto* object = value ? value->object() : nullptr;
-  TESSUM_CHECK((object != nullptr) == members.has_value(), "an object is accepted only one way");
+  TESSUM_CHECK((object != nullptr) == members.has_value(),
+               "only one way of reading accepts an object");
   if (!value) return 0;
   if (object != nullptr) TESSUM_CHECK(*object == *members, "an object is read in two ways");
 

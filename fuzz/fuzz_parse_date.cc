@@ -1,4 +1,4 @@
-// A date in one of five zones: what reads as one is the beginning of its day.
+// A date in one of five zones: what is read is the beginning of its day.
 
 #include <stdlib.h>
 
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const DayRange day = calendar.dayOf(*date);
   const double length = secondsBetween(day.start, day.end);
   TESSUM_CHECK(length > 0, "a day ends before it starts");
-  TESSUM_CHECK(calendar.dayOf(movedBy(day.end, -1)) == day, "a day's last second is not of it");
+  TESSUM_CHECK(calendar.dayOf(movedBy(day.end, -1)) == day, "a day lacks its last second");
   if (date->secondsSince1970 < kStartOf1900) return 0;
   // A skipped date reads as the beginning of the date that took its place.
   TESSUM_CHECK(day.start == *date, "a date is not the beginning of its day");

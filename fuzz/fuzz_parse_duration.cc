@@ -1,5 +1,5 @@
-// A duration: absent, or positive; and an annotation backdated by it starts at a moment whose
-// text can be written.
+// A duration is absent or positive, and an annotation backdated by it starts at a moment that has a
+// time stamp.
 
 #include <cstddef>
 #include <cstdint>

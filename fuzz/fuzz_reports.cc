@@ -1,4 +1,4 @@
-// The reports from columns of any bytes and times: valid UTF-8, with all its records.
+// Reports on rows of any bytes and times: valid UTF-8, with all records.
 
 #include <cmath>
 #include <cstddef>

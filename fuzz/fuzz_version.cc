@@ -1,5 +1,5 @@
-// Two versions with a line feed between them: neither is newer than itself, and not each than the
-// other.
+// Two versions, separated by a line feed: neither is newer than itself, and at most one is newer
+// than the other.
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view a = text.substr(0, text.find('\n'));
   const std::string_view b = a.size() < text.size() ? text.substr(a.size() + 1) : a;
   TESSUM_CHECK(!tessum::isNewer(a, a) && !tessum::isNewer(b, b), "newer than itself");
-  TESSUM_CHECK(!(tessum::isNewer(a, b) && tessum::isNewer(b, a)), "each newer than the other");
+  TESSUM_CHECK(!(tessum::isNewer(a, b) && tessum::isNewer(b, a)), "both newer than each other");
   static_cast<void>(tessum::versionOfTag(text));
   return 0;
 }

@@ -26,7 +26,7 @@ class FuzzInput {
 
   [[nodiscard]] bool takeBool() { return takeByte() % 2 != 0; }
 
-  // Any double there is, also those that are not numbers.
+  // Any double, infinities and NaN included.
   [[nodiscard]] double takeDouble() {
     double value = 0;
     const auto bytes = take(sizeof value);

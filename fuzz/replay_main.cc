@@ -1,4 +1,4 @@
-// Runs a fuzz target once over each file of the folders named, where there is no fuzzer to do it.
+// Runs a fuzz target once on each file of the given folders, without a fuzzer.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +16,7 @@ int main(int count, char** arguments) {
     for (const auto& entry : std::filesystem::directory_iterator(arguments[i])) {
       std::ifstream file(entry.path(), std::ios::binary);
       const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-      // The last one named before a failure is the one that failed.
+      // After a failure, the last name printed is the one that failed.
       std::printf("%s\n", entry.path().c_str());
       std::fflush(stdout);
       LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());

@@ -1,5 +1,5 @@
-// A store in memory with a little of everything, made anew for each input so that none depends on
-// those before it.
+// A store in memory with a little of everything, made anew for each input so that the inputs do not
+// affect each other.
 
 #pragma once
 

@@ -20,7 +20,7 @@ json::PaddedView withoutCarriageReturn(json::PaddedView line) {
 }  // namespace
 
 std::optional<json::PaddedView> LineReader::next() {
-  std::size_t searched = 0;  // how much of what is left is known to hold no line feed
+  std::size_t searched = 0;  // how many of the leftover bytes hold no line feed
   for (;;) {
     const json::PaddedView left = leftover();
     const auto lineFeed = left.text().find('\n', searched);
@@ -52,8 +52,8 @@ bool LineReader::readMore() {
   }
 }
 
-// Moves what is left to the front, and doubles the buffer when it is full. Once a long line has
-// been dealt with, its memory is given back.
+// Moves the leftover bytes to the front, and doubles the buffer when it is full. Frees the memory
+// of a long line once it has been used.
 void LineReader::makeRoom() {
   const std::size_t left = end_ - begin_;
   if (begin_ > 0) {

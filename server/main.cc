@@ -1,7 +1,7 @@
 // TessumMCP: the server that an assistant starts and talks to, one message a line.
 //
-// Nothing is caught here: a start that fails, and input or output that breaks, end the process
-// with the error's description on standard error, and never with the status of success.
+// Nothing is caught here: when the start fails, or input or output breaks, the process ends with
+// the error's description on standard error and never with the status of success.
 
 #include <unistd.h>
 

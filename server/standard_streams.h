@@ -4,9 +4,9 @@
 
 namespace tessum {
 
-// Fills each of the descriptors 0 to 2 that is closed, so that no file opened later (the store
-// least of all) gets its number and is read or written as a standard stream. Using a stream that
-// was closed still fails: its stand-in is open the wrong way round.
+// Opens /dev/null for each of the descriptors 0 to 2 that is closed, so that no file opened later,
+// such as the store, gets its number and is used as a standard stream. Using the closed stream
+// still fails, as /dev/null is opened for the other direction.
 void fillClosedStandardStreams();
 
 }  // namespace tessum

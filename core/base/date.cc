@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 
-// Beyond 2^53 a double no longer counts single seconds.
+// Beyond 2^53 a double cannot count single seconds.
 constexpr double kFarthestSecond = 9007199254740992.0;
 
 struct CivilDate {
@@ -20,8 +20,8 @@ struct CivilDate {
   unsigned day;
 };
 
-// The proleptic Gregorian date of a day counted from 1970-01-01. The year is taken to begin in
-// March, so that the leap day comes last and the lengths of the months before it follow a line.
+// The proleptic Gregorian date of a day counted from 1970-01-01. Years begin in March here, so the
+// leap day comes last and a linear formula gives the lengths of the other months.
 CivilDate civilFromDays(std::int64_t days) {
   constexpr std::int64_t kDaysPerEra = 146097;  // 400 years
   constexpr std::int64_t kDaysFromYearZero = 719468;
@@ -37,7 +37,7 @@ CivilDate civilFromDays(std::int64_t days) {
   return {yearOfEra + era * 400 + (month <= 2 ? 1 : 0), month, day};
 }
 
-// The opposite of civilFromDays().
+// The inverse of civilFromDays().
 std::int64_t daysFromCivil(const CivilDate& date) {
   const std::int64_t year = date.year - (date.month <= 2 ? 1 : 0);
   const std::int64_t era = (year >= 0 ? year : year - 399) / 400;

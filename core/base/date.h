@@ -28,9 +28,9 @@ struct Date {
 // The earliest point in time that has a four-digit year: 0001-01-01T00:00:00Z.
 inline constexpr Date kStartOfYearOne{-62135596800.0};
 
-// Appends `date` as UTC text such as 2025-03-04T09:15:00. A fraction is dropped toward the past.
-// Years beyond 9999 take as many digits as they need and years before 0 a minus sign; a date too
-// far away to count in whole seconds, or one that is not a number, becomes the nearest that is.
+// Appends `date` as UTC text such as 2025-03-04T09:15:00. Fractions are rounded down. Years beyond
+// 9999 take as many digits as they need, years before 0 a minus sign. A date too far away to count
+// in whole seconds becomes the farthest one that can be; NaN becomes 1970-01-01T00:00:00.
 void appendTimeStamp(std::string& out, Date date);
 
 // The same text with the letter Z that marks UTC, such as 2025-03-04T09:15:00Z.

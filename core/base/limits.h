@@ -1,4 +1,4 @@
-// Every fixed number of the system that more than one file has to agree on.
+// The fixed numbers that more than one file must agree on.
 
 #pragma once
 
@@ -10,7 +10,7 @@ namespace tessum::limits {
 // TCP port of the HTTP transport; on the stdio path it is only stored.
 inline constexpr std::uint16_t kDefaultPort = 7384;
 
-// Rows of one answer where the caller names no number.
+// The most rows of one answer; the first two where the caller sets no limit.
 inline constexpr std::int64_t kActivitiesPerCall = 100;
 inline constexpr std::int64_t kSearchResultsPerCall = 50;
 inline constexpr std::int64_t kActivitiesPerResource = 200;

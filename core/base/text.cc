@@ -19,8 +19,8 @@ bool isContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-// The first sequence of `bytes`, which begin with a byte that is not ASCII. The second byte's range
-// keeps out overlong forms, surrogates and code points above U+10FFFF.
+// The first sequence of `bytes`, which begin with a byte that is not ASCII. The range of the second
+// byte rules out overlong forms, surrogates and code points above U+10FFFF.
 Sequence firstSequence(std::string_view bytes) {
   const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
   const unsigned char lead = at(0);
@@ -41,7 +41,7 @@ Sequence firstSequence(std::string_view bytes) {
   return {wanted, true};
 }
 
-// How many ASCII bytes `bytes` begins with, looked at eight at a time: nearly all text is ASCII.
+// The number of leading ASCII bytes. Tests eight at a time, as nearly all text is ASCII.
 std::size_t asciiPrefix(std::string_view bytes) {
   constexpr std::uint64_t kHighBits = 0x8080808080808080;
   std::size_t at = 0;

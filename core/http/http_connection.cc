@@ -1,8 +1,8 @@
-// How a connection ends. Closing a socket while the peer's bytes wait in it unread makes the
-// system reset the connection, and a reset destroys what the peer has not read yet: the answer to
-// a peer that sent more than it declared would be lost. So the sending side is closed alone, which
-// tells the peer that the answer is complete, and what still arrives is thrown away until the
-// peer closes too, for a bounded moment.
+// How a connection ends. Closing a socket that holds unread bytes makes the system reset the
+// connection, and a reset destroys what the peer has not read yet: a peer that sent more than it
+// declared would lose its answer. So only the sending side is closed, which tells the peer that the
+// answer is complete. Whatever else arrives is discarded until the peer closes too, for at most a
+// second.
 
 #include "core/http/http_connection.h"
 
@@ -15,7 +15,7 @@
 namespace tessum {
 namespace {
 
-// How long a peer may take to close, and an answer to leave when the server is gone.
+// How long a peer may take to close, and how long an answer may take once the server is gone.
 constexpr auto kLastMoment = std::chrono::seconds(1);
 
 bool wouldBlock(const asio::error_code& error) {
@@ -63,7 +63,7 @@ void HTTPConnection::receive() {
   try {
     take(received.view(0, size));
   } catch (const std::bad_alloc&) {
-    close();  // a message too large for this computer costs its sender the connection, no more
+    close();  // a message that does not fit into memory costs only its sender the connection
   }
 }
 
@@ -82,7 +82,7 @@ void HTTPConnection::take(json::PaddedView received) {
 
 void HTTPConnection::answer(const HTTPRequest& request) {
   isAnswered_ = true;
-  const auto handleBody = service_->handleBody;  // a copy, as the call may end the server
+  const auto handleBody = service_->handleBody;  // a copy, as the call may destroy the server
   HTTPResponse response = respond(request, handleBody);
   pieces_.reset();
   head_ = responseHead(response);
@@ -98,7 +98,7 @@ void HTTPConnection::sendAnswer() {
                       self->head_ = {};
                       self->body_ = {};
                       self->closeAfterLastMoment();
-                      asio::error_code ignored;  // a peer that is gone is met by the next receive
+                      asio::error_code ignored;  // the next receive notices when the peer is gone
                       self->socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
                       self->drain();
                     });

@@ -1,6 +1,6 @@
 // Internal to core/http: includes Asio, so it is not installed and no other folder includes it.
 //
-// One connection: it reads one request, answers it and goes.
+// One connection: it reads one request, answers it and closes.
 
 #pragma once
 
@@ -28,8 +28,8 @@ struct HTTPService {
   // The engine; empty once the server is gone. This is how connections hold it weakly.
   AnswerMessage handleBody;
 
-  // Every receive lands here first: idle connections then need no buffer of their own, and a
-  // request that arrives in one piece is answered from here.
+  // Every receive goes here first, so idle connections need no buffer of their own, and a request
+  // that arrives in one piece is answered from here.
   json::PaddedBuffer received{kReceiveSize};
 
   std::unordered_set<HTTPConnection*> connections;
@@ -45,7 +45,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
 
   void start();
 
-  // Ends a connection that has no complete request; an answer on its way has a bounded moment.
+  // Closes a connection without a complete request; an answer on its way has one more second.
   void serverIsGone();
 
  private:

@@ -11,8 +11,7 @@ namespace {
 
 using asio::ip::tcp;
 
-// How long accepting rests when the system has no descriptor or memory for another connection,
-// instead of asking again and again.
+// How long accepting pauses when the system has no descriptor or memory for another connection.
 constexpr auto kPause = std::chrono::milliseconds(20);
 
 // Asio's own category does not compare equal to std::errc everywhere.
@@ -31,7 +30,7 @@ void openForEveryInterface(tcp::acceptor& acceptor) {
   if (error) throw std::system_error(systemError(error), "Cannot open a socket");
 }
 
-// Programs that this one starts must not keep its sockets open. Asio does not see to it.
+// Keeps the socket from programs that this one starts, which Asio does not.
 template <typename Socket>
 void closeOnExec(Socket& socket) {
   fcntl(socket.native_handle(), F_SETFD, FD_CLOEXEC);

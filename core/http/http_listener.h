@@ -19,12 +19,12 @@ class HTTPListener : public std::enable_shared_from_this<HTTPListener> {
  public:
   using OnConnection = std::function<void(asio::ip::tcp::socket)>;
 
-  // Makes the socket: one that answers both IPv4 and IPv6, or IPv4 alone on a host without IPv6.
-  // Throws std::system_error.
+  // Makes the socket, for IPv4 and IPv6, or for IPv4 alone on a host without IPv6. Throws
+  // std::system_error.
   HTTPListener(asio::io_context& context, OnConnection onConnection);
 
-  // Listens on `port` of every interface, and accepts until close(). What keeps it from listening
-  // is not thrown: see error().
+  // Listens on `port` of every interface and accepts until close(). Failures are not thrown: see
+  // error().
   void listen(std::uint16_t port);
 
   // Why listen() did not succeed; no error when it did.

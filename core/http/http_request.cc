@@ -14,26 +14,14 @@ constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
 constexpr std::string_view kContentLength = "content-length:";
 
-// Of all letters only the capital ASCII ones become those of kContentLength when lower-cased.
-char lowerCased(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
+// No letter outside ASCII turns into one of kContentLength in lower case.
 bool isContentLength(std::string_view line) {
-  return line.size() >= kContentLength.size() &&
-         std::equal(kContentLength.begin(), kContentLength.end(), line.begin(),
-                    [](char wanted, char c) { return lowerCased(c) == wanted; });
+  return lowerCaseAscii(line.substr(0, kContentLength.size())) == kContentLength;
 }
 
-std::string_view withoutBlanks(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
-// The number of bytes that `text` announces. Whatever is not a decimal number of 64 bits announces
-// none, and neither does a negative one.
-std::size_t announcedSize(std::string_view text) {
+// The size that the value of Content-Length declares: 0 when it is negative, and when it is not a
+// decimal number of 64 bits.
+std::size_t declaredSize(std::string_view text) {
   if (text.starts_with('+')) {
     text.remove_prefix(1);
     if (text.starts_with('-')) return 0;
@@ -83,7 +71,7 @@ void HTTPRequestParser::readHead(std::string_view head) {
     lineEnd = std::min(head.find(kLineEnd, start), head.size());
     const std::string_view line = head.substr(start, lineEnd - start);
     if (!isContentLength(line)) continue;
-    bodySize_ = announcedSize(withoutBlanks(line.substr(kContentLength.size())));
+    bodySize_ = declaredSize(trimBlanks(line.substr(kContentLength.size())));
   }
   state_ = State::inBody;
 }

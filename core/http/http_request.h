@@ -1,8 +1,8 @@
 // One HTTP request, found in the bytes that have arrived on a connection so far.
 //
-// Only what routing needs is kept: the rest of the head is read to find the body's length. There
-// are no chunked bodies, and nothing of the head is answered with an error: bytes that never
-// become a request are simply never answered.
+// Only what routing needs is kept; of the headers only the body's length is read. Chunked bodies
+// are not supported. A malformed head gets no error: bytes that never become a request are never
+// answered.
 
 #pragma once
 
@@ -23,21 +23,21 @@ struct HTTPRequest {
   friend bool operator==(const HTTPRequest&, const HTTPRequest&) = default;
 };
 
-// The request that `bytes` begin with; absent while it is incomplete and when it can never become
-// one (a head that is not UTF-8, a request line of a single word). Bytes behind it are ignored.
-// Any thread.
+// The request at the start of `bytes`; absent while it is incomplete, and when no further bytes can
+// complete it (a head that is not UTF-8, a request line of a single word). Bytes after it are
+// ignored. Any thread.
 [[nodiscard]] std::optional<HTTPRequest> parseHTTPRequest(json::PaddedView bytes);
 
-// The same for bytes that arrive bit by bit: it keeps its place, so that a request costs time
-// linear in its size however it is cut. The outcome is that of parseHTTPRequest() for the same
+// Does the same for bytes that arrive in pieces. It remembers its place, so the time is linear in
+// the size of the request however it is cut. The result is that of parseHTTPRequest() for the same
 // bytes. Not thread-safe.
 class HTTPRequestParser {
  public:
-  // `bytes` are all that have arrived: those of the call before, possibly moved elsewhere in
-  // memory, and further ones.
+  // `bytes` are all that have arrived: those of the previous call, possibly elsewhere in memory,
+  // and more.
   [[nodiscard]] std::optional<HTTPRequest> parse(json::PaddedView bytes);
 
-  // Whether the head is one that no further bytes can make a request of.
+  // Whether the head is malformed, so that no further bytes help.
   [[nodiscard]] bool isUnreadable() const { return state_ == State::unreadable; }
 
  private:

@@ -1,4 +1,4 @@
-// What is answered to a request, and how the answer's head reads.
+// The answer to a request, and the head that goes before its body.
 
 #pragma once
 
@@ -21,13 +21,13 @@ struct HTTPResponse {
   friend bool operator==(const HTTPResponse&, const HTTPResponse&) = default;
 };
 
-// Everything before the body, up to and with the empty line. Any thread.
+// Everything before the body, the empty line included. Any thread.
 [[nodiscard]] std::string responseHead(const HTTPResponse& response);
 
-// Answers the body of a message to the engine; absent where there is nothing to say.
+// Answers a message to the engine; absent when there is no answer.
 using AnswerMessage = std::function<std::optional<std::string>(json::PaddedView body)>;
 
-// The answer to `request`. `answerMessage` is called for what is posted to /mcp only; method and
+// The answer to `request`. `answerMessage` is called only for what is posted to /mcp. Method and
 // path are compared byte by byte.
 [[nodiscard]] HTTPResponse respond(const HTTPRequest& request, const AnswerMessage& answerMessage);
 

@@ -21,7 +21,7 @@ struct HTTPTransport::State {
   auto onQueue(Task task) {
     if (queue.isCurrent()) return task();
     std::packaged_task<decltype(task())()> packaged(std::move(task));
-    // The queue has let go of an exception before it is thrown here: nobody shares it.
+    // The queue no longer holds an exception when it is thrown here: no two threads share it.
     const auto hasRun = std::make_shared<std::promise<void>>();
     asio::post(context, [&packaged, hasRun] {
       packaged();
@@ -36,7 +36,7 @@ struct HTTPTransport::State {
         std::make_shared<HTTPListener>(context, [shared = service](asio::ip::tcp::socket socket) {
           std::make_shared<HTTPConnection>(std::move(socket), shared)->start();
         });
-    stop();  // only now, as the one before stays when there can be no other
+    stop();  // only now: the old listener stays when there can be no new one
     listener = next;
     listener->listen(port);
   }
@@ -46,7 +46,7 @@ struct HTTPTransport::State {
     listener.reset();
   }
 
-  // Nothing is left afterwards that keeps the loop running for long.
+  // Leaves nothing that keeps the loop running for more than a second.
   void shutDown() {
     stop();
     service->handleBody = nullptr;

@@ -1,8 +1,8 @@
-// Serves an engine to HTTP clients of this computer and its network: one request a connection.
+// Serves an engine to HTTP clients of this computer and its network: one request per connection.
 //
 // Everything runs on one serial queue, so the engine is never entered concurrently and nothing is
-// locked. While the transport lives, one task of it occupies that queue: the loop that waits for
-// the connections. The queue must be used for nothing else.
+// locked. While the transport lives, its event loop occupies that queue as one task, so the queue
+// must serve nothing else.
 
 #pragma once
 
@@ -28,22 +28,22 @@ class HTTPTransport {
   // when the system has no descriptors or no thread for it.
   HTTPTransport(SerialQueue& queue, HandleBody handleBody);
 
-  // From now on `handleBody` is not called. Connections without a complete request are closed;
-  // answers on their way have a bounded moment left, during which the queue stays occupied.
+  // Afterwards `handleBody` is not called. Connections without a complete request are closed;
+  // answers on their way have one more second, during which the queue stays occupied.
   ~HTTPTransport();
 
   HTTPTransport(const HTTPTransport&) = delete;
   HTTPTransport& operator=(const HTTPTransport&) = delete;
 
-  // Listens on `port` of every interface, in place of the port listened on before. Throws
-  // std::system_error when there can be no socket; everything is then as it was. A port that is
-  // taken or forbidden is no error here: nothing is listened on, and listeningError() says why.
+  // Listens on `port` of every interface instead of the previous port. Throws std::system_error
+  // when the system gives no socket, and then changes nothing. A port that is taken or forbidden
+  // throws nothing: the transport then listens on none, and listeningError() says why.
   void listen(std::uint16_t port);
 
-  // Accepts no connection from now on. Those accepted before are served.
+  // Accepts no more connections. Those accepted before are served.
   void stop();
 
-  // What keeps the last listen() from listening; no error when it listens, or was stopped.
+  // Why the last listen() failed; no error when it succeeded, and after stop().
   [[nodiscard]] std::error_code listeningError() const;
 
  private:

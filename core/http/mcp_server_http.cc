@@ -1,4 +1,4 @@
-// The part of MCPServer that serves HTTP, kept from programs that do not.
+// The HTTP part of MCPServer, which programs without HTTP do not link.
 
 #include <string>
 

@@ -13,8 +13,8 @@
 
 namespace tessum::json {
 
-// One value on the way down from the top of a document. It refers to the document, which must
-// outlive it. Every call but optional() throws DecodingError when the value is of another kind.
+// A value in a document and the path to it. It refers to the document, which must outlive it.
+// Every call throws DecodingError when the value is not of the kind that the call needs.
 class Field {
  public:
   // The document itself; its path is empty.

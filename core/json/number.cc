@@ -56,7 +56,7 @@ std::optional<Parts> split(std::string_view text) {
   return parts;
 }
 
-// An exponent so large that its number is out of any range, whatever the digits before it.
+// Stands for all larger exponents: no digits before them bring the number back into range.
 constexpr std::int64_t kHugeExponent = std::numeric_limits<std::int64_t>::max() / 2;
 
 std::int64_t exponentValue(std::string_view exponent) {

@@ -1,5 +1,5 @@
-// Numbers as JSON writes them. Their source text is kept wherever a value is not ours, so that
-// 1.0, 0.1000, 1e400 and a 30-digit integer come back as they were read.
+// Numbers in JSON. A number that is not ours keeps its source text, so 1.0, 0.1000, 1e400 and a
+// 30-digit integer are written as they were read.
 
 #pragma once
 

@@ -42,7 +42,7 @@ std::string_view trimmed(std::string_view text) {
   return text;
 }
 
-// The parser lets an escaped low surrogate without its high one through as three bytes.
+// The parser accepts an escaped low surrogate without its high one, as three bytes.
 std::string_view withoutSurrogates(std::string_view text) {
   for (auto at = text.find('\xED'); at != std::string_view::npos; at = text.find('\xED', at + 1)) {
     if (static_cast<unsigned char>(text[at + 1]) >= 0xA0) {
@@ -54,7 +54,8 @@ std::string_view withoutSurrogates(std::string_view text) {
 
 enum class Kind { null, boolean, number, text, array, object };
 
-// The kind that the first character of a value announces; number also where none announces any.
+// The kind of a value, by its first character. What begins no other kind is taken for a number,
+// whose whole text is checked later.
 Kind kindOf(std::string_view value) {
   switch (value.empty() ? '\0' : value.front()) {
     case '{':
@@ -73,7 +74,7 @@ Kind kindOf(std::string_view value) {
   }
 }
 
-// What becomes of the visited values: nothing, where they are only to be checked ...
+// Values are visited in two ways. This one only checks them.
 struct Checking {
   struct Result {};
   struct Array {
@@ -90,7 +91,7 @@ struct Checking {
   }
 };
 
-// ... or a Value.
+// This one makes a Value of them.
 struct Building {
   using Result = Value;
   struct Array {
@@ -115,8 +116,8 @@ struct Building {
   }
 };
 
-// A token that is neither a string nor a bracket, checked in full: the parser itself looks only
-// at what it is asked for.
+// A token that is neither a string nor a bracket. It is checked here, as the parser checks only
+// what it is asked to decode.
 template <typename Maker>
 typename Maker::Result makeScalar(std::string_view token) {
   const Kind kind = kindOf(token);
@@ -169,8 +170,7 @@ typename Maker::Result visit(ondemand::value value, int depth) {
   }
 }
 
-// One text under the parser. The parser's index takes four bytes for each byte of the text at
-// most, and goes with this object.
+// A text and its parser, whose index takes up to four bytes for each byte of the text.
 class Document {
  public:
   explicit Document(PaddedView view) : text_(view.text()) {
@@ -187,7 +187,7 @@ class Document {
   [[nodiscard]] std::string_view text() const { return text_; }
 
   void expectEnd() {
-    // At the end there is no location: the one way to ask that all versions of the parser have.
+    // The end has no location. Every version of the parser can be asked this way.
     if (document_.current_location().error() != simdjson::OUT_OF_BOUNDS) failForMoreText();
   }
 
@@ -197,8 +197,8 @@ class Document {
   ondemand::document document_;
 };
 
-// The whole of a document. The parser does not offer a top-level scalar as a value: its token is
-// read instead, and that of a string as the one element of an array.
+// Visits a whole document. The parser offers no value for a top-level scalar: a string is read as
+// the only element of an array, any other scalar from its token.
 template <typename Maker>
 typename Maker::Result visitDocument(Document& document) {
   switch (kindOf(document.text())) {

@@ -1,6 +1,6 @@
-// Reads JSON text. Every value is visited and checked, also those nobody asks for, so a text is
-// either wholly valid or refused: UTF-8, no lone surrogates, at most 512 nested levels, one
-// top-level value of any kind. A leading byte-order mark is accepted. Any thread.
+// Reads JSON text. Every value is checked, even those that nobody asks for, so a text is either
+// valid as a whole or refused: UTF-8, no lone surrogates, at most 512 nested levels, one top-level
+// value of any kind. A leading byte-order mark is accepted. Any thread.
 
 #pragma once
 

@@ -20,8 +20,8 @@ struct Number {
   friend bool operator==(const Number&, const Number&) = default;
 };
 
-// A value, copied deep. Members of objects are kept by key in the order of their code points; a
-// key read twice keeps its last value. One thread at a time.
+// A value; copies are deep. The members of an object are ordered by the code points of their keys;
+// a key that is read twice keeps its last value. One thread at a time.
 class Value {
  public:
   using Array = std::vector<Value>;
@@ -41,7 +41,7 @@ class Value {
   // A finite number; use it for measures, never for counts.
   [[nodiscard]] static Value real(double value);
 
-  // Any other type would turn into one of the above by an unintended conversion.
+  // Other types would convert to one of the above unintentionally.
   template <typename Other>
   Value(Other) = delete;
 

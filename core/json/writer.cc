@@ -8,7 +8,7 @@
 namespace tessum::json {
 namespace {
 
-// The letter that stands behind a backslash for each byte that needs one; 'u' means a number.
+// The letter after the backslash, for each byte that must be escaped; 'u' begins a code point.
 constexpr auto kEscapes = [] {
   std::array<char, 256> escapes{};
   for (std::size_t control = 0; control < 0x20; ++control) escapes[control] = 'u';
@@ -33,9 +33,9 @@ void appendEscape(std::string& out, unsigned char byte) {
   out += kHexDigits[byte & 0xF];
 }
 
-// How many bytes `text` begins with that need no escape, looked at eight at a time: there are few
-// that do. A byte of the word is below N when it borrows from its highest bit on subtracting N and
-// had that bit clear; it equals C when its difference from C is below 1.
+// The number of leading bytes that need no escape. Tests eight at a time, as few bytes need one: a
+// byte is below N when its highest bit is clear and subtracting N sets it; it equals C when the XOR
+// of both is below 1.
 std::size_t plainPrefix(std::string_view text) {
   constexpr std::uint64_t kEach = 0x0101010101010101;
   constexpr std::uint64_t kHighBits = 0x80 * kEach;

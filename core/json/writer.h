@@ -21,8 +21,8 @@ void appendCompact(std::string& out, const Value& value);
 // Appends `text` as a JSON string.
 void appendString(std::string& out, std::string_view text);
 
-// Writes one object as compact text, its members in the order of the calls. Unlike a Value it
-// takes no memory of its own: for texts that are large and objects that are made for each message.
+// Writes one object as compact text, its members in the order of the calls. Unlike a Value it needs
+// no memory of its own, which suits large texts and the objects of each message.
 // Not thread-safe.
 class ObjectWriter {
  public:
@@ -37,7 +37,7 @@ class ObjectWriter {
   // Begins a member, whose value the caller appends to the returned text.
   [[nodiscard]] std::string& member(std::string_view key);
 
-  // To be called once, after the last member.
+  // Call it once, after the last member.
   void end() { out_ += '}'; }
 
  private:

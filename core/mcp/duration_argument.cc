@@ -9,14 +9,14 @@ namespace {
 
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 
-// a * b + c, absent when 64 bits do not hold it. None is negative, and b is not 0.
+// a * b + c; absent when it does not fit. Needs a >= 0, b > 0 and c >= 0.
 std::optional<std::int64_t> multiplyAdd(std::int64_t a, std::int64_t b, std::int64_t c) {
   if (a > (kMost - c) / b) return std::nullopt;
   return a * b + c;
 }
 
-// Where each run of ten digits of a script other than Latin begins, and single characters that
-// count as numbers with an end of their own: [first, last].
+// Characters outside ASCII that count as numeric: the digits of other scripts, superscripts,
+// fractions and the like. Both ends are included.
 struct Range {
   char32_t first;
   char32_t last;
@@ -37,7 +37,7 @@ bool isNumeric(char32_t character) {
       [&](const Range& range) { return character >= range.first && character <= range.last; });
 }
 
-// Takes the first character, which is not ASCII, off valid UTF-8.
+// Removes the first character, which is not ASCII, from valid UTF-8.
 char32_t takeCharacter(std::string_view& text) {
   const auto lead = static_cast<unsigned char>(text.front());
   const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
@@ -73,8 +73,8 @@ std::optional<std::int64_t> parseDuration(std::string_view text) {
   while (!text.empty()) {
     const char c = text.front();
     if (static_cast<unsigned char>(c) >= 0x80) {
-      // Digits that are not ASCII do not read as a number, and nothing takes them out of its way
-      // again: what was read before them is all there is.
+      // Non-ASCII digits stop the scan: digits that hold one never read as a number, so all later
+      // units are ignored.
       if (isNumeric(takeCharacter(text))) {
         number.reset();
         break;
@@ -84,7 +84,7 @@ std::optional<std::int64_t> parseDuration(std::string_view text) {
     text.remove_prefix(1);
     if (c >= '0' && c <= '9') {
       number = multiplyAdd(number.value_or(0), 10, c - '0');
-      if (!number) break;  // so do more digits than 64 bits hold
+      if (!number) break;  // nor do digits that do not fit 64 bits
     } else if (number && secondsOf(c) != 0) {
       const auto sum = multiplyAdd(*number, secondsOf(c), total);
       if (!sum) return std::nullopt;

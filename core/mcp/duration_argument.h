@@ -8,9 +8,9 @@
 
 namespace tessum {
 
-// Seconds, at least 1, of a text such as 30m, 1h, 1h30m or 45s; a bare number means minutes.
-// Everything else in the text is skipped: 1.5h are 15 hours, and digits behind the last unit
-// count for nothing. Absent when nothing was read, or more than 64 bits hold. `text` is UTF-8.
+// The seconds, at least 1, that a text such as 30m, 1h, 1h30m or 45s means; a bare number means
+// minutes. Anything else is skipped, so 1.5h is 15 hours, and digits after the last unit are
+// ignored. Absent when nothing is left, or more than fits 64 bits. `text` must be UTF-8.
 [[nodiscard]] std::optional<std::int64_t> parseDuration(std::string_view text);
 
 }  // namespace tessum

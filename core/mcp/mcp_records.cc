@@ -63,8 +63,8 @@ void appendJson(std::string& out, const std::vector<Record>& records) {
   out += ']';
 }
 
-// Makes room for a text that may be large. Of a report little more than the end of each line needs
-// an escape; a text that needs more of them makes the room grow.
+// Reserves memory for a result whose text may be large. A report needs few escapes besides its line
+// ends; a text that needs more makes the string grow.
 void reserveFor(std::string& out, const std::string& text) {
   constexpr std::size_t kRestOfResult = 256;
   out.reserve(text.size() + text.size() / 16 + kRestOfResult);

@@ -10,7 +10,7 @@
 
 namespace tessum {
 
-// The capabilities are always both named and always empty: everything is offered from the start.
+// Both are always written, and always empty: the server has no optional features.
 struct MCPCapabilities {
   json::Value::Object tools;
   json::Value::Object resources;
@@ -42,7 +42,7 @@ struct MCPTextContent {
   std::string text;
 };
 
-// What a tool call ends with: one text. A failure of the tool is a result, too.
+// The result of a tool call: one text, also when the tool failed.
 struct MCPToolResult {
   std::vector<MCPTextContent> content;
   bool isError = false;

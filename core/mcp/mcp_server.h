@@ -25,10 +25,10 @@ namespace tessum {
 
 class HTTPTransport;
 
-// Answers for one store. It knows nothing of clients or connections: every method may come in any
-// order. Not thread-safe: its caller enters it with one message after another, or leaves that to
-// the HTTP transport from start() on. It may be destroyed on any thread, also while the transport
-// is answering: destroying it waits for that answer.
+// Serves one store. It keeps no state for clients or connections, so methods may come in any order.
+// Not thread-safe: the caller passes it one message at a time, or leaves that to the HTTP transport
+// from start() on. It may be destroyed on any thread, even while the transport is answering: the
+// destructor waits for that answer.
 class MCPServer {
  public:
   // `port` is for the HTTP transport and is not bound here. `clock` and `calendar` must outlive
@@ -41,9 +41,8 @@ class MCPServer {
 
   [[nodiscard]] std::uint16_t port() const { return port_; }
 
-  // Answers one message. Absent for a notification, which is dropped whatever it names. A message
-  // that cannot be read is answered with a parse error without id. Never throws for what the
-  // message holds.
+  // Answers one message. Absent for a notification, which is dropped whatever its method. A message
+  // that cannot be read gets a parse error without id. No message makes it throw.
   [[nodiscard]] std::optional<std::string> handleBody(json::PaddedView body);
 
   // Answers one request by its method.
@@ -72,8 +71,8 @@ class MCPServer {
   [[nodiscard]] MCPResourceReadResult readResource(const std::string& uri);
 
   ////////////////////////////////////////////////////////////////////////////////////////////
-  // The HTTP transport. It enters the engine on a queue of its own. These are defined in
-  // core/http, so a program that does not call them needs nothing of it.
+  // The HTTP transport, which enters the engine on a queue of its own. Its calls are defined in
+  // core/http, which only the programs that use them link.
 
   // Answers on port() of every interface, in place of what an earlier start() opened. Throws
   // MCPServerError::invalidPort for port 0 and std::system_error when the system gives no socket.
@@ -84,10 +83,11 @@ class MCPServer {
   // nothing was started.
   void stop();
 
-  // What keeps the last start() from being reached; no error when nothing does, or after stop().
+  // Why clients cannot reach the transport that start() opened; no error when they can, and after
+  // stop().
   [[nodiscard]] std::error_code listeningError() const;
 
-  // Where clients of this computer find the transport, such as http://localhost:7384/mcp.
+  // The transport's URL for clients on this computer, such as http://localhost:7384/mcp.
   [[nodiscard]] std::string endpointURL() const;
 
  private:

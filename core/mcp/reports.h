@@ -1,4 +1,4 @@
-// The reports that language models read. They print what they are given, in its order.
+// The reports that language models read. They print all records that they are given, in order.
 
 #pragma once
 
@@ -12,12 +12,12 @@
 
 namespace tessum {
 
-// The report of formatActivities(), made from one session after another. Not thread-safe.
+// Makes the report of formatActivities() from sessions that come one by one. Not thread-safe.
 class ActivityReport {
  public:
   void add(const Activity& activity);
 
-  // The whole report; the object is used up.
+  // The whole report. The object cannot be used afterwards.
   [[nodiscard]] std::string finish() &&;
 
  private:
@@ -25,8 +25,8 @@ class ActivityReport {
   std::string lines_;
 };
 
-// A header with the number of records and a line for each; one sentence where there are none.
-// Lines are joined by a line feed, with none at the end. Dates are UTC.
+// A header with the number of records and a line for each; one sentence when there are none. Line
+// feeds separate the lines. Dates are UTC.
 [[nodiscard]] std::string formatActivities(std::span<const Activity> activities);
 [[nodiscard]] std::string formatAnnotations(std::span<const Annotation> annotations,
                                             const Clock& clock);

@@ -37,8 +37,8 @@ JSONRPCResponse MCPServer::handleResourcesList(const JSONRPCRequest& request) {
   return {request.id, AnyCodable::encoded(encode(result))};
 }
 
-// A read that fails is an error of the request, unlike a tool that fails: there is no result that
-// could carry the text.
+// A read that fails is a JSON-RPC error, unlike a tool that fails: its result has no place for an
+// error.
 JSONRPCResponse MCPServer::handleResourcesRead(const JSONRPCRequest& request) {
   const auto uri = request.params ? uriOf(*request.params) : std::nullopt;
   if (!uri) {

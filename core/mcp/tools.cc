@@ -64,8 +64,8 @@ MCPToolResult failure(std::string text) {
   return resultOf(std::move(text), true);
 }
 
-// The moment `duration` before `now`; absent when the duration cannot be read or reaches back
-// before the year 1, which no text could show.
+// The moment `duration` before `now`; absent when the duration cannot be read, or reaches back
+// before the year 1, for which there is no time stamp.
 std::optional<Date> backdated(Date now, const std::optional<std::string>& duration) {
   const auto seconds = duration ? parseDuration(*duration) : std::nullopt;
   if (!seconds) return std::nullopt;

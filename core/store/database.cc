@@ -32,7 +32,7 @@ CREATE INDEX IF NOT EXISTS idx_annotations_started ON annotations(started_at);)"
 
 // Columns: id, app_name, bundle_id, title, start_time, end_time.
 void readActivities(Statement& statement, const ActivityVisitor& visit) {
-  Activity activity;  // one for all rows, whose texts then find their memory
+  Activity activity;  // one for all rows, which reuse the memory of its texts
   while (statement.nextRow()) {
     activity.id = statement.rowID(0);
     statement.readText(1, activity.appName);
@@ -166,12 +166,11 @@ ORDER BY total_secs DESC;)";
 
 // While it lives, the connection reads `activities` through the index on start_time.
 //
-// Left to itself, SQLite looks for the newest title of an application among all sessions that
-// the application ever had (the index on app_name), once for each application of the day: the
-// summary would slow down as the history grows. The text of the statement is fixed, but a
-// temporary view of the table's name, which only this connection sees, makes the same text read
-// the day's range alone. Where the view does not work the statement runs as it is and gives the
-// same answer, later.
+// On its own SQLite looks for the newest title of an application among all sessions that the
+// application ever had (the index on app_name), once for each application of the day: the summary
+// would slow down as the history grows. The text of the statement is fixed, but a temporary view
+// with the table's name, which only this connection sees, makes the same text read only the day's
+// range. If the view does not work, the statement gives the same answer more slowly.
 class Database::DayRangeView {
  public:
   explicit DayRangeView(sqlite3* db) : db_(db) {
@@ -185,7 +184,7 @@ class Database::DayRangeView {
   static constexpr char kMake[] =
       "CREATE TEMP VIEW activities AS "
       "SELECT * FROM main.activities INDEXED BY idx_activities_start;";
-  // A view is not looked into before it is used.
+  // SQLite does not check a view before it is used.
   static constexpr char kTry[] = "SELECT 1 FROM temp.activities LIMIT 0;";
   static constexpr char kDrop[] = "DROP VIEW IF EXISTS temp.activities;";
 

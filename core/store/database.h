@@ -22,7 +22,7 @@ namespace tessum {
 
 class Statement;
 
-// Takes one session of a query's result; it must not use the store.
+// Takes one session of a query's result, which lives for that call. It must not use the store.
 using ActivityVisitor = std::function<void(const Activity&)>;
 
 // An open store. Several processes may have one on the same file; SQLite's locking coordinates
@@ -55,8 +55,8 @@ class Database final : public SessionWriter {
   void updateEndTime(std::int64_t id, Date end) override;
   void updateTitle(std::int64_t id, const std::string& title) override;
 
-  // The sessions that began on the local day of `day`, the newest first. Given a visitor, they
-  // are handed to it one by one: of many sessions a list takes several times their text's memory.
+  // The sessions that began on the local day of `day`, the newest first. A visitor gets them one by
+  // one; a list of many takes several times the memory of their texts.
   [[nodiscard]] std::vector<Activity> fetchActivities(Date day, std::int64_t limit);
   void fetchActivities(Date day, std::int64_t limit, const ActivityVisitor& visit);
 
@@ -76,8 +76,8 @@ class Database final : public SessionWriter {
   // Ends every open annotation at `at`.
   void endCurrentAnnotation(Date at);
 
-  // Ends every open annotation where `annotation` starts, stores it without its id and returns
-  // its row id. When storing fails, those before it stay ended.
+  // Ends every open annotation at the start of `annotation`, stores it without its id and returns
+  // its row id. When storing fails, the open ones are ended all the same.
   std::int64_t insertAnnotation(const Annotation& annotation);
 
   // The annotations that overlap the local day of `day`, the newest first; limits as above.

@@ -77,8 +77,8 @@ bool Statement::nextRow() {
   return sqlite3_step(statement_.get()) == SQLITE_ROW;
 }
 
-// Each look at a column takes SQLite's lock. So the value is asked for first, and its type only
-// where the value leaves open whether there is one.
+// Each access to a column takes SQLite's mutex. So the value is asked for first, and its type only
+// when the value does not tell whether it is NULL.
 const char* Statement::bytes(int column) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
   if (text == nullptr && sqlite3_column_type(statement_.get(), column) != SQLITE_NULL) {

@@ -15,7 +15,7 @@ struct sqlite3_stmt;
 
 namespace tessum {
 
-// A prepared statement, finalized when the object goes. Parameters are bound in the order of the
+// A prepared statement, finalized by the destructor. Parameters are bound in the order of the
 // calls, the first one at position 1; columns are counted from 0. Not thread-safe.
 class Statement {
  public:
@@ -23,7 +23,7 @@ class Statement {
   // the statement.
   Statement(sqlite3* db, const char* sql);
 
-  // Binding copies the value. Throws DatabaseError::executionFailed when SQLite has no room.
+  // Binding copies the value. Throws DatabaseError::executionFailed when SQLite has no memory.
   // Absent texts and dates become NULL; a text ends at its first NUL.
   Statement& bind(const std::string& text);
   Statement& bind(const std::optional<std::string>& text);
@@ -33,15 +33,16 @@ class Statement {
   // A limit outside the signed 32-bit range stops the process.
   Statement& bindLimit(std::int64_t limit);
 
-  // Runs a statement that gives no rows. Throws DatabaseError::executionFailed.
+  // Runs a statement that returns no rows. Throws DatabaseError::executionFailed.
   void execute();
 
-  // Moves to the next row of a statement that gives rows. False when there is none, and also when
-  // the read fails: a read never reports an error but ends early.
+  // Moves to the next row of a statement that returns rows. False when there is none, and also when
+  // the read fails: a read reports no error but ends early.
   [[nodiscard]] bool nextRow();
 
   // The columns of the current row. A text is made valid UTF-8 and ends at its first NUL, as bound
-  // texts do. NULL in a column that is never NULL stops the process.
+  // texts do; readText() reuses the memory of `text`. NULL in a column that is never NULL stops the
+  // process.
   [[nodiscard]] std::string text(int column);
   [[nodiscard]] std::optional<std::string> optionalText(int column);
   void readText(int column, std::string& text);

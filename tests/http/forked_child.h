@@ -1,4 +1,4 @@
-// A copy of the test program, for what must not happen to the test program itself.
+// A copy of the test program, for tests that would harm the test program itself.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace tessum {
 
-// Forked, so make it before the test makes any thread.
+// Make it before the test starts a thread, as it forks.
 class ForkedChild {
  public:
   // The child's end.
@@ -20,7 +20,7 @@ class ForkedChild {
     // Tells the parent a number.
     void report(int number);
 
-    // Returns when the parent calls release() or goes.
+    // Returns when the parent calls release() or ends.
     void waitUntilReleased();
 
    private:
@@ -34,10 +34,10 @@ class ForkedChild {
   ForkedChild(const ForkedChild&) = delete;
   ForkedChild& operator=(const ForkedChild&) = delete;
 
-  // The next number the child tells; absent when it has ended without.
+  // The next number from the child; absent when it ended without one.
   [[nodiscard]] std::optional<int> reported();
 
-  // Lets the child go and gives its status; that of one that ended by a signal is negative.
+  // Lets the child end and returns its status; after a signal, the negative number of the signal.
   int release();
 
   // The processor time that a released child has used.

@@ -1,4 +1,4 @@
-// The transport in processes of little means. Each test plays the client of a child process.
+// The transport in child processes with few resources. Each test is the client of one.
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -18,7 +18,7 @@
 namespace tessum {
 namespace {
 
-// What a child does: it serves `port` until its parent lets it go.
+// Runs in the child: serves `port` until the parent releases it.
 void serve(ForkedChild::Link& parent, std::uint16_t port) {
   ThreadQueue queue("com.example.child");
   HTTPTransport transport(queue, echo);
@@ -77,7 +77,7 @@ TEST_P(FewDescriptors, LetManyPeersAtOnceHaveTheirAnswers) {
 
 INSTANTIATE_TEST_SUITE_P(Counts, FewDescriptors, testing::Values(16, 24, 32, 64));
 
-TEST(HTTPTransportLimits, RestsWhileThereAreNoDescriptors) {
+TEST(HTTPTransportLimits, PausesWhileThereAreNoDescriptors) {
   const std::uint16_t port = freePort();
   ForkedChild child([&](ForkedChild::Link& parent) {
     limitDescriptors(16);
@@ -93,7 +93,7 @@ TEST(HTTPTransportLimits, RestsWhileThereAreNoDescriptors) {
   EXPECT_LT(child.processorSeconds(), 0.25);
 }
 
-TEST(HTTPTransportLimits, SaysWhenThereIsNoDescriptorForIt) {
+TEST(HTTPTransportLimits, ThrowsWhenThereIsNoDescriptorForIt) {
   ForkedChild child([](ForkedChild::Link& parent) {
     limitDescriptors(static_cast<rlim_t>(openDescriptors()));
     ThreadQueue queue("com.example.child");

@@ -15,7 +15,7 @@ namespace {
 
 using std::string_literals::operator""s;
 
-// What a request holds, as texts of its own.
+// A request that owns its texts.
 struct Parts {
   std::string method;
   std::string path;
@@ -89,7 +89,7 @@ const std::vector<Case>& cases() {
       {"GET / HTTP/1.1\r\n \r\n", std::nullopt},
       {"GET / HTTP/1.1\r\r\n\n", std::nullopt},
 
-      // Text that is not UTF-8 makes the head unreadable; in the body it is welcome.
+      // Bytes that are not UTF-8 make the head unreadable; the body may hold any.
       {"GET /\xFF HTTP/1.1\r\n\r\n", std::nullopt},
       {"GET / HTTP/1.1\r\nName: \xC3\r\n\r\n", std::nullopt},
       {"GET / HTTP/1.1\r\nName: \xED\xA0\x80\r\n\r\n", std::nullopt},
@@ -135,7 +135,7 @@ const std::vector<Case>& cases() {
       {withLength("Name: a\nContent-Length: 3"), post("")},
       {"Content-Length: 3 HTTP/1.1\r\n\r\nabc", Parts{"Content-Length:", "3", ""}},
 
-      // The last length counts, also when it is none.
+      // The last length counts, even when it is not a number.
       {withLength("Content-Length: 5\r\nContent-Length: 2"), post("ab")},
       {withLength("Content-Length: 99\r\ncontent-length: 2"), post("ab")},
       {withLength("Content-Length: 5\r\nContent-Length: none"), post("")},

@@ -22,7 +22,7 @@ TEST(Respond, AnswersAMessageThatIsPostedToMcp) {
   EXPECT_EQ(answerTo("POST", "/mcp"), (HTTPResponse{200, "application/json", "answer to message"}));
 }
 
-TEST(Respond, HasNoBodyWhereTheEngineSaysNothing) {
+TEST(Respond, HasNoBodyWhenTheEngineGivesNoAnswer) {
   const auto response =
       respond({"POST", "/mcp", kMessage.view()}, [](json::PaddedView) { return std::nullopt; });
   EXPECT_EQ(response, (HTTPResponse{200, "application/json", ""}));

@@ -1,4 +1,4 @@
-// A transport that answers on a free port, with a small function in the engine's place.
+// A transport that listens on a free port, with a function in place of the engine.
 
 #pragma once
 
@@ -25,7 +25,7 @@ inline const std::string kGreeting =
   return std::string(body.text());
 }
 
-// More than a socket's buffers hold.
+// More than the buffers of a socket hold.
 inline const std::string kLongAnswer(16 << 20, 'x');
 
 [[nodiscard]] inline std::optional<std::string> answerAtLength(json::PaddedView) {

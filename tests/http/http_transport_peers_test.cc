@@ -1,4 +1,4 @@
-// Peers that leave, that wait, and that are many.
+// Peers that leave early, peers that wait, and many peers.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@
 namespace tessum {
 namespace {
 
-TEST(HTTPTransport, ServesOnWhereverPeersGo) {
+TEST(HTTPTransport, KeepsServingWhereverPeersLeave) {
   const HTTPServer server;
   const std::string request = postOf("body");
   for (std::size_t size = 0; size <= request.size(); ++size) {
@@ -37,7 +37,7 @@ TEST(HTTPTransport, ServesOnWhereverPeersGo) {
   EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
 }
 
-TEST(HTTPTransport, ServesOnWhenPeersResetInTheMiddleOfAnAnswer) {
+TEST(HTTPTransport, KeepsServingWhenPeersResetDuringAnAnswer) {
   HTTPServer server(answerAtLength);
   const int before = openDescriptors();
   for (int i = 0; i < 20; ++i) {

@@ -46,7 +46,7 @@ TEST_P(EachFamily, GetsTheAnswerToBytesThatComeOneByOne) {
 
 INSTANTIATE_TEST_SUITE_P(Families, EachFamily, testing::Values(Family::v4, Family::v6));
 
-TEST(HTTPTransport, SaysNothingWhereTheEngineSaysNothing) {
+TEST(HTTPTransport, SendsNoBodyWhenTheEngineGivesNoAnswer) {
   const HTTPServer server([](json::PaddedView) { return std::nullopt; });
   EXPECT_EQ(ask(server.port(), postOf("{}")), jsonAnswer(""));
 }
@@ -89,7 +89,7 @@ TEST(HTTPTransport, WaitsForTheWholeRequest) {
   for (const std::size_t next : {4U, 18U, 30U, 60U, static_cast<unsigned>(request.size() - 1)}) {
     peer.send(std::string_view(request).substr(sent, next - sent));
     sent = next;
-    // The queue serves one thing after another: what was sent above has been looked at.
+    // The queue handles one thing after another: the bytes sent above have been read by now.
     EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
     EXPECT_FALSE(peer.hasNews());
     EXPECT_EQ(calls, 0);
@@ -153,7 +153,7 @@ TEST(HTTPTransport, DoesNotLoseALongAnswerToAPeerThatSendsMoreThanItDeclared) {
   EXPECT_TRUE(answer == jsonAnswer(kLongAnswer));
 }
 
-TEST(HTTPTransport, ClosesOnAPeerThatNeverDoes) {
+TEST(HTTPTransport, ClosesWhenThePeerNeverDoes) {
   const HTTPServer server;
   Peer peer(server.port());
   peer.send("GET / HTTP/1.1\r\n");

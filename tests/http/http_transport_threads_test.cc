@@ -1,4 +1,4 @@
-// The transport and its threads, above all when it is destroyed.
+// The transport and threads, above all when it is destroyed.
 
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ TEST(HTTPTransport, NeverEntersTheEngineConcurrently) {
   EXPECT_EQ(mistakes, 0);
 }
 
-TEST(HTTPTransport, WaitsForTheRequestThatIsBeingAnsweredWhenItGoes) {
+TEST(HTTPTransport, WaitsForTheCurrentRequestWhenDestroyed) {
   std::promise<void> entered;
   std::promise<void> mayLeave;
   std::atomic<bool> hasLeft = false;
@@ -62,7 +62,7 @@ TEST(HTTPTransport, WaitsForTheRequestThatIsBeingAnsweredWhenItGoes) {
   EXPECT_EQ(peer.receiveAll(), jsonAnswer("last words"));
 }
 
-TEST(HTTPTransport, MayGoOnItsOwnQueue) {
+TEST(HTTPTransport, MayBeDestroyedOnItsOwnQueue) {
   std::unique_ptr<HTTPServer> server;
   server = std::make_unique<HTTPServer>([&](json::PaddedView body) {
     server->destroyTransport();
@@ -76,7 +76,7 @@ TEST(HTTPTransport, MayGoOnItsOwnQueue) {
   EXPECT_FALSE(isListening(server->port()));
 }
 
-TEST(HTTPTransport, ClosesConnectionsWithoutARequestWhenItGoes) {
+TEST(HTTPTransport, ClosesConnectionsWithoutARequestWhenDestroyed) {
   HTTPServer server;
   Peer silent(server.port());
   Peer halfway(server.port());
@@ -88,7 +88,7 @@ TEST(HTTPTransport, ClosesConnectionsWithoutARequestWhenItGoes) {
   EXPECT_FALSE(isListening(server.port()));
 }
 
-TEST(HTTPTransport, LetsAnAnswerOnItsWayArriveWhenItGoes) {
+TEST(HTTPTransport, FinishesAnAnswerOnItsWayWhenDestroyed) {
   auto server = std::make_unique<HTTPServer>(answerAtLength);
   Peer peer(server->port());
   peer.send(postOf("{}"));
@@ -100,7 +100,7 @@ TEST(HTTPTransport, LetsAnAnswerOnItsWayArriveWhenItGoes) {
   EXPECT_TRUE(answer == jsonAnswer(kLongAnswer));
 }
 
-TEST(HTTPTransport, DoesNotWaitForAPeerThatNeverReadsWhenItGoes) {
+TEST(HTTPTransport, DoesNotWaitForAPeerThatNeverReadsWhenDestroyed) {
   auto server = std::make_unique<HTTPServer>(answerAtLength);
   Peer peer(server->port());
   peer.send(postOf("{}"));
@@ -109,7 +109,7 @@ TEST(HTTPTransport, DoesNotWaitForAPeerThatNeverReadsWhenItGoes) {
   EXPECT_LT(peer.receiveAll().size(), std::size_t{16} << 20);
 }
 
-TEST(HTTPTransport, MayGoOnAnyThreadWhileRequestsRun) {
+TEST(HTTPTransport, MayBeDestroyedOnAnyThreadWhileRequestsRun) {
   for (int round = 0; round < 30; ++round) {
     auto server = std::make_unique<HTTPServer>();
     const std::uint16_t port = server->port();
@@ -129,7 +129,7 @@ TEST(HTTPTransport, MayGoOnAnyThreadWhileRequestsRun) {
   }
 }
 
-TEST(HTTPTransport, MayBeMadeAndLeftUnused) {
+TEST(HTTPTransport, MayStayUnused) {
   ThreadQueue queue("com.example.unused");
   const int descriptors = openDescriptors();
   for (int i = 0; i < 10; ++i) {

@@ -1,4 +1,4 @@
-// A host without IPv6, which a filter on system calls plays: Linux only.
+// A host without IPv6, simulated by a filter on system calls. Linux only.
 
 #include <gtest/gtest.h>
 #include <linux/audit.h>

@@ -13,8 +13,8 @@ namespace tessum {
 
 enum class Family { v4, v6 };
 
-// A port of this computer that nobody listens on. It lies below those that the system gives to
-// outgoing connections, so that none of the tests' own takes it.
+// A port of this computer that nobody listens on. It is lower than those that the system gives to
+// outgoing connections, so the tests' own connections do not take it.
 [[nodiscard]] std::uint16_t freePort();
 
 // Whether anything accepts connections at `port`.
@@ -23,10 +23,10 @@ enum class Family { v4, v6 };
 // How many descriptors this process has open.
 [[nodiscard]] int openDescriptors();
 
-// Lets this process have `count` descriptors.
+// Lets this process have at least `count` descriptors.
 void allowDescriptors(unsigned count);
 
-// One connection to a port. A silence of a minute where something is expected fails the test.
+// One connection to a port. The test fails when nothing arrives for a minute.
 class Peer {
  public:
   // Connects, and fails the test when it cannot.
@@ -41,7 +41,7 @@ class Peer {
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
 
-  // Sends all of `bytes`; a server that no longer takes them is no failure.
+  // Sends all of `bytes`. A server that closes meanwhile is no failure.
   void send(std::string_view bytes);
   void sendByteByByte(std::string_view bytes);
 
@@ -61,7 +61,7 @@ class Peer {
 
   void close();
 
-  // Closes so that the server meets a reset.
+  // Closes the connection with a reset.
   void reset();
 
  private:
@@ -71,7 +71,7 @@ class Peer {
   bool wasReset_ = false;
 };
 
-// Sends `request` and gives all that is answered.
+// Sends `request` and returns the whole answer.
 [[nodiscard]] std::string ask(std::uint16_t port, std::string_view request,
                               Family family = Family::v4);
 

@@ -98,7 +98,7 @@ TEST_F(MCPServerOverHTTP, ListensFromStartToStop) {
   }
 }
 
-TEST_F(MCPServerOverHTTP, StartsThoughThePortIsTakenAndSaysSo) {
+TEST_F(MCPServerOverHTTP, StartsThoughThePortIsTakenAndReportsIt) {
   const std::uint16_t port = freePort();
   const auto first = serverAt(port);
   const auto second = serverAt(port);
@@ -113,7 +113,7 @@ TEST_F(MCPServerOverHTTP, StartsThoughThePortIsTakenAndSaysSo) {
   EXPECT_TRUE(isListening(port));
 }
 
-TEST_F(MCPServerOverHTTP, StopsListeningWhenItGoes) {
+TEST_F(MCPServerOverHTTP, StopsListeningWhenDestroyed) {
   const std::uint16_t port = freePort();
   auto server = serverAt(port);
   server->start();
@@ -123,7 +123,7 @@ TEST_F(MCPServerOverHTTP, StopsListeningWhenItGoes) {
   EXPECT_FALSE(isListening(port));
 }
 
-TEST_F(MCPServerOverHTTP, MayGoOnAnyThreadWhileRequestsRun) {
+TEST_F(MCPServerOverHTTP, MayBeDestroyedOnAnyThreadWhileRequestsRun) {
   for (int round = 0; round < 10; ++round) {
     const std::uint16_t port = freePort();
     auto server = serverAt(port);

@@ -9,10 +9,10 @@
 namespace tessum::json {
 namespace {
 
-// A text of unknown surroundings has no padding to promise.
+// Nobody can make a padded view of a text whose padding is unknown.
 static_assert(!std::is_constructible_v<PaddedView, std::string_view>);
 
-// What lies behind the text of `view`, which must be readable.
+// The padding after the text of `view`.
 std::string paddingOf(PaddedView view) {
   return {view.text().data() + view.text().size(), kPadding};
 }

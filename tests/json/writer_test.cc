@@ -13,7 +13,7 @@ TEST(AppendString, EscapesSlashesQuotesAndControls) {
   EXPECT_EQ(out, "\"a\\/b\\\"\\\\\\b\\f\\n\\r\\t\\u0001\\u001f\x7f\\u0000é😀\"");
 }
 
-// Texts are looked at eight bytes at a time: every byte at every place among other bytes.
+// Bytes are tested eight at a time, so this tries every byte at every place among other bytes.
 TEST(AppendString, EscapesAByteWhereverItStands) {
   for (int byte = 0; byte < 256; ++byte) {
     std::string alone;

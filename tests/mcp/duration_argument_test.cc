@@ -26,13 +26,13 @@ INSTANTIATE_TEST_SUITE_P(Usual, ParseDuration,
 
 INSTANTIATE_TEST_SUITE_P(
     Quirks, ParseDuration,
-    testing::Values(DurationCase{"1h30", 3600},        // digits behind the last unit are dropped
+    testing::Values(DurationCase{"1h30", 3600},        // digits after the last unit are dropped
                     DurationCase{"1.5h", 54000},       // the point is skipped: fifteen hours
                     DurationCase{"1 5 h", 54000},      //
                     DurationCase{"h30m", 1800},        // a unit without digits is ignored
-                    DurationCase{"30 minutes", 1800},  // the letters behind the unit mean nothing
+                    DurationCase{"30 minutes", 1800},  // the letters after the unit are skipped
                     DurationCase{"-5m", 300},          //
-                    DurationCase{"0m30", 1800},        // nothing so far: a bare number
+                    DurationCase{"0m30", 1800},        // the total is still 0: a bare number
                     DurationCase{"5x", 300}, DurationCase{"1é5m", 900}));
 
 INSTANTIATE_TEST_SUITE_P(Nothing, ParseDuration,

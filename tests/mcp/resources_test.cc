@@ -8,7 +8,7 @@ struct ResourcesTest : EngineTest {
     return call(R"("resources/read")", R"({"uri":")" + uri + "\"}");
   }
 
-  // The text of a resource, whose content must repeat the URI and be all there is.
+  // The text of a resource. Its one content must repeat the URI.
   std::string textOf(const std::string& uri) {
     const json::Value response = read(uri);
     const json::Value::Array& contents = *member(*member(response, "result"), "contents")->array();
@@ -103,7 +103,7 @@ TEST_F(ResourcesTest, YesterdayIsTheWholeLocalDayBefore) {
 
 TEST_F(ResourcesTest, YesterdayFollowsTheZonesClock) {
   const ScopedVariable zone("TZ", "Pacific/Apia");
-  clock_.set({1325239200});  // 2011-12-31 00:00 there; 30 December never was
+  clock_.set({1325239200});  // 2011-12-31 00:00 there, where there was no 30 December
   const double shift = 1325239200 - kNoon.secondsSince1970;
   add("29 December", shift - 3600);
   EXPECT_NE(textOf("tessum://activities/yesterday").find("29 December"), std::string::npos);
@@ -130,7 +130,7 @@ TEST_F(ResourcesTest, UsageIsTheSummaryOfToday) {
 
 TEST_F(ResourcesTest, AStoreErrorIsAnErrorOfTheRequest) {
   sql_.run("DROP TABLE activities");
-  static_cast<void>(read("tessum://activities/today"));  // learns of it
+  static_cast<void>(read("tessum://activities/today"));  // SQLite now knows that it is gone
   EXPECT_EQ(read("tessum://activities/today"),
             json::parse(R"({"jsonrpc":"2.0","id":1,"error":{"code":-32603,)"
                         R"("message":"Failed to prepare statement: no such table: activities"}})"));

@@ -36,7 +36,7 @@ INSTANTIATE_TEST_SUITE_P(Params, ParamsWithoutName,
                                          R"({"name":5})", R"({"name":null})", R"({"name":["x"]})",
                                          R"({"Name":"annotate"})"));
 
-TEST_F(ToolCallsTest, AnUnknownToolIsAResultThatSaysSo) {
+TEST_F(ToolCallsTest, AnUnknownToolIsAnErrorResult) {
   EXPECT_EQ(tool("nope"), (ToolText{"Unknown tool: nope", true}));
   EXPECT_EQ(tool("Annotate"), (ToolText{"Unknown tool: Annotate", true}));
   EXPECT_EQ(tool(""), (ToolText{"Unknown tool: ", true}));
@@ -193,7 +193,7 @@ TEST_F(ToolCallsTest, AStoreErrorIsAResultWithItsDescription) {
   sql_.run("ROLLBACK");
   EXPECT_FALSE(tool("annotate", R"({"text":"x"})").isError);
   sql_.run("DROP TABLE annotations");
-  static_cast<void>(tool("get_annotations"));  // learns of it
+  static_cast<void>(tool("get_annotations"));  // SQLite now knows that it is gone
   EXPECT_EQ(tool("get_activities"),
             (ToolText{"Error: Failed to prepare statement: no such table: annotations", true}));
 }

@@ -82,8 +82,8 @@ void playTranscript(const std::string& path) {
   }
   Sql sql(databasePath);
 
-  // Started with the first message: a database that is being written is locked, which would stop
-  // the start.
+  // Started with the first message: before, SQL may hold a lock on the database, which would make
+  // the start fail.
   std::optional<ChildProcess> server;
   for (const TranscriptLine& line : lines) {
     switch (line.kind) {
@@ -98,7 +98,7 @@ void playTranscript(const std::string& path) {
         break;
       case Kind::expectJson:
       case Kind::expectMatch: {
-        // The server waits for its next line: this one's answer must be here by itself.
+        // The server must answer before it gets the next line.
         ASSERT_TRUE(server.has_value()) << "line " << line.number << ": nothing was sent";
         const auto answer = server->readLine();
         ASSERT_TRUE(answer.has_value()) << "line " << line.number << ": " << server->errors();

@@ -9,8 +9,8 @@
 //   < JSON       the answer to it: the same JSON value, whatever the order of its members
 //   ~ REGEX      the answer to it, where the text depends on the clock: the whole line matches
 //
-// A line that is sent and followed by no answer must get none: at the end, and before each answer,
-// the server is known to have had nothing else to say.
+// A line that is sent without an answer below it must get none: every other line of output fails
+// the test.
 
 #pragma once
 
@@ -27,11 +27,11 @@ struct TranscriptLine {
   int number = 0;  // in the file, from 1
 };
 
-// Reads a transcript. Throws std::runtime_error for a line of another form.
+// Reads a transcript. Throws std::runtime_error for any other line.
 [[nodiscard]] std::vector<TranscriptLine> readTranscript(const std::string& path);
 
-// Holds the conversation with a server of its own, in a data folder of its own, and reports what
-// differs as failures of the running test.
+// Plays the conversation with a new server in a new data folder, and reports differences as
+// failures of the running test.
 void playTranscript(const std::string& path);
 
 }  // namespace tessum

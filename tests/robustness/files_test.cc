@@ -1,5 +1,5 @@
-// The database in trouble: each request is answered with its result or the store's error text,
-// or the server stops before it has read one; and all is well again once the cause is gone.
+// The database in trouble: each request gets its result or the store's error text, or the server
+// stops before it reads one. Everything works again once the cause is gone.
 
 #include <sqlite3.h>
 #include <sys/resource.h>
@@ -23,7 +23,7 @@ constexpr ExitStatus kAborted{.code = {}, .signal = SIGABRT};
 
 class Files : public ServerTest {
  protected:
-  // Each tool once. All are answered; what is not a result is the store's error text.
+  // Calls each tool once. Each answer is a result or the store's error text.
   void expectAnswers(ChildProcess& server) {
     for (const char* tool :
          {"get_activities", "search_activities", "get_app_usage", "annotate", "get_annotations"}) {
@@ -77,7 +77,7 @@ class Files : public ServerTest {
 TEST_F(Files, AFileThatMayNotGrowKeepsWhatWasAnswered) {
   makeStore();
   ChildProcess server(serverProgram(), {.prepare = [] {
-                        std::signal(SIGXFSZ, SIG_IGN);  // as an error, which a full disk gives
+                        std::signal(SIGXFSZ, SIG_IGN);  // makes it an error, as a full disk is
                         const rlimit limit{64 * 1024, 64 * 1024};
                         setrlimit(RLIMIT_FSIZE, &limit);
                       }});
@@ -100,7 +100,7 @@ TEST_F(Files, AFileThatMayNotGrowKeepsWhatWasAnswered) {
 }
 
 TEST_F(Files, AFullDiskIsAnErrorUntilThereIsRoomAgain) {
-  // A small disk that only the server sees. Root of its own making may mount it.
+  // A small disk that only the server sees. It is mounted as root of a user namespace.
   const std::string disk = home() + "/disk";
   fs::create_directory(disk);
   ChildProcess server("unshare",
@@ -132,8 +132,8 @@ TEST_F(Files, AFullDiskIsAnErrorUntilThereIsRoomAgain) {
   EXPECT_EQ(server.finish(), kSuccess);
 }
 
-// Permissions mean nothing to root, so root gives the home away and starts a copy of the server,
-// which must not lie in a folder of root's, as nobody in particular.
+// Permissions mean nothing to root. So root gives the home folder to another user, and runs a copy
+// of the server that lies in it as that user.
 class Permissions : public Files {
  protected:
   Permissions() {
@@ -143,7 +143,7 @@ class Permissions : public Files {
 
   ~Permissions() override { fs::permissions(dataFolder(), fs::perms::owner_all); }
 
-  // What root made in the home belongs to the user.
+  // Gives what root made in the home folder to the user.
   void giveAway() const {
     if (geteuid() != 0) return;
     chownTo(home());
@@ -279,7 +279,7 @@ TEST_P(Damage, IsAnErrorUntilItIsRepaired) {
   overwriteDatabase(damaged(whole));
   expectAnswers(server);
 
-  // A server that starts now says why it cannot, or answers.
+  // A server that starts now answers, or says why it cannot start.
   {
     ChildProcess second(serverProgram());
     second.writeLine(toolCall(1, "get_activities"));
@@ -288,8 +288,8 @@ TEST_P(Damage, IsAnErrorUntilItIsRepaired) {
     EXPECT_EQ(end, line ? kSuccess : kAborted) << second.errors();
   }
 
-  // SQLite tells a change by a counter in the file, and the repair puts the old count back: the
-  // running server may notice it only with the next write, whoever makes it.
+  // SQLite notices changes by a counter in the file, and the repair restores the old count: the
+  // running server may see the repair only after the next write by anyone.
   overwriteDatabase(whole);
   expectANewServerIsHealthy();
   expectHealthy(server);

@@ -26,7 +26,7 @@ TEST_F(Kill, LosesNoAnsweredAnnotation) {
     }
     const auto first = server.readLine();
     ASSERT_TRUE(first) << server.errors();
-    // Not a wait for anything: the moment of the kill is what varies.
+    // This waits for nothing: it only varies the moment of the kill.
     std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
     server.kill();
     server.wait();

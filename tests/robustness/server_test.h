@@ -1,4 +1,4 @@
-// What the tests of this folder share: a user of its own for each, and requests and answers.
+// What the tests of this folder share: a user for each, requests and answers.
 
 #pragma once
 
@@ -34,20 +34,20 @@ struct Answer {
 // Whether the answer is the store's error text.
 [[nodiscard]] bool isStoreError(const Answer& answer);
 
-// Each test has a home folder of its own, which the programs it starts take for the user's.
+// Each test has a home folder of its own, which the programs that it starts use.
 class ServerTest : public testing::Test {
  protected:
   [[nodiscard]] const std::string& home() const { return home_.path(); }
   [[nodiscard]] std::string dataFolder() const { return SystemLocations().dataFolder(); }
   [[nodiscard]] std::string databasePath() const { return dataFolder() + "/activities.db"; }
 
-  // Has a server make the store, with one annotation in it, and end.
+  // Lets a server make the store with one annotation in it.
   void makeStore() const;
 
   // The texts of all annotations, the oldest first.
   [[nodiscard]] std::vector<std::string> storedAnnotations() const;
 
-  // Fails unless SQLite finds the database whole.
+  // Fails unless SQLite finds the database intact.
   void expectWholeDatabase() const;
 
  private:

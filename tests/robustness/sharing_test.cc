@@ -11,7 +11,7 @@ namespace {
 
 class Sharing : public ServerTest {};
 
-// The call that every request of number `id` makes.
+// The call that request number `id` makes.
 std::string callOf(std::int64_t id) {
   switch (id % 4) {
     case 0:
@@ -25,7 +25,7 @@ std::string callOf(std::int64_t id) {
   }
 }
 
-// The beginnings that a result of the call of number `id` may have.
+// Whether the answer begins as a result of its call may.
 bool isResultOf(const Answer& answer) {
   static constexpr std::array<std::array<std::string_view, 2>, 4> kBeginnings = {{
       {"Annotation started: note ", "Annotation started: note "},
@@ -92,7 +92,7 @@ TEST_F(Sharing, ALockedStoreIsAnErrorUntilItIsFree) {
     EXPECT_TRUE(answer.isError);
     EXPECT_EQ(answer.text, "Error: Failed to execute statement: " + sqliteText(SQLITE_BUSY));
 
-    // The schema cannot be looked at either, so a second server stops before its first request.
+    // The schema is locked, too, so a second server stops before its first request.
     ChildProcess second(serverProgram());
     second.writeLine(toolCall(1, "get_annotations"));
     EXPECT_EQ(second.readRest(), "");

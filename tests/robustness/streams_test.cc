@@ -9,7 +9,7 @@ namespace {
 
 const std::string kRequest = toolCall(1, "get_annotations");
 
-// A standard stream each for the bits 0 to 2 of `streams`.
+// Names the standard streams whose bits, 0 to 2, are set in `streams`.
 std::string namesOf(int streams) {
   std::string names;
   if (streams & 1) names += "Input";

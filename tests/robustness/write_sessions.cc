@@ -1,6 +1,5 @@
-// Opens the user's store, prints "writing", writes sessions the way the desktop application does,
-// without pause, until its input ends, and prints how many it has stored. What a lock keeps it
-// from writing is dropped.
+// Opens the user's store, prints "writing", writes sessions without pause until its input ends, and
+// prints how many it has stored. It drops what it cannot write because of a lock.
 
 #include <poll.h>
 #include <unistd.h>

@@ -34,7 +34,7 @@ struct RemedyCase {
 
 class Remedy : public testing::TestWithParam<RemedyCase> {};
 
-// Whatever the message ends with.
+// The message does not matter.
 TEST_P(Remedy, FollowsTheResultCode) {
   for (const char* message : {"", "database is locked", "disk I/O error"}) {
     const std::string advice = remedy(DatabaseError::executionFailed(GetParam().code, message));

@@ -121,7 +121,7 @@ TEST_F(DatabaseTest, MeetsALockAtOnceAndWorksAfterIt) {
 TEST_F(DatabaseTest, FailsToPrepareOnceItKnowsThatATableIsGone) {
   Database database(path_, calendar_);
   Sql(path_).run("DROP TABLE activities");
-  // The statement is prepared from the schema as it was; running it ends early.
+  // SQLite prepares the statement with the old schema; running it ends early.
   EXPECT_TRUE(database.fetchActivities({10}, 1).empty());
   try {
     static_cast<void>(database.fetchActivities({10}, 1));

@@ -100,7 +100,7 @@ TEST_F(UsageTest, LeavesNothingInTheFileNorOnTheConnection) {
   const auto before = readFile(database_.path());
   EXPECT_EQ(database_.appUsage({kNoon}).size(), 1u);
   EXPECT_EQ(readFile(database_.path()), before);
-  // The table can be written again: the view that stood before it is gone.
+  // The table can be written again: the view that hid it is gone.
   add("Editor", {}, kNoon + 1, kNoon + 2, {});
   EXPECT_EQ(database_.appUsage({kNoon})[0].sessionCount, 2);
 }
@@ -112,7 +112,7 @@ TEST_F(UsageTest, WorksWithoutTheIndexThatMakesItFast) {
   EXPECT_EQ(database_.appUsage({kNoon}), usual);
 }
 
-// The statement as it is, without the view: what the answer has to be.
+// The expected answer, from the statement without the view.
 std::multiset<std::string> plainUsage(Sql& sql, double dayStart) {
   const std::string range =
       ">= " + std::to_string(dayStart) + " AND %s < " + std::to_string(dayStart + 86400);
@@ -136,8 +136,8 @@ std::multiset<std::string> plainUsage(Sql& sql, double dayStart) {
   return {rows.begin(), rows.end()};
 }
 
-// Names, bundles, titles and times are drawn from so few that ties and NULLs abound. Where several
-// titles are the newest at the same moment, any of them is right.
+// There are so few names, bundles, titles and times to draw from that ties and NULLs are common.
+// When several titles are the newest at the same moment, any of them is right.
 TEST_F(UsageTest, GivesWhatThePlainStatementGives) {
   std::mt19937 random(20250304);
   const auto below = [&](int n) { return std::uniform_int_distribution<>(0, n - 1)(random); };
