@@ -13,7 +13,7 @@ apt_packages() {
     build)
       echo g++ cmake ninja-build libasio-dev libcli11-dev libcurl4-openssl-dev libre2-dev \
         libsimdjson-dev libsqlite3-dev libsystemd-dev libtomlplusplus-dev \
-        libxcb-screensaver0-dev libxcb-sync0-dev libxcb1-dev
+        libxcb-screensaver0-dev libxcb-sync-dev libxcb1-dev
       ;;
     test)
       echo clang curl dbus-daemon libgtest-dev libssl-dev openbox openssl strace x11-utils xdotool \
