@@ -39,6 +39,7 @@ class OneFile final : public tessum::Files {
 class NoLocations final : public tessum::Locations {
  public:
   [[nodiscard]] std::string homeFolder() const override { return "/home/ann"; }
+  [[nodiscard]] std::string configFolder() const override { return {}; }
   [[nodiscard]] std::string dataFolder() const override { return "/home/ann/Tessum"; }
   [[nodiscard]] std::optional<std::string> executablePath() const override { return {}; }
 };

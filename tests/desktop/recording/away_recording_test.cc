@@ -22,8 +22,8 @@ class AwayRecording : public testing::Test {
     logind_.emplace(loop_, system_.address());
     desktop_.startWindowManager();
     desktop_.addWindow("App");
-    recorder_ = desktop_.start(TESSUM_PROGRAM, {"record", "--no-update-check", "--away-after", "2s",
-                                                "--titles", "last"});
+    recorder_ = desktop_.start(
+        TESSUM_PROGRAM, {"record", "--no-update-check", "--away-after", "2s", "--titles", "last"});
     ASSERT_TRUE(runUntil(loop_, [&] { return logind_->heldInhibitors() == 1; }));
   }
 
