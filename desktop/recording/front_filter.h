@@ -32,7 +32,7 @@ class FrontFilter {
 
   struct Passed {
     std::optional<Front> front;
-    Kept kept;  // how much of what was there
+    Kept kept = Kept::all;  // how much of what was there
   };
 
   // What may be written of `front` now.

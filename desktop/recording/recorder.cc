@@ -72,7 +72,7 @@ void sayWhatWasLeftOpen(const std::vector<Activity>& ended) {
 // The path of a database that is there, takes sessions, and has none open. One that takes nothing,
 // for being read-only or damaged, has to be found out before anything is recorded.
 std::string preparedDatabase(const Host& host, const RecorderState& before) {
-  const std::string path = historyPath(host.locations);
+  std::string path = historyPath(host.locations);
   const auto deadline =
       std::chrono::steady_clock::now() + std::chrono::duration<double>(kLockPatienceSeconds);
   while (true) {

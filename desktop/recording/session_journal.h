@@ -60,7 +60,7 @@ class SessionJournal final : public SessionWriter {
  private:
   struct Batch;
   struct Entry {
-    std::int64_t id;
+    std::int64_t id = 0;
     std::optional<std::int64_t> rowID;
     std::optional<Activity> session;  // absent for one that never was
     bool isUnsaved = true;
