@@ -54,9 +54,7 @@ class BusMessage {
   [[nodiscard]] std::optional<std::tuple<Values...>> read() const {
     std::tuple<Values...> values;
     if (!begin((std::string() + ... + signatureOf(Type<Values>())))) return std::nullopt;
-    if (!std::apply([this](auto&... value) { return (take(value) && ...); }, values)) {
-      return std::nullopt;
-    }
+    if (!takeEach(values)) return std::nullopt;
     return values;
   }
 
@@ -120,8 +118,12 @@ class BusMessage {
 
   template <typename... Ts>
   [[nodiscard]] bool take(std::tuple<Ts...>& values) const {
-    return enter('r', (signatureOf(Type<Ts>()) + ...)) &&
-           std::apply([this](auto&... value) { return (take(value) && ...); }, values) && leave();
+    return enter('r', (signatureOf(Type<Ts>()) + ...)) && takeEach(values) && leave();
+  }
+
+  template <typename... Ts>
+  [[nodiscard]] bool takeEach(std::tuple<Ts...>& values) const {
+    return std::apply([&](auto&... value) { return (take(value) && ...); }, values);
   }
 
   // Goes into a container of that kind, and out behind it.
