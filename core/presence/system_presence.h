@@ -2,11 +2,11 @@
 //
 // On Linux these are seen:
 //
-//   locked      logind's LockedHint, its signals Lock and Unlock, another session in front; the
-//               ActiveChanged of org.freedesktop.ScreenSaver and of the screen savers of GNOME,
-//               Cinnamon, MATE and Xfce
+//   locked      logind's LockedHint, and another session in front; the ActiveChanged of
+//               org.freedesktop.ScreenSaver and of the screen savers of GNOME, Cinnamon, MATE and
+//               Xfce; logind's signal Lock for five seconds, by when a locker has said so itself
 //   asleep      logind's PrepareForSleep
-//   ended       logind's SessionRemoved and PrepareForShutdown
+//   ended       logind's SessionRemoved, a session that is "closing", and PrepareForShutdown
 //   kept awake  logind's inhibitors of this user against "idle", in block mode; those of the GNOME
 //               session manager, which Cinnamon's and MATE's are alike, and of KDE's power
 //               management. A call of org.freedesktop.ScreenSaver.Inhibit is seen where the desktop

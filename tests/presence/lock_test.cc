@@ -73,9 +73,9 @@ TEST_F(LockTest, TellsASaverThatAnswersAtItsSecondPath) {
 
 TEST_F(LockTest, IsLockedWhileAnotherSessionIsInFront) {
   watch();
-  logind_->changeSession("Active", false);
+  logind_->setState("online");
   EXPECT_TRUE(tells({"locked"}));
-  logind_->changeSession("Active", true);
+  logind_->setState("active");
   EXPECT_TRUE(tells({"locked", "unlocked"}));
 }
 

@@ -156,6 +156,29 @@ TEST_F(SleepTest, TheSessionEndsAndTheUserLogsInAnew) {
   EXPECT_TRUE(tells({"ended", "back"}));
 }
 
+TEST_F(SleepTest, ASessionThatIsClosingHasEnded) {
+  watch();
+  logind_->setState("closing");
+  ASSERT_TRUE(tells({"ended"}));
+  // The login screen's session begins, and this one is removed at last.
+  logind_->emitOfSession("SessionNew", "c1", "/org/freedesktop/login1/session/c1");
+  logind_->emitOfSession("SessionRemoved", FakeLogind::kSession, FakeLogind::kSessionPath);
+  logind_->setState("active");
+  logind_->emitOfSession("SessionNew", FakeLogind::kSession, FakeLogind::kSessionPath);
+  EXPECT_TRUE(tells({"ended", "back"}));
+}
+
+TEST_F(SleepTest, TheDelayMayBeLetGoOnAnyThread) {
+  watch();
+  logind_->prepare("PrepareForSleep", true);
+  ASSERT_TRUE(tells({"asleep"}));
+  std::thread other([delay = std::move(delay_)]() mutable { delay = nullptr; });
+  logind_->prepare("PrepareForSleep", false);
+  EXPECT_TRUE(tells({"asleep", "back"}));
+  other.join();
+  EXPECT_TRUE(runUntilHeld(1));
+}
+
 TEST_F(SleepTest, AWakeUpBringsNobodyBackWhoHasLoggedOut) {
   watch();
   logind_->emitOfSession("SessionRemoved", FakeLogind::kSession, FakeLogind::kSessionPath);

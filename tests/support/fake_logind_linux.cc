@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace tessum {
 namespace {
@@ -18,7 +19,7 @@ FakeLogind::FakeLogind(SystemMainLoop& loop, const std::string& address) : peer_
   peer_.setProperty("/org/freedesktop/login1/session/auto", kSessionInterface, "Id",
                     std::string(kSession));
   peer_.setProperty(kSessionPath, kSessionInterface, "LockedHint", false);
-  peer_.setProperty(kSessionPath, kSessionInterface, "Active", true);
+  peer_.setProperty(kSessionPath, kSessionInterface, "State", std::string("active"));
   peer_.setProperty(kPath, kManager, "PreparingForSleep", false);
   peer_.setProperty(kPath, kManager, "PreparingForShutdown", false);
   peer_.answer(kPath, kManager, "GetSession", [](sd_bus_message* call) {
@@ -36,8 +37,13 @@ FakeLogind::FakeLogind(SystemMainLoop& loop, const std::string& address) : peer_
   takeName();
 }
 
-void FakeLogind::changeSession(const std::string& property, bool value) {
-  peer_.changeProperty(kSessionPath, kSessionInterface, property, value);
+void FakeLogind::changeSession(const std::string& property, BusArgument value) {
+  peer_.changeProperty(kSessionPath, kSessionInterface, property, std::move(value));
+}
+
+void FakeLogind::setState(const std::string& state) {
+  peer_.setProperty(kSessionPath, kSessionInterface, "State", state);
+  changeSession("Active", state == "active");
 }
 
 void FakeLogind::changeManager(const std::string& property, const std::string& value) {

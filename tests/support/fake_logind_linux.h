@@ -35,8 +35,11 @@ class FakeLogind {
   void giveUpName() { peer_.giveUpName("org.freedesktop.login1"); }
 
   // Sets a property of the session or of logind, and announces the change.
-  void changeSession(const std::string& property, bool value);
+  void changeSession(const std::string& property, BusArgument value);
   void changeManager(const std::string& property, const std::string& value);
+
+  // Makes the session "active", "online" or "closing". As logind does, it tells of Active alone.
+  void setState(const std::string& state);
 
   void emitFromSession(const std::string& member) {
     peer_.emit(kSessionPath, "org.freedesktop.login1.Session", member, "");

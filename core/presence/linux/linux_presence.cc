@@ -56,8 +56,10 @@ class LinuxPresence::Watch {
     return {.onLocked = [this](bool isLocked) { lock_.set("logind", isLocked); },
             .onLockRequest = [this] { lock_.requestLock(); },
             .onUnlockRequest = [this] { lock_.requestUnlock(); },
-            .onRemoved = [this] { endSession(Absence::loggedOut, nullptr); },
-            .onFound = [this] { end(Absence::loggedOut); }};
+            .onOver =
+                [this](bool isOver) {
+                  isOver ? endSession(Absence::loggedOut, nullptr) : end(Absence::loggedOut);
+                }};
   }
 
   PowerTransitions::Handlers powerHandlers() {

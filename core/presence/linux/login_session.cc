@@ -39,7 +39,7 @@ void LoginSession::start(const std::string& owner) {
   removed_ = system_.subscribe(signal, [this](const BusMessage& message) {
     const auto removed = message.read<std::string, BusObjectPath>();
     if (!removed || id_.empty() || std::get<0>(*removed) != id_) return;
-    handlers_.onRemoved();
+    handlers_.onOver(true);
     forget();
   });
   find();
@@ -71,7 +71,7 @@ void LoginSession::follow(const std::string& id, const std::string& path) {
                                 .interface = "org.freedesktop.DBus.Properties",
                                 .member = "PropertiesChanged",
                                 .firstArgument = logind::kSession},
-                               [this](const BusMessage&) { readState(); });
+                               [this](const BusMessage&) { ask(); });
   BusSignal signal{.sender = owner_, .path = path, .interface = logind::kSession};
   signal.member = "Lock";
   lockRequests_ =
@@ -79,8 +79,7 @@ void LoginSession::follow(const std::string& id, const std::string& path) {
   signal.member = "Unlock";
   unlockRequests_ =
       system_.subscribe(signal, [this](const BusMessage&) { handlers_.onUnlockRequest(); });
-  readState();
-  handlers_.onFound();
+  ask();
 }
 
 void LoginSession::forget() {
@@ -89,25 +88,29 @@ void LoginSession::forget() {
   lockRequests_ = nullptr;
   unlockRequests_ = nullptr;
   hintQuestion_ = nullptr;
-  frontQuestion_ = nullptr;
+  stateQuestion_ = nullptr;
   isHintSet_ = false;
   isInFront_ = true;
   tellLocked();
 }
 
-void LoginSession::readState() {
+void LoginSession::ask() {
   hintQuestion_ = system_.call(busProperty(owner_, path_, logind::kSession, "LockedHint"),
                                [this](const BusMessage& reply) {
                                  const auto hint = reply.readOne<BusVariant<bool>>();
                                  if (hint) isHintSet_ = hint->value;
                                  tellLocked();
                                });
-  frontQuestion_ = system_.call(busProperty(owner_, path_, logind::kSession, "Active"),
-                                [this](const BusMessage& reply) {
-                                  const auto isActive = reply.readOne<BusVariant<bool>>();
-                                  if (isActive) isInFront_ = isActive->value;
-                                  tellLocked();
-                                });
+  stateQuestion_ = system_.call(busProperty(owner_, path_, logind::kSession, "State"),
+                                [this](const BusMessage& reply) { takeState(reply); });
+}
+
+// It is "active" in front, "online" in the background, and "opening" or "closing" for a while.
+void LoginSession::takeState(const BusMessage& reply) {
+  const auto state = reply.readOne<BusVariant<std::string>>();
+  if (state) isInFront_ = state->value != "online";
+  tellLocked();
+  handlers_.onOver(state && state->value == "closing");
 }
 
 void LoginSession::tellLocked() {

@@ -2,6 +2,10 @@
 //
 // logind takes calls at /org/freedesktop/login1/session/auto, but sends signals from the session's
 // own path. So the session's id is asked for first, and its path by that.
+//
+// A session that the user has left is "closing" for as long as a program of it runs, this one
+// included, and only then removed. logind does not announce that; but the login screen comes to the
+// front then, which it does announce.
 
 #pragma once
 
@@ -20,11 +24,11 @@ class LoginSession {
     std::function<void(bool isLocked)> onLocked;  // or another session is in front
     std::function<void()> onLockRequest;
     std::function<void()> onUnlockRequest;
-    std::function<void()> onRemoved;
-    std::function<void()> onFound;  // at first, and after logind or the user was away
+    std::function<void(bool isOver)> onOver;  // false also for the user's next session
   };
 
-  // `system` must outlive it. Without logind, the session is neither locked nor removed.
+  // Tells each state whenever it may have changed. `system` must outlive it. Without logind, the
+  // session is not locked, and as over as it was.
   LoginSession(Bus& system, Handlers handlers);
 
  private:
@@ -33,7 +37,8 @@ class LoginSession {
   void locate(const std::string& id);
   void follow(const std::string& id, const std::string& path);
   void forget();
-  void readState();
+  void ask();
+  void takeState(const BusMessage& reply);
   void tellLocked();
 
   Bus& system_;
@@ -50,7 +55,7 @@ class LoginSession {
   BusSlot lockRequests_;
   BusSlot unlockRequests_;
   BusSlot hintQuestion_;
-  BusSlot frontQuestion_;
+  BusSlot stateQuestion_;
   BusName name_;
 };
 
