@@ -73,7 +73,7 @@ struct FileWatcher::State {
       const auto size = retried([&] { return read(inotify.number(), buffer, sizeof buffer); });
       if (size <= 0) break;
       for (const char* at = buffer; at < buffer + size;) {
-        inotify_event event;
+        inotify_event event{};
         std::memcpy(&event, at, sizeof event);
         hasChanged = hasChanged || isOfFile(event, at + sizeof event);
         at += sizeof event + event.len;
