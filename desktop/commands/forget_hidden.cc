@@ -30,9 +30,9 @@ bool isCut(const Replacement& replacement) {
 }
 
 bool losesTitle(const Replacement& replacement) {
-  const auto& [session, by] = replacement;
-  return std::any_of(by.begin(), by.end(),
-                     [&](const Activity& piece) { return piece.title != session.title; });
+  const auto& title = replacement.session.title;
+  return std::any_of(replacement.by.begin(), replacement.by.end(),
+                     [&](const Activity& piece) { return piece.title != title; });
 }
 
 // "3 sessions", or an empty text for none.
