@@ -1,4 +1,4 @@
-# Install rules: the programs, the core library with its headers, and the package that
+# Install rules: the programs, the core library with its public headers, and the package that
 # find_package(Tessum) finds. It gives one target for each folder and Tessum::Core for all.
 
 include(CMakePackageConfigHelpers)
@@ -6,12 +6,8 @@ include(CMakePackageConfigHelpers)
 get_property(tessum_libraries GLOBAL PROPERTY TESSUM_LIBRARIES)
 
 install(TARGETS ${tessum_libraries} TessumCore EXPORT TessumTargets
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/core"
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessum COMPONENT development
-  FILES_MATCHING PATTERN "*.h"
-  PATTERN http_connection.h EXCLUDE
-  PATTERN http_listener.h EXCLUDE)
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessum COMPONENT development)
 install(EXPORT TessumTargets NAMESPACE Tessum::
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tessum COMPONENT development)
 

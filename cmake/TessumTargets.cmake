@@ -11,17 +11,21 @@ if(TESSUM_WARNINGS_ARE_ERRORS)
   target_compile_options(tessum_options INTERFACE -Werror)
 endif()
 
-# tessum_library(NAME [PUBLIC libraries...] [PRIVATE libraries...] SOURCES files...)
-# makes the static library tessum_NAME, exported as Tessum::NAME. A source whose name ends in
-# _posix, _linux, _x11 or _mac is a body for that system; the caller lists the one that fits.
+# tessum_library(NAME [PUBLIC libraries...] [PRIVATE libraries...] [HEADERS files...] SOURCES files...)
+# makes the static library tessum_NAME, exported as Tessum::NAME. The headers that it lists are
+# installed: those that programs outside this project include, and what these include. A source
+# whose name ends in _posix, _linux or _mac is a body for that system; the caller lists the one that
+# fits.
 function(tessum_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "PUBLIC;PRIVATE;SOURCES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "PUBLIC;PRIVATE;HEADERS;SOURCES")
   set(target tessum_${name})
   add_library(${target} STATIC ${arg_SOURCES})
   add_library(Tessum::${name} ALIAS ${target})
   set_target_properties(${target} PROPERTIES
     EXPORT_NAME ${name}
     POSITION_INDEPENDENT_CODE ON)
+  target_sources(${target} PUBLIC
+    FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${arg_HEADERS})
   target_include_directories(${target} PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
     $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/generated>
