@@ -10,7 +10,7 @@
 #include "core/base/check.h"
 #include "core/bus/bus_message.h"
 #include "fuzz/input.h"
-#include "tests/support/bus_draft_linux.h"
+#include "tests/support/bus/bus_draft_linux.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "core/base/text.h"
 #include "core/mcp/mcp_server.h"
 #include "fuzz/small_store.h"
-#include "tests/support/fake_clock.h"
+#include "tests/support/fakes/fake_clock.h"
 
 namespace tessum {
 namespace {

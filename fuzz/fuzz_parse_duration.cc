@@ -9,7 +9,7 @@
 #include "core/mcp/duration_argument.h"
 #include "core/mcp/mcp_server.h"
 #include "fuzz/small_store.h"
-#include "tests/support/fake_clock.h"
+#include "tests/support/fakes/fake_clock.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace tessum;

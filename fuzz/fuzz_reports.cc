@@ -9,7 +9,7 @@
 #include "core/mcp/reports.h"
 #include "core/store/database.h"
 #include "fuzz/input.h"
-#include "tests/support/fake_clock.h"
+#include "tests/support/fakes/fake_clock.h"
 
 namespace tessum {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "core/bus/bus.h"
-#include "tests/support/bus_linux.h"
+#include "tests/support/bus/bus_linux.h"
 #include "tests/support/environment.h"
 
 namespace tessum {

@@ -9,7 +9,7 @@
 #include <tuple>
 #include <vector>
 
-#include "tests/support/bus_draft_linux.h"
+#include "tests/support/bus/bus_draft_linux.h"
 
 namespace tessum {
 namespace {

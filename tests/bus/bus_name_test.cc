@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/bus_linux.h"
+#include "tests/support/bus/bus_linux.h"
 #include "tests/support/environment.h"
 
 namespace tessum {

@@ -9,7 +9,7 @@
 
 #include "tests/fetch/http_client_fixture.h"
 #include "tests/support/child_process.h"
-#include "tests/support/fake_main_loop.h"
+#include "tests/support/fakes/fake_main_loop.h"
 
 namespace tessum {
 namespace {

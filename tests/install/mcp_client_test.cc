@@ -5,7 +5,7 @@
 #include <string>
 #include <unordered_set>
 
-#include "tests/support/fake_locations.h"
+#include "tests/support/fakes/fake_locations.h"
 
 namespace tessum {
 namespace {

@@ -11,7 +11,7 @@
 #include "core/json/field.h"
 #include "core/json/reader.h"
 #include "core/json/writer.h"
-#include "tests/support/fake_locations.h"
+#include "tests/support/fakes/fake_locations.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessum {

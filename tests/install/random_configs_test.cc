@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "core/install/mcp_installer.h"
-#include "tests/support/fake_locations.h"
+#include "tests/support/fakes/fake_locations.h"
 #include "tests/support/plain_json.h"
 #include "tests/support/temporary_folder.h"
 

@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "core/platform/files.h"
-#include "tests/support/fake_main_loop.h"
+#include "tests/support/fakes/fake_main_loop.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessum {

@@ -13,7 +13,7 @@
 #include "core/json/reader.h"
 #include "core/mcp/mcp_server.h"
 #include "tests/support/environment.h"
-#include "tests/support/fake_clock.h"
+#include "tests/support/fakes/fake_clock.h"
 #include "tests/support/sql.h"
 #include "tests/support/temporary_folder.h"
 

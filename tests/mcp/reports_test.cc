@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tests/support/environment.h"
-#include "tests/support/fake_clock.h"
+#include "tests/support/fakes/fake_clock.h"
 
 namespace tessum {
 namespace {

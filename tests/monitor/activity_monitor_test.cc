@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/fake_clock.h"
-#include "tests/support/fake_main_loop.h"
-#include "tests/support/fake_workspace.h"
+#include "tests/support/fakes/fake_clock.h"
+#include "tests/support/fakes/fake_main_loop.h"
+#include "tests/support/fakes/fake_workspace.h"
 #include "tests/support/sql.h"
 #include "tests/support/temporary_folder.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/fake_main_loop.h"
+#include "tests/support/fakes/fake_main_loop.h"
 
 namespace tessum {
 namespace {

@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "core/presence/linux/linux_presence.h"
-#include "tests/support/bus_linux.h"
+#include "tests/support/bus/bus_linux.h"
+#include "tests/support/bus/fake_logind_linux.h"
 #include "tests/support/environment.h"
-#include "tests/support/fake_clock.h"
-#include "tests/support/fake_logind_linux.h"
-#include "tests/support/fake_steady_clock.h"
+#include "tests/support/fakes/fake_clock.h"
+#include "tests/support/fakes/fake_steady_clock.h"
 
 namespace tessum {
 

@@ -6,7 +6,7 @@
 
 #include "core/json/reader.h"
 #include "core/json/writer.h"
-#include "tests/support/fake_clock.h"
+#include "tests/support/fakes/fake_clock.h"
 
 namespace tessum {
 namespace {

@@ -15,8 +15,8 @@
 
 #include "core/fetch/fetch_program_client.h"
 #include "core/update/update_checker.h"
-#include "tests/support/fake_clock.h"
-#include "tests/support/fake_main_loop.h"
+#include "tests/support/fakes/fake_clock.h"
+#include "tests/support/fakes/fake_main_loop.h"
 #include "tests/support/https_server.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/throw_away_authority.h"

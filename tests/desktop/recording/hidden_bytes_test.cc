@@ -13,8 +13,8 @@
 #include "desktop/recording/session_journal.h"
 #include "desktop/settings/settings_reader.h"
 #include "tests/support/environment.h"
-#include "tests/support/fake_main_loop.h"
-#include "tests/support/fake_steady_clock.h"
+#include "tests/support/fakes/fake_main_loop.h"
+#include "tests/support/fakes/fake_steady_clock.h"
 #include "tests/support/folder_contents.h"
 #include "tests/support/temporary_folder.h"
 

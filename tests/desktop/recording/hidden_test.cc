@@ -6,8 +6,8 @@
 #include "desktop/settings/settings_reader.h"
 #include "tests/desktop/recording/written_sessions.h"
 #include "tests/support/environment.h"
-#include "tests/support/fake_main_loop.h"
-#include "tests/support/fake_steady_clock.h"
+#include "tests/support/fakes/fake_main_loop.h"
+#include "tests/support/fakes/fake_steady_clock.h"
 
 namespace tessum {
 namespace {

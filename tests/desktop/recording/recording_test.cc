@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/desktop/recording/written_sessions.h"
-#include "tests/support/fake_main_loop.h"
-#include "tests/support/fake_steady_clock.h"
+#include "tests/support/fakes/fake_main_loop.h"
+#include "tests/support/fakes/fake_steady_clock.h"
 
 namespace tessum {
 namespace {

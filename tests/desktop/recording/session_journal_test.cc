@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/store/database.h"
-#include "tests/support/fake_main_loop.h"
+#include "tests/support/fakes/fake_main_loop.h"
 #include "tests/support/sql.h"
 #include "tests/support/temporary_folder.h"
 

@@ -6,8 +6,8 @@
 
 #include "core/platform/url_opener.h"
 #include "desktop/settings/settings_file.h"
-#include "tests/support/fake_locations.h"
-#include "tests/support/fake_main_loop.h"
+#include "tests/support/fakes/fake_locations.h"
+#include "tests/support/fakes/fake_main_loop.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessum {

@@ -11,8 +11,8 @@
 #include "core/workspace/desktop_sources.h"
 #include "core/workspace/mac/idle_time.h"
 #include "tests/macos/objc/fake_desktop.h"
-#include "tests/support/fake_main_loop.h"
-#include "tests/support/fake_steady_clock.h"
+#include "tests/support/fakes/fake_main_loop.h"
+#include "tests/support/fakes/fake_steady_clock.h"
 
 namespace tessum {
 namespace {

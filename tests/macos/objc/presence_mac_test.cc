@@ -8,8 +8,8 @@
 
 #include "core/presence/system_presence.h"
 #include "tests/macos/objc/fake_power.h"
-#include "tests/support/fake_clock.h"
-#include "tests/support/fake_steady_clock.h"
+#include "tests/support/fakes/fake_clock.h"
+#include "tests/support/fakes/fake_steady_clock.h"
 
 namespace tessum {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/fake_main_loop.h"
+#include "tests/support/fakes/fake_main_loop.h"
 
 namespace tessum {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/fake_steady_clock.h"
+#include "tests/support/fakes/fake_steady_clock.h"
 
 namespace tessum {
 namespace {

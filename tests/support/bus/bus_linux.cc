@@ -1,4 +1,4 @@
-#include "tests/support/bus_linux.h"
+#include "tests/support/bus/bus_linux.h"
 
 #include <utility>
 #include <variant>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "core/platform/steady_clock.h"
-#include "tests/support/fake_clock.h"
+#include "tests/support/fakes/fake_clock.h"
 
 namespace tessum {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/platform/descriptor.h"
-#include "tests/support/bus_linux.h"
+#include "tests/support/bus/bus_linux.h"
 
 namespace tessum {
 

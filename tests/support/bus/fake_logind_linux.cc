@@ -1,4 +1,4 @@
-#include "tests/support/fake_logind_linux.h"
+#include "tests/support/bus/fake_logind_linux.h"
 
 #include <poll.h>
 #include <unistd.h>

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "core/loop/main_loop.h"
-#include "tests/support/fake_clock.h"
+#include "tests/support/fakes/fake_clock.h"
 
 namespace tessum {
 
