@@ -35,7 +35,7 @@ class X11Test : public testing::Test {
 
   Desktop desktop_;
   SystemMainLoop loop_;
-  const SystemSteadyClock clock_;
+  const SystemSteadyClock clock_{};
 };
 
 // With what a source of that desktop tells.
