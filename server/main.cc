@@ -18,6 +18,7 @@
 #include "core/platform/folders.h"
 #include "core/platform/locations.h"
 #include "core/store/database.h"
+#include "core/store/history_path.h"
 #include "server/line_reader.h"
 #include "server/standard_streams.h"
 
@@ -27,9 +28,9 @@ int main() {
   fillClosedStandardStreams();
   const SystemClock clock;
   const SystemCalendar calendar;
-  const std::string dataFolder = SystemLocations().dataFolder();
-  createPrivateFolders(dataFolder);
-  const auto database = std::make_shared<Database>(dataFolder + "/activities.db", calendar);
+  const SystemLocations locations;
+  createPrivateFolders(locations.dataFolder());
+  const auto database = std::make_shared<Database>(historyPath(locations), calendar);
   MCPServer server(database, limits::kDefaultPort, clock, calendar);
 
   LineReader input(STDIN_FILENO);

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "core/store/database.h"
+#include "tools/demo_words.h"
 
 namespace tessum {
 namespace {
@@ -45,76 +46,6 @@ class Random {
   std::mt19937_64 engine_;
 };
 
-struct Application {
-  std::string_view name;
-  const char* bundleID;  // null for a program that has none
-  std::size_t share;     // how often it comes to the front, compared with the others
-  // Titles; "#" stands for a number. None: the application shows no titles.
-  std::vector<std::string_view> titles;
-};
-
-const std::vector<Application>& applications() {
-  static const std::vector<Application> kApplications = {
-      {"Tuskpad",
-       "example.larkwood.Tuskpad",
-       24,
-       {"harvest_plan.cc \u2014 orchard", "irrigation/valve_test.cc \u2014 orchard",
-        "README.md \u2014 orchard", "soil_sensor.h \u2014 orchard", "CHANGES \u2014 seedbank",
-        "Untitled-#", "export/report_writer.cc \u2014 seedbank", "Find in files: \"moisture\""}},
-      {"Fernglass",
-       "example.larkwood.Fernglass",
-       22,
-       {"Request #: Read valve state once \u00b7 orchard", "Soil moisture \u2013 overview",
-        "Search: linker order static library", "Weather for the week | Anywhere",
-        "Team wiki / Planting calendar", "Caf\u00e9 Zur Linde \u2013 lunch menu",
-        "Build # failed \u00b7 orchard", "How to prune a pear tree \u2013 a guide in 12 pictures",
-        "New page"}},
-      {"Mottershell",
-       "example.mottershell",
-       18,
-       {"~/orchard \u2014 make", "~/orchard \u2014 less build.log", "root@barn: /var/log",
-        "~/seedbank \u2014 sh", "~ \u2014 history | tail -#"}},
-      {"Pigeonloft",
-       "example.pigeonloft.Mail",
-       12,
-       {"Inbox (#)", "Re: Greenhouse budget", "Invoice # from the nursery", "Drafts",
-        "Re: Re: Who waters over the holidays?", "New message"}},
-      {"Hollerbox",
-       "example.hollerbox",
-       12,
-       {"#general", "Mira Okonjo-Vale", "orchard-dev (#)", "Tomas & Ines", "random \U0001F33B"}},
-      {"Inkwhistle",
-       "example.inkwhistle.Notes",
-       7,
-       {"Meeting notes, week #", "Ideas", "To do", "Talk \u2013 outline",
-        "Einkaufsliste: \u00c4pfel"}},
-      {"Tabulane",
-       "example.tabulane",
-       6,
-       {"harvest_2.tab", "budget draft #.tab", "seed orders.tab"}},
-      {"Parleyroom", "example.parleyroom.Calls", 4, {"Orchard weekly", "Call with Mira", ""}},
-      {"Paperstork",
-       "example.paperstork.Reader",
-       4,
-       {"valve-manual.pdf (page # of 96)", "contract_signed.pdf", "Soil science, volume #.pdf"}},
-      {"Muralto", "example.muralto.Draw", 4, {"greenhouse front @2x", "icon set #", ""}},
-      {"Cobblefiles", "example.cobble.Files", 5, {"Downloads", "orchard", "Photos/2 spring", ""}},
-      {"Dayrack", "example.dayrack", 3, {"This week", "Today"}},
-      {"Sundrytunes", "example.sundrytunes", 2, {}},
-      {"Kettle Timer", nullptr, 1, {}},
-  };
-  return kApplications;
-}
-
-constexpr std::string_view kAnnotationTexts[] = {
-    "Reviewing the valve driver",        "Fixing the moisture sensor drift",
-    "Writing the release notes",         "Weekly planning with Mira",
-    "Reading about drip irrigation",     "Mail and small things",
-    "Preparing the talk on pear trees",  "Budget for the second greenhouse",
-    "Debugging the night-time watchdog", "Pairing with Tomas on the importer",
-    "Trying out the new report layout",  "Cleaning up the seedbank export",
-};
-
 std::string withNumber(std::string_view pattern, Random& random) {
   std::string text(pattern);
   // "#general" is a name, not a place for a number.
@@ -123,18 +54,18 @@ std::string withNumber(std::string_view pattern, Random& random) {
   return text;
 }
 
-const Application& anyApplication(Random& random) {
+const DemoApplication& anyApplication(Random& random) {
   std::size_t shares = 0;
-  for (const Application& application : applications()) shares += application.share;
+  for (const DemoApplication& application : demoApplications()) shares += application.share;
   std::size_t drawn = random.below(shares);
-  for (const Application& application : applications()) {
+  for (const DemoApplication& application : demoApplications()) {
     if (drawn < application.share) return application;
     drawn -= application.share;
   }
-  return applications().front();
+  return demoApplications().front();
 }
 
-std::optional<std::string> anyTitle(const Application& application, Random& random) {
+std::optional<std::string> anyTitle(const DemoApplication& application, Random& random) {
   if (application.titles.empty() || random.happens(3)) return std::nullopt;
   return withNumber(random.oneOf(application.titles), random);
 }
@@ -168,7 +99,7 @@ class Person {
 
  private:
   Activity session(Date start, Date end) {
-    const Application* next = random_.happens(35) ? previous_ : &anyApplication(random_);
+    const DemoApplication* next = random_.happens(35) ? previous_ : &anyApplication(random_);
     previous_ = std::exchange(current_, next);
     Activity activity{.id = {},
                       .appName = std::string(next->name),
@@ -181,8 +112,8 @@ class Person {
   }
 
   Random random_;
-  const Application* current_ = &applications()[0];
-  const Application* previous_ = &applications()[1];
+  const DemoApplication* current_ = &demoApplications()[0];
+  const DemoApplication* previous_ = &demoApplications()[1];
 };
 
 bool isWeekend(Date dayStart) {
@@ -250,7 +181,7 @@ std::vector<Annotation> annotationsOver(const std::vector<Activity>& activities,
     const Date start = movedBy(activities[i * activities.size() / count].startTime, 20);
     if (!annotations.empty()) annotations.back().endedAt = start;
     annotations.push_back({.id = {},
-                           .text = std::string(random.oneOf(kAnnotationTexts)),
+                           .text = std::string(random.oneOf(demoNotes())),
                            .startedAt = start,
                            .endedAt = {}});
   }

@@ -1,5 +1,7 @@
 #include "core/http/http_response.h"
 
+#include "core/http/endpoint_url.h"
+
 namespace tessum {
 namespace {
 
@@ -34,7 +36,7 @@ std::string responseHead(const HTTPResponse& response) {
 
 HTTPResponse respond(const HTTPRequest& request, const AnswerMessage& answerMessage) {
   if (request.method == "OPTIONS") return {204, kJson, ""};
-  if (request.method == "POST" && request.path == "/mcp") {
+  if (request.method == "POST" && request.path == kEndpointPath) {
     return {200, kJson, answerMessage(request.body).value_or("")};
   }
   if (request.method == "GET" && request.path == "/") {

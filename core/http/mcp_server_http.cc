@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "core/http/endpoint_url.h"
 #include "core/http/http_transport.h"
 #include "core/mcp/mcp_server.h"
 
@@ -25,7 +26,7 @@ std::error_code MCPServer::listeningError() const {
 }
 
 std::string MCPServer::endpointURL() const {
-  return "http://localhost:" + std::to_string(port_) + "/mcp";
+  return tessum::endpointURL(port_);
 }
 
 }  // namespace tessum

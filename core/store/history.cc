@@ -18,10 +18,6 @@ constexpr std::int64_t kRowsPerStep = 2000;
 
 }  // namespace
 
-std::string historyPath(const Locations& locations) {
-  return locations.dataFolder() + "/activities.db";
-}
-
 std::string remedy(const DatabaseError& error) {
   switch (error.code()) {
     case SQLITE_BUSY:

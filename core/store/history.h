@@ -6,8 +6,9 @@
 // reports every failure; it waits a moment for a lock that another program holds; and it never
 // creates a file.
 //
-// The recorder does not wait for locks either: what it cannot write it loses. So no lock is ever
-// held while a person is asked or output is written, and long reads are done in short steps.
+// The recorder keeps in memory what a lock does not let it write, and an assistant that meets a
+// lock reads nothing. So no lock is ever held while a person is asked or output is written, and
+// long reads are done in short steps.
 
 #pragma once
 
@@ -22,16 +23,13 @@
 
 #include "core/base/date.h"
 #include "core/platform/calendar.h"
-#include "core/platform/locations.h"
 #include "core/store/database_error.h"
+#include "core/store/history_path.h"
 #include "core/store/records.h"
 
 struct sqlite3;
 
 namespace tessum {
-
-// Where the history lies; the file need not exist.
-[[nodiscard]] std::string historyPath(const Locations& locations);
 
 // There is no history yet.
 class NoHistory : public std::runtime_error {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/base/limits.h"
+#include "core/http/endpoint_url.h"
 
 namespace tessum {
 namespace {
@@ -33,7 +34,7 @@ EndpointState endpointState() {
 }
 
 std::string usualEndpointURL() {
-  return "http://localhost:" + std::to_string(limits::kDefaultPort) + "/mcp";
+  return endpointURL(limits::kDefaultPort);
 }
 
 }  // namespace tessum

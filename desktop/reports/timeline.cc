@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "desktop/reports/timeline_scale.h"
 #include "desktop/reports/wall_clock.h"
 
 namespace tessum {
@@ -66,8 +67,6 @@ constexpr std::size_t kColours = 10;
 
 // Measures of the drawing, in its own units.
 constexpr double kWidth = 1200;
-constexpr double kPlotLeft = 172;
-constexpr double kPlotRight = 1050;
 constexpr double kTotalsRight = 1154;
 constexpr double kAxisHeight = 26;
 constexpr double kNoteHeight = 26;
@@ -77,9 +76,6 @@ constexpr double kBarHeight = 18;
 constexpr double kGap = 12;
 constexpr double kLeastSpan = 0.8;   // a shorter one could not be seen
 constexpr double kNoteColumn = 7.6;  // of a usual character of a note
-
-constexpr double kHour = 3600;
-constexpr double kShortestPlot = 4 * kHour;
 
 std::string escaped(std::string_view text) {
   std::string out;
@@ -138,59 +134,6 @@ std::string spanText(Date start, const std::optional<Date>& end, Date now) {
   return clockText(start) + "–" + (end ? clockText(*end) : "now") + ", " +
          durationText(seconds, DurationForm::longForm);
 }
-
-// The part of the day that is drawn, and where each moment of it lies. Hours are as long as they
-// took: on a day when the clock is changed one is missing or drawn twice.
-class Scale {
- public:
-  Scale(const DayHistory& history) : start_(history.day.end), end_(history.day.start) {
-    for (const Activity& session : history.sessions) {
-      include(history, session.startTime, session.endTime.value_or(history.now));
-    }
-    for (const Annotation& note : history.notes) {
-      // A note can go on for days; where it begins on this one it is shown.
-      include(history, note.startedAt, note.startedAt);
-    }
-    if (start_.secondsSince1970 > end_.secondsSince1970) {
-      start_ = movedBy(history.day.start, 9 * kHour);
-      end_ = movedBy(history.day.start, 17 * kHour);
-    }
-    const WallTime begin = wallTime(start_);
-    start_ = movedBy(start_, -(begin.minute * 60.0 + begin.second));
-    const double hours = std::ceil(secondsBetween(start_, end_) / kHour);
-    end_ = movedBy(start_, std::max(hours * kHour, kShortestPlot));
-  }
-
-  [[nodiscard]] double x(Date date) const {
-    const double share = secondsBetween(start_, date) / secondsBetween(start_, end_);
-    return kPlotLeft + std::clamp(share, 0.0, 1.0) * (kPlotRight - kPlotLeft);
-  }
-
-  [[nodiscard]] bool contains(Date date) const {
-    return date.secondsSince1970 >= start_.secondsSince1970 &&
-           date.secondsSince1970 <= end_.secondsSince1970;
-  }
-
-  // The full hours from the left to the right edge.
-  [[nodiscard]] std::vector<Date> hours() const {
-    std::vector<Date> hours;
-    for (Date hour = start_; contains(hour); hour = movedBy(hour, kHour)) hours.push_back(hour);
-    return hours;
-  }
-
- private:
-  void include(const DayHistory& history, Date start, Date end) {
-    const double first = history.day.start.secondsSince1970;
-    const double last = history.day.end.secondsSince1970;
-    start_.secondsSince1970 =
-        std::min(start_.secondsSince1970, std::clamp(start.secondsSince1970, first, last));
-    end_.secondsSince1970 =
-        std::max(end_.secondsSince1970, std::clamp(end.secondsSince1970, first, last));
-  }
-
-  Date start_;
-  Date end_;
-};
 
 // The applications of a day in the order of their totals. Those behind the last colour share a row.
 class Rows {
@@ -341,7 +284,7 @@ class Drawing {
   }
 
   const DayHistory& history_;
-  const Scale scale_;
+  const TimelineScale scale_;
   const Rows rows_;
   std::string out_;
 };

@@ -1,77 +1,17 @@
-// The client commands of the real program, run as a person runs them.
+// install and uninstall, as a person runs them with the real program.
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdint>
 #include <cstring>
-#include <filesystem>
 #include <map>
-#include <sstream>
-#include <string>
-#include <vector>
 
-#include "core/json/field.h"
-#include "core/json/reader.h"
-#include "core/json/writer.h"
-#include "tests/desktop/clients/client_user.h"
-#include "tests/desktop/loopback_server.h"
+#include "tests/desktop/clients/client_commands_fixture.h"
 #include "tests/support/folder_contents.h"
 
 namespace tessum {
 namespace {
-
-namespace fs = std::filesystem;
-
-constexpr char kClaudeFile[] = TESSUM_CLAUDE_FILE;
-constexpr char kCursorFile[] = ".cursor/mcp.json";
-constexpr char kWindsurfFile[] = ".codeium/windsurf/mcp_config.json";
-constexpr char kContinueFile[] = ".continue/mcpServers/tessum.json";
-constexpr char kCataloguedContinueFile[] = ".continue/config.json";
-constexpr char kHttpConfig[] =
-    R"({"mcpServers":{"tessum":{"url":"http:\/\/localhost:7384\/mcp"}}})";
-
-constexpr std::uint16_t kEndpointPort = 7384;
-
-// The server that lies beside the program.
-std::string serverPath() {
-  return fs::path(TESSUM_PROGRAM).parent_path().string() + "/TessumMCP";
-}
-
-class ClientCommands : public testing::Test {
- protected:
-  [[nodiscard]] std::string config(const char* name) const {
-    return json::compact(json::parse(readFile(user_.file(name))));
-  }
-
-  [[nodiscard]] std::string command(const char* name) const {
-    const json::Value document = json::parse(readFile(user_.file(name)));
-    const json::Field servers = json::Field(document).required("mcpServers");
-    const json::Field entry = servers.required("tessum");
-    EXPECT_TRUE(entry.required("args").elements().empty());
-    return entry.required("command").text();
-  }
-
-  // The row of the table that shows the file `name`, with single blanks between words; empty when
-  // there is none.
-  [[nodiscard]] std::string row(const char* name) const {
-    const ClientRun run = user_.run({"clients"});
-    EXPECT_EQ(run.status, 0);
-    std::istringstream lines(run.output);
-    for (std::string line; std::getline(lines, line);) {
-      if (!line.ends_with(user_.home() + "/" + name)) continue;
-      const auto isSecondBlank = [](char a, char b) { return a == ' ' && b == ' '; };
-      line.erase(std::unique(line.begin(), line.end(), isSecondBlank), line.end());
-      return line.substr(1, line.rfind(user_.home()) - 2);
-    }
-    return "";
-  }
-
-  const ClientUser user_{};
-};
 
 ////////////////////////////////////////////////////////////////////////////////////////////////
 // install
@@ -273,83 +213,6 @@ TEST_F(ClientCommands, UninstallTakesTheFileOfAnyApplication) {
   ASSERT_EQ(user_.run({"install", "--file", file}).status, 0);
   EXPECT_EQ(user_.run({"uninstall", "--file", file}).status, 0);
   EXPECT_EQ(config("mcp.json"), R"({"mcpServers":{}})");
-}
-
-////////////////////////////////////////////////////////////////////////////////////////////////
-// clients
-
-TEST_F(ClientCommands, ClientsShowsWhereNothingIsRegistered) {
-  EXPECT_EQ(row(kClaudeFile), "Claude Desktop no - -");
-  EXPECT_EQ(row(kCursorFile), "Cursor no - -");
-  EXPECT_EQ(row(kWindsurfFile), "Windsurf no - -");
-  EXPECT_EQ(row(kContinueFile), "Continue no - -");
-  EXPECT_EQ(row(kCataloguedContinueFile), "");
-}
-
-TEST_F(ClientCommands, ClientsListsTheApplicationsInTheCataloguesOrder) {
-  const std::string output = user_.run({"clients"}).output;
-  const auto at = [&](const char* name) { return output.find(name); };
-  EXPECT_LT(at("Application"), at("Claude Desktop"));
-  EXPECT_LT(at("Claude Desktop"), at("Cursor"));
-  EXPECT_LT(at("Cursor"), at("Windsurf"));
-  EXPECT_LT(at("Windsurf"), at("Continue"));
-  EXPECT_EQ(output.find('\x1B'), std::string::npos);  // plain where it is no terminal
-}
-
-TEST_F(ClientCommands, ClientsTellsWhetherTheServerIsThere) {
-  ASSERT_EQ(user_.run({"install", "cursor"}).status, 0);
-  EXPECT_EQ(row(kCursorFile), "Cursor yes stdio yes");
-  writeFile(user_.file(kCursorFile),
-            R"({"mcpServers":{"tessum":{"command":"/nowhere/TessumMCP","args":[]}}})");
-  EXPECT_EQ(row(kCursorFile), "Cursor yes stdio no: its program is missing");
-  writeFile(user_.file(kCursorFile),
-            R"({"mcpServers":{"tessum":{"command":")" + user_.home() + R"("}}})");
-  EXPECT_EQ(row(kCursorFile), "Cursor yes stdio no: its program is missing");
-  writeFile(user_.file(kCursorFile), R"({"mcpServers":{"tessum":{"command":"TessumMCP"}}})");
-  EXPECT_EQ(row(kCursorFile), "Cursor yes stdio no: its program is not given by its full path");
-}
-
-TEST_F(ClientCommands, ClientsTellsWhetherTheEndpointAnswers) {
-  writeFile(user_.file(kCursorFile), kHttpConfig);
-  LoopbackServer server(kEndpointPort);
-  if (!server.isBound()) GTEST_SKIP() << "the endpoint's port is taken";
-  EXPECT_EQ(row(kCursorFile), "Cursor yes HTTP no: \"Tessum record --http\" is not running");
-  server.answerWith(
-      "HTTP/1.1 200 OK\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Length: 60\r\n\r\n"
-      "Tessum MCP Server \u2013 POST /mcp with a JSON-RPC 2.0 request.");
-  EXPECT_EQ(row(kCursorFile), "Cursor yes HTTP yes");
-}
-
-TEST_F(ClientCommands, ClientsTakesNoOtherServerForTheEndpoint) {
-  writeFile(user_.file(kCursorFile), kHttpConfig);
-  LoopbackServer server(kEndpointPort);
-  if (!server.isBound()) GTEST_SKIP() << "the endpoint's port is taken";
-  server.answerWith("HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
-  EXPECT_EQ(row(kCursorFile), "Cursor yes HTTP no: \"Tessum record --http\" is not running");
-}
-
-TEST_F(ClientCommands, ClientsTellsOfEntriesThatAreNotOurs) {
-  writeFile(user_.file(kCursorFile), R"({"mcpServers":{"tessum":{"url":"http://example/mcp"}}})");
-  EXPECT_EQ(row(kCursorFile), "Cursor yes HTTP no: its URL is not Tessum's");
-  writeFile(user_.file(kCursorFile), R"({"mcpServers":{"tessum":null}})");
-  EXPECT_EQ(row(kCursorFile), "Cursor yes unknown no: it names neither a program nor a URL");
-}
-
-TEST_F(ClientCommands, ClientsShowsAnEntryThatTheApplicationDoesNotRead) {
-  writeFile(user_.file(kCataloguedContinueFile), kHttpConfig);
-  EXPECT_EQ(row(kContinueFile), "Continue no - -");
-  EXPECT_EQ(row(kCataloguedContinueFile),
-            "Continue yes HTTP no: the application does not read this file");
-}
-
-TEST_F(ClientCommands, ClientsSaysWhichFilesItCannotMakeOut) {
-  writeFile(user_.file(kCursorFile), "{,}");
-  fs::create_symlink("mcp_config.json", user_.file(kWindsurfFile));
-  EXPECT_EQ(row(kCursorFile), "Cursor no - -");
-  EXPECT_EQ(row(kWindsurfFile), "Windsurf unknown - -");
-  const std::string errors = user_.run({"clients"}).errors;
-  EXPECT_NE(errors.find(user_.file(kCursorFile) + " is not a JSON object"), std::string::npos);
-  EXPECT_NE(errors.find("Cannot read " + user_.file(kWindsurfFile)), std::string::npos);
 }
 
 ////////////////////////////////////////////////////////////////////////////////////////////////

@@ -1,0 +1,18 @@
+// Where clients on this computer reach the endpoint.
+
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tessum {
+
+// The path that takes messages.
+inline constexpr char kEndpointPath[] = "/mcp";
+
+// For example "http://localhost:7384/mcp".
+[[nodiscard]] inline std::string endpointURL(std::uint16_t port) {
+  return "http://localhost:" + std::to_string(port) + kEndpointPath;
+}
+
+}  // namespace tessum
