@@ -57,13 +57,13 @@ const std::vector<DemoApplication>& demoApplications() {
 
 const std::vector<std::string_view>& demoNotes() {
   static const std::vector<std::string_view> kNotes = {
-    "Reviewing the valve driver",        "Fixing the moisture sensor drift",
-    "Writing the release notes",         "Weekly planning with Mira",
-    "Reading about drip irrigation",     "Mail and small things",
-    "Preparing the talk on pear trees",  "Budget for the second greenhouse",
-    "Debugging the night-time watchdog", "Pairing with Tomas on the importer",
-    "Trying out the new report layout",  "Cleaning up the seedbank export",
-};
+      "Reviewing the valve driver",        "Fixing the moisture sensor drift",
+      "Writing the release notes",         "Weekly planning with Mira",
+      "Reading about drip irrigation",     "Mail and small things",
+      "Preparing the talk on pear trees",  "Budget for the second greenhouse",
+      "Debugging the night-time watchdog", "Pairing with Tomas on the importer",
+      "Trying out the new report layout",  "Cleaning up the seedbank export",
+  };
   return kNotes;
 }
 

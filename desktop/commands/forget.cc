@@ -36,10 +36,6 @@ Selection selectionOf(const Host& host, const ForgetOptions& options) {
   return selection;
 }
 
-std::string counted(std::int64_t count, const std::string& thing) {
-  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
 // What is about to be deleted, as one sentence.
 std::string description(const Selection& selection, const Selected& selected) {
   std::string text = counted(selected.sessions, "session");

@@ -35,20 +35,16 @@ bool losesTitle(const Replacement& replacement) {
                      [&](const Activity& piece) { return piece.title != title; });
 }
 
-// "3 sessions", or an empty text for none.
-std::string counted(std::int64_t count) {
-  return count == 0 ? "" : std::to_string(count) + (count == 1 ? " session" : " sessions");
-}
-
-void addPart(std::string& text, const std::string& verb, const std::string& sessions) {
-  if (sessions.empty()) return;
-  text += (text.empty() ? "" : ", ") + verb + " " + sessions;
+// Adds what happens to `count` sessions, unless there are none.
+void addPart(std::string& text, const std::string& verb, std::int64_t count) {
+  if (count == 0) return;
+  text += (text.empty() ? "" : ", ") + verb + " " + counted(count, "session");
 }
 
 // What is about to happen, as the rest of a sentence.
 std::string description(const std::vector<Replacement>& replacements) {
   const auto count = [&](const auto& isMeant) {
-    return counted(std::count_if(replacements.begin(), replacements.end(), isMeant));
+    return std::count_if(replacements.begin(), replacements.end(), isMeant);
   };
   std::string text;
   addPart(text, "deletes", count([](const Replacement& each) { return each.by.empty(); }));

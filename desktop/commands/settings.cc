@@ -81,10 +81,7 @@ void check(const Host& host) {
     print(path + " does not exist, so everything is as usual.\n");
     return;
   }
-  const auto counted = [](std::size_t count, const std::string& one, const std::string& many) {
-    return std::to_string(count) + " " + (count == 1 ? one : many);
-  };
-  print(path + " is understood: " + counted(settings.rules.hide.size(), "rule", "rules") + ", " +
+  print(path + " is understood: " + counted(settings.rules.hide.size(), "rule") + ", " +
         counted(settings.rules.categories.size(), "category", "categories") + ".\n");
 }
 

@@ -9,6 +9,7 @@
 #include "core/store/history.h"
 #include "desktop/doctor/finding.h"
 #include "desktop/recording/recorder_state.h"
+#include "desktop/reports/text_layout.h"
 #include "desktop/reports/wall_clock.h"
 
 namespace tessum {
@@ -24,7 +25,7 @@ std::filesystem::path nearestExisting(std::filesystem::path path) {
 }
 
 std::string countText(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " session was" : " sessions were");
+  return counted(count, "session was", "sessions were");
 }
 
 // Those left open by a recorder that was cut off, and those whose end could not be written.

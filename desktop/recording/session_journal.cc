@@ -9,6 +9,7 @@
 
 #include "core/store/database_error.h"
 #include "core/store/session_store.h"
+#include "desktop/reports/text_layout.h"
 
 namespace tessum {
 namespace {
@@ -170,9 +171,10 @@ void SessionJournal::handleFailure(const std::string& reason) {
 void SessionJournal::handleSuccess() {
   failures_ = 0;
   if (std::exchange(hasComplained_, false)) {
-    say_(lost_ == 0 ? "The history can be written again; nothing was lost."
-                    : "The history can be written again; " + std::to_string(lost_) +
-                          " sessions were too many to keep and are lost.");
+    say_(lost_ == 0
+             ? "The history can be written again; nothing was lost."
+             : "The history can be written again; " +
+                   counted(lost_, "session was", "sessions were") + " too many to keep, and lost.");
     lost_ = 0;
   }
   forgetOld();
@@ -210,7 +212,7 @@ bool SessionJournal::finish(double seconds) {
     if (std::chrono::steady_clock::now() >= deadline) break;
     std::this_thread::sleep_for(kRetryAtTheEnd);
   }
-  say_(std::to_string(unsaved_) + " sessions could not be written to the history and are lost.");
+  say_(counted(unsaved_, "session") + " could not be written to the history, and lost.");
   return false;
 }
 

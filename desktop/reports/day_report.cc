@@ -14,10 +14,6 @@ using enum Table::Alignment;
 
 constexpr std::size_t kBarColumns = 24;
 
-std::string counted(std::size_t count, const std::string& thing) {
-  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
 std::string totalText(std::span<const Activity> sessions, Date now) {
   double seconds = 0;
   for (const Activity& session : sessions) seconds += secondsUntil(now, session);
@@ -46,7 +42,7 @@ std::string usageTable(std::span<const Activity> sessions, Date now, const Paper
     table.addRow({{summary.appName, Tone::strong},
                   {summary.formattedDuration()},
                   {std::to_string(percent) + "%"},
-                  {counted(static_cast<std::size_t>(summary.sessionCount), "session"), Tone::faint},
+                  {counted(summary.sessionCount, "session"), Tone::faint},
                   {bar(share, kBarColumns), Tone::accent}});
   }
   return table.text(paper);

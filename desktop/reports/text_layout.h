@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,10 @@ struct Paper {
 
 // `text` cut to at most `columns`, ending in an ellipsis where something was cut.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
+
+// "1 session", "3 sessions"; `many` where the plural is not `one` with an "s".
+[[nodiscard]] std::string counted(std::int64_t count, const std::string& one,
+                                  const std::string& many = "");
 
 // A bar for `share` of `columns`, in eighths of a column; any share above 0 shows.
 [[nodiscard]] std::string bar(double share, std::size_t columns);

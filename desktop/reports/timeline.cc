@@ -125,10 +125,6 @@ std::string label(double x, double y, const char* style, const std::string& cont
          escaped(content) + "</text>\n";
 }
 
-std::string counted(std::size_t count, const std::string& thing) {
-  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
 std::string spanText(Date start, const std::optional<Date>& end, Date now) {
   const double seconds = secondsUntil(now, start, end);
   return clockText(start) + "–" + (end ? clockText(*end) : "now") + ", " +

@@ -13,7 +13,8 @@ constexpr double kShortestPlot = 4 * kHour;
 
 }  // namespace
 
-TimelineScale::TimelineScale(const DayHistory& history) : start_(history.day.end), end_(history.day.start) {
+TimelineScale::TimelineScale(const DayHistory& history)
+    : start_(history.day.end), end_(history.day.start) {
   for (const Activity& session : history.sessions) {
     include(history, session.startTime, session.endTime.value_or(history.now));
   }

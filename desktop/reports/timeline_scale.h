@@ -21,7 +21,8 @@ class TimelineScale {
   // four hours; working hours where nothing happened.
   explicit TimelineScale(const DayHistory& history);
 
-  // Between kPlotLeft and kPlotRight; a date before or after the part that is drawn lies on its edge.
+  // Between kPlotLeft and kPlotRight; a date before or after the part that is drawn lies on its
+  // edge.
   [[nodiscard]] double x(Date date) const;
 
   [[nodiscard]] bool contains(Date date) const;
