@@ -12,13 +12,15 @@ apt_packages() {
   case $1 in
     build)
       echo g++ cmake ninja-build libasio-dev libcli11-dev libcurl4-openssl-dev libre2-dev \
-        libsimdjson-dev libsqlite3-dev libsystemd-dev libtomlplusplus-dev \
-        libxcb-screensaver0-dev libxcb-sync-dev libxcb1-dev
+        libsimdjson-dev libsqlite3-dev libsystemd-dev libtomlplusplus-dev libwayland-dev \
+        libxcb-screensaver0-dev libxcb-sync-dev libxcb1-dev plasma-wayland-protocols \
+        wayland-protocols
       ;;
     test)
       echo clang curl dbus-daemon libgtest-dev libssl-dev openbox openssl strace x11-utils xdotool \
         xterm xvfb zenity
       ;;
+    desktops) echo foot sway swaylock xterm xwayland zenity ;;
     package) echo dpkg-dev file ;;
     install) echo binutils cmake debootstrap ;;
     benchmark) echo libbenchmark-dev ;;

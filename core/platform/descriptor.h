@@ -27,6 +27,9 @@ class Descriptor {
   // -1 when none is held.
   [[nodiscard]] int number() const { return number_; }
 
+  // Gives the number to a new owner.
+  [[nodiscard]] int release() { return std::exchange(number_, -1); }
+
   // Closes it before the object goes. Gives 0, or -1 with errno set, which is no reason to do it
   // again: the number may be another file's by then.
   [[nodiscard]] int close() { return ::close(std::exchange(number_, -1)); }

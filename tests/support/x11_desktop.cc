@@ -41,30 +41,6 @@ Desktop::~Desktop() {
   xcb_disconnect(connection_);
 }
 
-std::unique_ptr<ChildProcess> Desktop::start(const std::string& program,
-                                             const std::vector<std::string>& arguments,
-                                             const std::vector<std::string>& environment) const {
-  std::vector<std::string> all = environment;
-  for (const auto& variable :
-       {"DISPLAY=" + display_, "HOME=" + home_.path(), "XDG_DATA_HOME=" + home_.file("data"),
-        "XDG_CONFIG_HOME=" + home_.file("config"), std::string("WAYLAND_DISPLAY="),
-        std::string("LC_ALL=C.UTF-8")}) {
-    all.push_back(variable);
-  }
-  return std::make_unique<ChildProcess>(
-      program, ChildProcess::Options{.arguments = arguments, .environment = all, .prepare = {}});
-}
-
-std::string Desktop::run(const std::string& program,
-                         const std::vector<std::string>& arguments) const {
-  const auto process = start(program, arguments);
-  std::string output = process->readRest();
-  const bool succeeded = process->finish() == kSuccess;
-  if (!succeeded) throw std::runtime_error(program + " failed: " + process->errors());
-  if (output.ends_with('\n')) output.pop_back();
-  return output;
-}
-
 // The property that is deleted here comes back when the window manager has started.
 void Desktop::startWindowManager() {
   xcb_delete_property(connection_, root_, atom("_NET_SUPPORTED"));

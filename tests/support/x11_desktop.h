@@ -14,36 +14,21 @@
 
 #include "tests/support/child_process.h"
 #include "tests/support/eventually.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/test_desktop.h"
 
 namespace tessum {
 
-// An X server without a screen, and the programs started on it, which end with the object. Calls
-// that wait throw std::runtime_error after a minute.
-class Desktop {
+// An X server without a screen, and the programs started on it, which end with the object.
+class Desktop final : public TestDesktop {
  public:
   // `serverArguments` are further arguments for the X server.
   explicit Desktop(const std::vector<std::string>& serverArguments = {});
-  ~Desktop();
-  Desktop(const Desktop&) = delete;
-  Desktop& operator=(const Desktop&) = delete;
+  ~Desktop() override;
 
   // The display's name, such as ":7".
   [[nodiscard]] const std::string& display() const { return display_; }
 
   [[nodiscard]] xcb_window_t rootWindow() const { return root_; }
-
-  // The home folder of the started programs, which holds their data folder.
-  [[nodiscard]] const TemporaryFolder& home() const { return home_; }
-  [[nodiscard]] std::string dataFolder() const { return home_.file("data/Tessum"); }
-
-  // Starts a program on this desktop.
-  std::unique_ptr<ChildProcess> start(const std::string& program,
-                                      const std::vector<std::string>& arguments,
-                                      const std::vector<std::string>& environment = {}) const;
-
-  // Runs a program to its end and returns its output, without the last line feed.
-  std::string run(const std::string& program, const std::vector<std::string>& arguments) const;
 
   // Starts the window manager and waits until it works.
   void startWindowManager();
@@ -101,6 +86,9 @@ class Desktop {
   void publishNoActiveWindow();
 
  private:
+  [[nodiscard]] std::vector<std::string> variables() const override {
+    return {"DISPLAY=" + display_, "WAYLAND_DISPLAY="};
+  }
   [[nodiscard]] xcb_atom_t atom(const std::string& name);
 
   // Waits for the next change of a property of the root window, and returns its name.
@@ -108,7 +96,6 @@ class Desktop {
 
   [[nodiscard]] std::uint32_t firstNumber(const std::string& name);
 
-  TemporaryFolder home_;
   ChildProcess server_;
   std::string display_;
   std::unique_ptr<ChildProcess> windowManager_;

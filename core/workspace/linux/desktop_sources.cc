@@ -1,32 +1,17 @@
-// Chooses the bodies that fit the session.
+// Chooses the bodies that fit the session, by what its display servers offer.
 
-#include <cstdlib>
 #include <string>
 #include <utility>
 
-#include "core/platform/locations.h"
 #include "core/workspace/desktop_sources.h"
+#include "core/workspace/linux/environment.h"
+#include "core/workspace/wayland/front_source.h"
+#include "core/workspace/wayland/idle_source.h"
 #include "core/workspace/x11/front_source.h"
 #include "core/workspace/x11/idle_source.h"
 
 namespace tessum {
 namespace {
-
-constexpr const char* kUsualDataFolders = "/usr/local/share:/usr/share";
-
-// The value of a variable; an empty one counts as not set.
-std::string environment(const char* name, const std::string& otherwise = "") {
-  const char* value = std::getenv(name);
-  return value == nullptr || *value == '\0' ? otherwise : value;
-}
-
-DesktopEntries systemDesktopEntries() {
-  const auto dataHome =
-      environment("XDG_DATA_HOME", SystemLocations().homeFolder() + "/.local/share");
-  const auto locale = environment("LC_ALL", environment("LC_MESSAGES", environment("LANG")));
-  return {applicationFolders(dataHome, environment("XDG_DATA_DIRS", kUsualDataFolders)),
-          localeSuffixes(locale)};
-}
 
 std::unique_ptr<IdleSource> openX11IdleSource(SystemMainLoop& loop, const SteadyClock& clock,
                                               const std::string& display) {
@@ -34,25 +19,41 @@ std::unique_ptr<IdleSource> openX11IdleSource(SystemMainLoop& loop, const Steady
   return counter ? std::move(counter) : openX11IdlePoll(loop, clock, display);
 }
 
+// Null when no compositor listens, as where the variable is left over from an earlier session.
+std::shared_ptr<WaylandConnection> openWayland(SystemMainLoop& loop, const SteadyClock& clock) {
+  const auto display = environment("WAYLAND_DISPLAY");
+  return display.empty() ? nullptr : WaylandConnection::open(loop, clock, display);
+}
+
+std::string noDisplay() {
+  const auto wayland = environment("WAYLAND_DISPLAY");
+  return wayland.empty() ? "There is no X11 display: DISPLAY is not set."
+                         : "Cannot connect to the Wayland display " + wayland + ".";
+}
+
 }  // namespace
 
 DesktopSources openDesktopSources(SystemMainLoop& loop, const SteadyClock& clock,
                                   WorkspaceNoticeHandler notice) {
-  const bool isWayland = !environment("WAYLAND_DISPLAY").empty();
   const auto display = environment("DISPLAY");
-  if (display.empty()) {
-    throw WorkspaceUnavailable(
-        isWayland ? "This is a Wayland session without X11: the focused window cannot be seen here."
-                  : "There is no X11 display: DISPLAY is not set.");
-  }
+  const auto wayland = openWayland(loop, clock);
   DesktopSources sources;
-  sources.front = openX11FrontSource(loop, clock, display, systemDesktopEntries(), notice);
-  if (isWayland) {
+  if (wayland) {
     // Input that goes to other windows is unknown to X11, so it cannot tell that there is none.
+    sources.idle = openWaylandIdleSource(clock, wayland);
+    sources.front = openWaylandFrontSource(loop, clock, wayland, systemDesktopEntries(), notice);
+    if (sources.front) return sources;
+    if (display.empty()) {
+      throw WorkspaceUnavailable(
+          "This is a Wayland session without X11: the focused window cannot be seen here.");
+    }
     notice({"This is a Wayland session: only windows of X11 applications can be seen.", false});
+  } else if (display.empty()) {
+    throw WorkspaceUnavailable(noDisplay());
   } else {
     sources.idle = openX11IdleSource(loop, clock, display);
   }
+  sources.front = openX11FrontSource(loop, clock, display, systemDesktopEntries(), notice);
   return sources;
 }
 

@@ -7,16 +7,12 @@
 
 #include "core/workspace/x11/front_source.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <fstream>
 #include <utility>
 #include <vector>
 
-#include "core/base/text.h"
 #include "core/workspace/linux/front_tracker.h"
+#include "core/workspace/linux/window_identifier.h"
 #include "core/workspace/x11/connection.h"
 #include "core/workspace/x11/server_time.h"
 #include "core/workspace/x11/window_manager.h"
@@ -24,19 +20,6 @@
 
 namespace tessum {
 namespace {
-
-std::string hostName() {
-  std::array<char, 256> name{};
-  gethostname(name.data(), name.size() - 1);
-  return name.data();
-}
-
-std::optional<std::string> nameOfProcess(std::int32_t process) {
-  std::ifstream file("/proc/" + std::to_string(process) + "/comm");
-  std::string name;
-  if (!std::getline(file, name) || name.empty()) return std::nullopt;
-  return validUtf8(name);
-}
 
 class X11FrontSource final : public FrontSource {
  public:
@@ -47,9 +30,8 @@ class X11FrontSource final : public FrontSource {
         time_(clock),
         manager_(connection_),
         propertyNames_(windowPropertyNames(connection_.atoms())),
-        entries_(std::move(entries)),
+        identifier_(std::move(entries)),
         notice_(std::move(notice)),
-        hostName_(hostName()),
         tracker_(loop, [this](const auto& front, Moment since) { tell(front, since); }),
         self_(std::make_shared<X11FrontSource*>(this)) {}
 
@@ -142,13 +124,9 @@ class X11FrontSource final : public FrontSource {
       return std::nullopt;
     }
     auto [description, title] = readWindowProperties(window_, *properties, connection_.atoms());
-    if (description != description_) {
-      entries_.refresh();
-      identified_ = identify(description, entries_, hostName_, nameOfProcess);
-      description_ = std::move(description);
-    }
-    identified_.title = std::move(title);
-    return identified_;
+    FrontWindow window = identifier_.identify(description);
+    window.title = std::move(title);
+    return window;
   }
 
   void tell(const std::optional<Front>& front, Moment since) {
@@ -171,15 +149,12 @@ class X11FrontSource final : public FrontSource {
   X11ServerTime time_;
   X11WindowManager manager_;
   const std::vector<std::uint32_t> propertyNames_;
-  DesktopEntries entries_;
+  WindowIdentifier identifier_;
   const WorkspaceNoticeHandler notice_;
-  const std::string hostName_;
   Handler handler_;
   FrontTracker tracker_;
   std::optional<SystemMainLoop::WatchToken> watch_;  // from start() until the display is gone
   std::uint32_t window_ = 0;                         // the active one, which is watched
-  std::optional<WindowDescription> description_;     // of the window looked at last
-  FrontWindow identified_;                           // from that
 
   // What is posted holds this weakly: once it is gone, so is the source.
   const std::shared_ptr<X11FrontSource*> self_;

@@ -3,14 +3,19 @@
 
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <memory>
+#include <regex>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "tests/support/eventually.h"
+#include "tests/support/server_program.h"
 #include "tests/support/sql.h"
-#include "tests/support/x11_desktop.h"
+#include "tests/support/test_desktop.h"
 
 namespace tessum {
 
@@ -18,13 +23,13 @@ class Recorder {
  public:
   using Rows = std::vector<std::string>;
 
-  // Starts it, and waits until it has made the store.
-  explicit Recorder(const Desktop& desktop)
+  // Starts it, with further arguments, and waits until it has made the store.
+  explicit Recorder(const TestDesktop& desktop, const std::vector<std::string>& arguments = {})
       : desktop_(desktop),
-        process_(desktop.start(TESSUM_PROGRAM, {"record", "--no-update-check"},
+        process_(desktop.start(TESSUM_PROGRAM, allArguments(arguments),
                                {"XDG_DATA_DIRS=" + desktop.home().file("share")})) {
     if (!eventually([&] { return std::filesystem::exists(store()); })) {
-      throw std::runtime_error("no store was made");
+      throw std::runtime_error("no store was made: " + process_->errors());
     }
   }
 
@@ -51,8 +56,26 @@ class Recorder {
     return eventually([&] { return sessions() == rows; });
   }
 
+  // What TessumMCP reports of all sessions, without their times.
+  [[nodiscard]] std::string report() const {
+    const auto server = desktop_.start(serverProgram(), {});
+    server->writeLine(R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":)"
+                      R"({"name":"search_activities","arguments":{"query":"%"}}})");
+    const std::string answer = server->readLine().value_or("");
+    EXPECT_EQ(server->finish(), kSuccess);
+    std::smatch text;
+    EXPECT_TRUE(std::regex_search(answer, text, std::regex(R"re("text":"([^"]*)")re"))) << answer;
+    return std::regex_replace(text.str(1), std::regex(R"(  \[[^\]]*\]  \([^)]*\))"), "");
+  }
+
  private:
-  const Desktop& desktop_;
+  static std::vector<std::string> allArguments(const std::vector<std::string>& more) {
+    std::vector<std::string> all = {"record", "--no-update-check"};
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
+  }
+
+  const TestDesktop& desktop_;
   std::unique_ptr<ChildProcess> process_;
 };
 

@@ -1,0 +1,17 @@
+// What the environment of the program says about its desktop.
+
+#pragma once
+
+#include <string>
+
+#include "core/workspace/linux/desktop_entries.h"
+
+namespace tessum {
+
+// The value of a variable; an empty one counts as not set.
+[[nodiscard]] std::string environment(const char* name, const std::string& otherwise = "");
+
+// The entries of the user and of the system, in the user's language.
+[[nodiscard]] DesktopEntries systemDesktopEntries();
+
+}  // namespace tessum

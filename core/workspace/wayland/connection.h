@@ -1,0 +1,123 @@
+// A connection to a Wayland compositor.
+
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/loop/system_main_loop.h"
+#include "core/platform/steady_clock.h"
+
+struct wl_callback;
+struct wl_display;
+struct wl_interface;
+struct wl_registry;
+
+namespace tessum {
+
+// Frees one of the library's objects on this side of the connection. The compositor keeps its part
+// until the connection ends.
+struct WaylandFree {
+  void operator()(void* proxy) const;
+};
+template <typename Proxy>
+using WaylandOwned = std::unique_ptr<Proxy, WaylandFree>;
+
+// Why a connection is lost.
+struct WaylandLoss {
+  std::string reason;  // for a person, without a full stop
+  Moment since;        // the compositor may have told nothing from then on
+};
+
+// The main loop drives it from its beginning on. What is made from it must go before it. Main
+// thread only.
+//
+// Compositors leave a program without events when one of them has a text that is too long to be
+// sent, and end its connection only when it asks for something. So the connection asks from time to
+// time whether it is still good.
+//
+// The library calls the listeners of its objects, and it is written in C: they must not throw. They
+// note what they are told, and act on it once WaylandConnection::Listener::onEvents is called.
+class WaylandConnection {
+ public:
+  static constexpr double kPatienceSeconds = 10;  // for answers that are waited for
+  static constexpr double kAskEverySeconds = 30;  // whether the connection is still good
+
+  // Names one listener of one connection; never used twice.
+  enum class ListenerToken : std::uint64_t {};
+
+  struct Listener {  // each may be null
+    std::function<void()> onEvents = nullptr;                  // after events that came in
+    std::function<void(const WaylandLoss&)> onLost = nullptr;  // once
+  };
+
+  // Connects to the compositor that `display` names as WAYLAND_DISPLAY does. Null when none listens
+  // there. Throws WorkspaceUnavailable when it does not answer. `loop` and `clock` must outlive the
+  // connection.
+  [[nodiscard]] static std::unique_ptr<WaylandConnection> open(SystemMainLoop& loop,
+                                                               const SteadyClock& clock,
+                                                               const std::string& display);
+  ~WaylandConnection();
+  WaylandConnection(const WaylandConnection&) = delete;
+  WaylandConnection& operator=(const WaylandConnection&) = delete;
+
+  // Whether the compositor has an object of that interface for everybody.
+  [[nodiscard]] bool offers(const wl_interface& interface) const;
+
+  // The first such object, in the highest version that both sides know. Null when there is none.
+  template <typename Proxy>
+  [[nodiscard]] WaylandOwned<Proxy> bind(const wl_interface& interface) {
+    return WaylandOwned<Proxy>(static_cast<Proxy*>(bindAny(interface)));
+  }
+
+  // Waits until the compositor has answered all requests so far, without calling the listeners.
+  // Gives what kept it from doing so within kPatienceSeconds, and absent otherwise.
+  [[nodiscard]] std::optional<WaylandLoss> roundTrip();
+
+  // Sends the requests so far. They are also sent after each call of a listener.
+  void flush();
+
+  // Tells of events, and of the end of the connection, from the loop.
+  ListenerToken addListener(Listener listener);
+
+  // Ends that. A listener that has been removed is no error.
+  void removeListener(ListenerToken token);
+
+ private:
+  struct Disconnect {
+    void operator()(wl_display* display) const;
+  };
+  struct Global {
+    std::uint32_t name;
+    std::uint32_t version;
+  };
+  struct Events;
+
+  WaylandConnection(SystemMainLoop& loop, const SteadyClock& clock, int socket);
+  [[nodiscard]] void* bindAny(const wl_interface& interface);
+  void process();
+  void ask();
+  [[nodiscard]] bool isCut() const;
+  [[nodiscard]] WaylandLoss loss() const;
+  void lose();
+  void disarm();
+  void tell(const std::function<void(const Listener&)>& telling);
+
+  SystemMainLoop& loop_;
+  const SteadyClock& clock_;
+  std::unique_ptr<wl_display, Disconnect> display_;
+  WaylandOwned<wl_registry> registry_;
+  std::map<std::string, Global> globals_;  // by interface, the first of each
+  std::map<ListenerToken, Listener> listeners_;
+  std::uint64_t lastToken_ = 0;
+  WaylandOwned<wl_callback> question_;               // not answered yet
+  Moment heardAt_;                                   // when the compositor last told anything
+  std::optional<SystemMainLoop::WatchToken> watch_;  // until the connection is lost
+  std::optional<MainLoop::TimerToken> timer_;        // likewise, for the questions
+};
+
+}  // namespace tessum

@@ -1,0 +1,35 @@
+// The protocols by which compositors tell of their windows.
+
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "core/workspace/wayland/connection.h"
+#include "core/workspace/wayland/toplevels.h"
+
+namespace tessum {
+
+// Passes on what the compositor tells, for as long as it lives. Main thread only.
+class WaylandWindows {
+ public:
+  virtual ~WaylandWindows() = default;
+
+  // How it is told, for a person.
+  [[nodiscard]] virtual std::string way() const = 0;
+
+  // How many round trips it takes until the windows are known that are there now.
+  [[nodiscard]] virtual int roundTrips() const = 0;
+
+  // Whether the compositor has said that it will tell no more.
+  [[nodiscard]] virtual bool hasEnded() const = 0;
+};
+
+// Each is null where the compositor does not offer the protocol. `connection` and `toplevels` must
+// outlive it.
+
+// zwlr_foreign_toplevel_manager_v1: sway and others built on wlroots.
+[[nodiscard]] std::unique_ptr<WaylandWindows> openWlrWindows(WaylandConnection& connection,
+                                                             WaylandToplevels& toplevels);
+
+}  // namespace tessum
