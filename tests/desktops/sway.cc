@@ -8,8 +8,8 @@ namespace tessum {
 // sway picks the names of its displays, and tells them to the programs that it starts.
 Sway::Sway() {
   const std::string told = home().file("displays");
-  writeFile(home().file("sway.conf"), "exec echo \"$WAYLAND_DISPLAY $DISPLAY\" > " + told + ".new && mv " +
-                                       told + ".new " + told + "\n");
+  writeFile(home().file("sway.conf"), "exec echo \"$WAYLAND_DISPLAY $DISPLAY\" > " + told +
+                                          ".new && mv " + told + ".new " + told + "\n");
   launch(kProgram, {"--config", home().file("sway.conf")},
          {"WLR_BACKENDS=headless", "WLR_RENDERER=pixman", "WLR_LIBINPUT_NO_DEVICES=1",
           "SWAYSOCK=" + socket_},

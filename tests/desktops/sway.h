@@ -20,6 +20,12 @@ class Sway final : public Compositor {
     run("swaymsg", {"--quiet", "--socket", socket_, "--", command});
   }
 
+  // Whether a window has that title.
+  [[nodiscard]] bool hasWindow(const std::string& title) const {
+    const auto tree = run("swaymsg", {"--raw", "--socket", socket_, "--type", "get_tree"});
+    return tree.find("\"" + title + "\"") != std::string::npos;
+  }
+
   // Somebody touches the computer.
   void touch() const { command("seat seat0 cursor move 1 1"); }
 

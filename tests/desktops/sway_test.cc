@@ -5,6 +5,8 @@
 namespace tessum {
 namespace {
 
+constexpr ExitStatus kFailed{.code = 1, .signal = {}};
+
 class SwayRecording : public CompositorTest<Sway> {
  protected:
   void SetUp() override {
@@ -64,6 +66,98 @@ TEST_F(SwayRecording, WritesWhatAPersonDoes) {
   EXPECT_EQ(recorder_->report(), "Activities (10 sessions):" + dialogLine + xtermLine + footLine +
                                      footLine + footLine + xtermLine + footLine + xtermLine +
                                      dialogLine + footLine);
+}
+
+TEST_F(SwayRecording, BeginsWithTheWindowThatIsThere) {
+  const Terminal foot(*desktop_, "foot", "a title");
+  ASSERT_TRUE(eventually([&] { return desktop_->hasWindow("a title"); }));
+  record();
+  EXPECT_TRUE(shows("Foot of the Test|foot|a title"));
+  stopRecorder();
+}
+
+TEST_F(SwayRecording, EndsWithTheLastInputAndBeginsWithTheNext) {
+  const Terminal foot(*desktop_, "foot", "a title");
+  record({"--away-after", "2s"});
+  const std::string row = "Foot of the Test|foot|a title";
+  ASSERT_TRUE(shows(row));
+  desktop_->touch();
+  ASSERT_TRUE(showsNothing());
+  desktop_->touch();
+  EXPECT_TRUE(shows(row));
+  stopRecorder();
+  EXPECT_GE(std::stod(Sql(recorder_->store())
+                          .row("SELECT start_time - (SELECT end_time FROM "
+                               "activities WHERE id = 1) FROM activities "
+                               "WHERE id = 2")),
+            1.9)
+      << "two seconds have gone by without input";
+}
+
+TEST_F(SwayRecording, NothingIsInFrontWhileTheScreenIsLocked) {
+  const Terminal foot(*desktop_, "foot", "a title");
+  record();
+  const std::string row = "Foot of the Test|foot|a title";
+  ASSERT_TRUE(shows(row));
+  if (!isInstalled("swaylock")) GTEST_SKIP() << "swaylock is not installed";
+  const auto lock = desktop_->start("swaylock", {});
+  ASSERT_TRUE(showsNothing());
+  lock->kill(SIGUSR1);  // as a person who gives the password
+  EXPECT_TRUE(shows(row));
+  stopRecorder();
+}
+
+TEST_F(SwayRecording, EndsWithTheCompositorAndSaysSo) {
+  const Terminal foot(*desktop_, "foot", "a title");
+  record();
+  ASSERT_TRUE(shows("Foot of the Test|foot|a title"));
+  desktop_->kill();
+  EXPECT_EQ(recorder_->process().wait(), kFailed);
+  EXPECT_EQ(recorder_->process().errors(),
+            "Tessum: The Wayland display has gone away; nothing more can be recorded.\n");
+  EXPECT_TRUE(showsNothing());
+}
+
+TEST_F(SwayRecording, DoesNotWaitForACompositorThatHangs) {
+  desktop_->freeze();
+  const auto recorder = desktop_->start(TESSUM_PROGRAM, {"record", "--no-update-check"});
+  EXPECT_EQ(recorder->wait(), kFailed);
+  EXPECT_EQ(recorder->errors(), "Tessum: The Wayland display does not answer.\n");
+  desktop_->thaw();
+}
+
+// sway leaves programs without events once it could not send one.
+TEST_F(SwayRecording, SaysThatATitleIsTooLongForTheCompositor) {
+  Terminal xterm(*desktop_, "xterm", "a title");
+  record();
+  const std::string row = "X Terminal of the Test|debian-xterm|a title";
+  ASSERT_TRUE(shows(row));
+  desktop_->run("xdotool", {"search", "--onlyvisible", "--class", "xterm", "set_window", "--name",
+                            std::string(100'000, 'x')});
+  EXPECT_EQ(recorder_->process().wait(), kFailed);
+  EXPECT_EQ(recorder_->process().errors(),
+            "Tessum: The Wayland compositor has ended the connection, as some do when a window has "
+            "a title of thousands of letters; nothing more can be recorded.\n");
+  EXPECT_TRUE(showsNothing());
+}
+
+TEST_F(SwayRecording, EachOfAThousandChangesOfFocusIsOneSession) {
+  constexpr int kChanges = 1000;
+  const Terminal first(*desktop_, "foot", "first");
+  record();
+  const std::string names[] = {"Foot of the Test|foot|first",
+                               "X Terminal of the Test|debian-xterm|second"};
+  ASSERT_TRUE(shows(names[0]));
+  const Terminal second(*desktop_, "xterm", "second");
+  ASSERT_TRUE(shows(names[1]));
+  rows_.back() = names[1] + "|closed";
+  for (int i = 0; i < kChanges; ++i) {
+    desktop_->command(i % 2 == 0 ? "[app_id=foot] focus" : "[class=XTerm] focus");
+    rows_.push_back(names[i % 2] + "|closed");
+  }
+  rows_.back() = names[1] + "|open";
+  EXPECT_TRUE(recorder_->comesTo(rows_)) << recorder_->sessions().size();
+  stopRecorder();
 }
 
 }  // namespace

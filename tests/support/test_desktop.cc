@@ -11,8 +11,7 @@ namespace {
 constexpr uid_t kNobody = 65534;
 
 void becomeNobody() {
-  const bool isDone =
-      setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0;
+  const bool isDone = setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0;
   if (!isDone) _exit(127);
 }
 

@@ -50,7 +50,7 @@ class WaylandConnection {
   // Names one listener of one connection; never used twice.
   enum class ListenerToken : std::uint64_t {};
 
-  struct Listener {  // each may be null
+  struct Listener {                                            // each may be null
     std::function<void()> onEvents = nullptr;                  // after events that came in
     std::function<void(const WaylandLoss&)> onLost = nullptr;  // once
   };

@@ -38,9 +38,9 @@ class WaylandFrontSource final : public FrontSource {
 
   void start(Handler handler) override {
     handler_ = std::move(handler);
-    listener_ = connection_->addListener(
-        {.onEvents = [this] { showChanges(); },
-         .onLost = [this](const WaylandLoss& loss) { lose(loss); }});
+    listener_ =
+        connection_->addListener({.onEvents = [this] { showChanges(); },
+                                  .onLost = [this](const WaylandLoss& loss) { lose(loss); }});
     for (int i = 0; i < windows_->roundTrips(); ++i) {
       const auto loss = connection_->roundTrip();
       if (!loss) continue;
