@@ -26,8 +26,8 @@
 #include "core/fetch/fetch_program_client.h"
 #include "core/loop/system_main_loop.h"
 #include "core/update/update_checker.h"
-#include "tests/support/https_server.h"
-#include "tests/support/throw_away_authority.h"
+#include "tests/support/https/https_server.h"
+#include "tests/support/https/throw_away_authority.h"
 
 namespace tessum {
 namespace {

@@ -18,9 +18,9 @@
 #include "core/loop/system_main_loop.h"
 #include "core/platform/descriptor.h"
 #include "tests/support/environment.h"
-#include "tests/support/https_server.h"
+#include "tests/support/https/https_server.h"
+#include "tests/support/https/throw_away_authority.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/throw_away_authority.h"
 
 namespace tessum {
 

@@ -17,9 +17,9 @@
 #include "core/update/update_checker.h"
 #include "tests/support/fakes/fake_clock.h"
 #include "tests/support/fakes/fake_main_loop.h"
-#include "tests/support/https_server.h"
+#include "tests/support/https/https_server.h"
+#include "tests/support/https/throw_away_authority.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/throw_away_authority.h"
 
 namespace tessum {
 

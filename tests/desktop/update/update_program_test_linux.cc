@@ -18,7 +18,7 @@
 #include "tests/desktop/user.h"
 #include "tests/support/child_process.h"
 #include "tests/support/eventually.h"
-#include "tests/support/https_server.h"
+#include "tests/support/https/https_server.h"
 #include "tests/support/mounts_linux.h"
 #include "tests/support/terminal.h"
 

@@ -1,4 +1,4 @@
-#include "tests/support/https_server.h"
+#include "tests/support/https/https_server.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/support/throw_away_authority.h"
+#include "tests/support/https/throw_away_authority.h"
 
 namespace tessum {
 

@@ -1,4 +1,4 @@
-#include "tests/support/throw_away_authority.h"
+#include "tests/support/https/throw_away_authority.h"
 
 #include <openssl/evp.h>
 #include <openssl/pem.h>
