@@ -35,7 +35,7 @@ struct BusSlotRelease {
 // drop its own. Null where there is no connection; it may outlive the bus.
 using BusSlot = std::unique_ptr<sd_bus_slot, BusSlotRelease>;
 
-using BusArgument = std::variant<bool, std::uint32_t, std::string>;
+using BusArgument = std::variant<bool, std::uint32_t, std::uint64_t, std::string>;
 
 // A method to call. Its parts are names as D-Bus writes them.
 struct BusCall {
@@ -49,6 +49,10 @@ struct BusCall {
 // The call that reads a property; the answer holds a BusVariant.
 [[nodiscard]] BusCall busProperty(std::string destination, std::string path, std::string interface,
                                   std::string property);
+
+// The call that reads all properties of an interface; the answer holds a BusDictionary.
+[[nodiscard]] BusCall busProperties(std::string destination, std::string path,
+                                    std::string interface);
 
 // Signals to be told of. An empty part fits all, but the sender cannot be empty.
 struct BusSignal {

@@ -12,6 +12,8 @@
 namespace tessum {
 namespace {
 
+constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
+
 // So many messages are handled in one turn of the loop: a bus that does not stop talking leaves
 // time for the rest of the program.
 constexpr int kMessagesPerTurn = 64;
@@ -57,6 +59,10 @@ int append(sd_bus_message* message, std::uint32_t value) {
   return sd_bus_message_append_basic(message, SD_BUS_TYPE_UINT32, &value);
 }
 
+int append(sd_bus_message* message, std::uint64_t value) {
+  return sd_bus_message_append_basic(message, SD_BUS_TYPE_UINT64, &value);
+}
+
 int append(sd_bus_message* message, const std::string& value) {
   return sd_bus_message_append_basic(message, SD_BUS_TYPE_STRING, value.c_str());
 }
@@ -99,9 +105,13 @@ BusCall busProperty(std::string destination, std::string path, std::string inter
                     std::string property) {
   return {std::move(destination),
           std::move(path),
-          "org.freedesktop.DBus.Properties",
+          kProperties,
           "Get",
           {std::move(interface), std::move(property)}};
+}
+
+BusCall busProperties(std::string destination, std::string path, std::string interface) {
+  return {std::move(destination), std::move(path), kProperties, "GetAll", {std::move(interface)}};
 }
 
 Bus::Bus(SystemMainLoop& loop, Kind kind, Timing timing)

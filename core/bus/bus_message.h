@@ -5,17 +5,21 @@
 //   bool                 b        std::vector<T>         aT
 //   std::uint32_t        u        std::tuple<T, U...>    (TU...)
 //   std::uint64_t        t        BusVariant<T>          v, with a T in it
+//   double               d        BusDictionary          a{sv}
 //   std::string          s        BusObjectPath          o
 //   Descriptor           h
 
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "core/platform/descriptor.h"
@@ -38,6 +42,20 @@ struct BusVariant {
 
   friend bool operator==(const BusVariant&, const BusVariant&) = default;
 };
+
+// One of the values that a BusDictionary holds; the first stands for those of any other type.
+using BusValue = std::variant<std::monostate, bool, double, std::string>;
+
+// Values of any types, each with its name. Of a name given twice the first value counts.
+using BusDictionary = std::map<std::string, BusValue, std::less<>>;
+
+// The value of that name and type; absent when there is none.
+template <typename T>
+[[nodiscard]] std::optional<T> valueOf(const BusDictionary& dictionary, std::string_view name) {
+  const auto found = dictionary.find(name);
+  const T* value = found == dictionary.end() ? nullptr : std::get_if<T>(&found->second);
+  return value == nullptr ? std::nullopt : std::optional<T>(*value);
+}
 
 // A message that has come in. It is valid while the handler that gets it runs. Main thread only.
 class BusMessage {
@@ -73,9 +91,11 @@ class BusMessage {
   static std::string signatureOf(Type<bool>) { return "b"; }
   static std::string signatureOf(Type<std::uint32_t>) { return "u"; }
   static std::string signatureOf(Type<std::uint64_t>) { return "t"; }
+  static std::string signatureOf(Type<double>) { return "d"; }
   static std::string signatureOf(Type<std::string>) { return "s"; }
   static std::string signatureOf(Type<BusObjectPath>) { return "o"; }
   static std::string signatureOf(Type<Descriptor>) { return "h"; }
+  static std::string signatureOf(Type<BusDictionary>) { return "a{sv}"; }
   template <typename T>
   static std::string signatureOf(Type<BusVariant<T>>) {
     return "v";
@@ -96,9 +116,12 @@ class BusMessage {
   [[nodiscard]] bool take(bool& value) const;
   [[nodiscard]] bool take(std::uint32_t& value) const;
   [[nodiscard]] bool take(std::uint64_t& value) const;
+  [[nodiscard]] bool take(double& value) const;
   [[nodiscard]] bool take(std::string& value) const;
   [[nodiscard]] bool take(BusObjectPath& value) const;
   [[nodiscard]] bool take(Descriptor& value) const;
+  [[nodiscard]] bool take(BusDictionary& values) const;
+  [[nodiscard]] bool takeVariant(BusValue& value) const;
 
   template <typename T>
   [[nodiscard]] bool take(BusVariant<T>& value) const {

@@ -29,6 +29,10 @@ bool BusMessage::take(std::uint64_t& value) const {
   return sd_bus_message_read_basic(message_, SD_BUS_TYPE_UINT64, &value) > 0;
 }
 
+bool BusMessage::take(double& value) const {
+  return sd_bus_message_read_basic(message_, SD_BUS_TYPE_DOUBLE, &value) > 0;
+}
+
 bool BusMessage::take(std::string& value) const {
   return takeText(SD_BUS_TYPE_STRING, value);
 }
@@ -43,6 +47,33 @@ bool BusMessage::take(Descriptor& value) const {
   if (sd_bus_message_read_basic(message_, SD_BUS_TYPE_UNIX_FD, &number) <= 0) return false;
   value = Descriptor(fcntl(number, F_DUPFD_CLOEXEC, 0));
   return value.number() >= 0;
+}
+
+bool BusMessage::take(BusDictionary& values) const {
+  if (!enter('a', "{sv}")) return false;
+  while (!isAtEnd()) {
+    std::string name;
+    BusValue value;
+    if (!enter('e', "sv") || !take(name) || !takeVariant(value) || !leave()) return false;
+    values.emplace(std::move(name), std::move(value));
+  }
+  return leave();
+}
+
+bool BusMessage::takeVariant(BusValue& value) const {
+  char kind = 0;
+  const char* contents = nullptr;
+  if (sd_bus_message_peek_type(message_, &kind, &contents) <= 0) return false;
+  const std::string_view type = contents;
+  const auto takeAs = [&]<typename T>(BusVariant<T> variant) {
+    if (!take(variant)) return false;
+    value = std::move(variant.value);
+    return true;
+  };
+  if (type == "b") return takeAs(BusVariant<bool>());
+  if (type == "d") return takeAs(BusVariant<double>());
+  if (type == "s") return takeAs(BusVariant<std::string>());
+  return sd_bus_message_skip(message_, "v") >= 0;
 }
 
 bool BusMessage::enter(char kind, const std::string& contents) const {

@@ -26,6 +26,7 @@ TEST(BusMessage, ReadsEachBasicType) {
   EXPECT_EQ((readAfter<bool, bool>("bb", 1, 0)), std::tuple(true, false));
   EXPECT_EQ((readAfter<std::uint32_t>("u", UINT32_MAX)), std::tuple(UINT32_MAX));
   EXPECT_EQ((readAfter<std::uint64_t>("t", UINT64_MAX)), std::tuple(UINT64_MAX));
+  EXPECT_EQ((readAfter<double>("d", -0.5)), std::tuple(-0.5));
   EXPECT_EQ((readAfter<std::string, std::string>("ss", "", "Zürich")),
             std::tuple(std::string(), std::string("Zürich")));
   EXPECT_EQ((readAfter<BusObjectPath>("o", "/a/b")), std::tuple(BusObjectPath{"/a/b"}));
@@ -39,6 +40,24 @@ TEST(BusMessage, ReadsContainers) {
   using Texts = std::vector<std::string>;
   EXPECT_EQ((readAfter<BusVariant<Texts>>("v", "as", 1, "a")),
             std::tuple(BusVariant<Texts>{{"a"}}));
+}
+
+TEST(BusMessage, ReadsADictionary) {
+  const auto read =
+      readAfter<BusDictionary>("a{sv}", 6, "flag", "b", 1, "number", "d", 2.5, "text", "s", "x",
+                               "other", "as", 2, "y", "z", "text", "s", "again", "last", "b", 0);
+  ASSERT_TRUE(read);
+  const auto& [dictionary] = *read;
+  EXPECT_EQ(valueOf<bool>(dictionary, "flag"), true);
+  EXPECT_EQ(valueOf<double>(dictionary, "number"), 2.5);
+  EXPECT_EQ(valueOf<std::string>(dictionary, "text"), "x");
+  EXPECT_EQ(valueOf<bool>(dictionary, "last"), false);
+  EXPECT_TRUE(dictionary.contains("other"));
+  EXPECT_FALSE(valueOf<std::string>(dictionary, "other"));
+  EXPECT_FALSE(valueOf<double>(dictionary, "text"));
+  EXPECT_FALSE(valueOf<bool>(dictionary, "none"));
+  EXPECT_EQ(readAfter<BusDictionary>("a{sv}", 0), std::tuple(BusDictionary()));
+  EXPECT_FALSE(readAfter<BusDictionary>("a{ss}", 0));
 }
 
 TEST(BusMessage, GivesADescriptorThatOutlivesIt) {
