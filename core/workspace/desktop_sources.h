@@ -22,8 +22,9 @@ class WorkspaceUnavailable : public std::runtime_error {
 
 // What a desktop has to say about itself.
 struct WorkspaceNotice {
-  std::string text;      // one sentence, for a person
-  bool isFinal = false;  // the desktop is gone: no application will be seen any more
+  std::string text;         // one sentence, for a person
+  bool isFinal = false;     // the desktop is gone: no application will be seen any more
+  std::string remedy = {};  // what the person can do, in a sentence; empty where that is nothing
 };
 
 using WorkspaceNoticeHandler = std::function<void(const WorkspaceNotice&)>;

@@ -1,0 +1,155 @@
+#include "core/workspace/gnome/shell_extension.h"
+
+#include <charconv>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "core/workspace/title.h"
+
+namespace tessum {
+namespace {
+
+constexpr char kPath[] = "/org/gnome/Shell";
+constexpr char kExtensions[] = "org.gnome.Shell.Extensions";
+constexpr char kScreenSaver[] = "org.gnome.ScreenSaver";
+constexpr char kScreenSaverPath[] = "/org/gnome/ScreenSaver";
+
+constexpr int kLastClassicVersion = 44;
+
+// A shell that is starting takes its name before it answers.
+constexpr double kRetrySeconds = 2;
+
+// The states of an extension. Left out are those in which it runs, or comes up or goes by itself.
+constexpr int kDisabled = 2;
+constexpr int kFailed = 3;
+constexpr int kOutOfDate = 4;
+constexpr int kInitialized = 6;  // read, and never turned on
+constexpr int kUninstalled = 99;
+
+std::string enabling(const std::string& extension) {
+  return "run \"gnome-extensions enable " + extension + "\"";
+}
+
+WorkspaceNotice waiting(const std::string& reason, std::string remedy) {
+  return {.text = "Recording waits for Tessum's extension of GNOME Shell: " + reason,
+          .remedy = std::move(remedy)};
+}
+
+bool isInstalled(const std::string& extension, const std::vector<std::string>& dataFolders) {
+  for (const auto& folder : dataFolders) {
+    std::error_code ignored;
+    const auto file = folder + "/gnome-shell/extensions/" + extension + "/metadata.json";
+    if (std::filesystem::exists(file, ignored)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string shellExtensionFor(std::string_view shellVersion) {
+  int version = 0;
+  const auto [end, error] =
+      std::from_chars(shellVersion.data(), shellVersion.data() + shellVersion.size(), version);
+  const bool isClassic = error == std::errc() && version <= kLastClassicVersion;
+  return isClassic ? "focused-window-44@tessum" : "focused-window@tessum";
+}
+
+std::optional<WorkspaceNotice> noticeOf(const ShellExtensionReport& report) {
+  const auto extension = shellExtensionFor(report.shellVersion);
+  const int state = report.state.value_or(kUninstalled);
+  if (state == kUninstalled && !report.isInstalled) {
+    return waiting("it is not installed.", "Install the package of Tessum, log out and in again, and " +
+                                               enabling(extension) + ".");
+  }
+  if (state == kUninstalled) {
+    return waiting("the shell finds it at your next login.",
+                   "Log out and in again, and " + enabling(extension) + ".");
+  }
+  if (state == kOutOfDate) {
+    return waiting("it does not know GNOME " + report.shellVersion + ".",
+                   "Install a newer version of Tessum.");
+  }
+  if (state == kFailed) {
+    return waiting("the shell could not start it: " + report.error,
+                   "Install a newer version of Tessum, and log out and in again.");
+  }
+  if (state != kDisabled && state != kInitialized) return std::nullopt;
+  if (!report.allowsExtensions) {
+    return waiting("the shell is set to run no extensions.",
+                   "Turn them on in the application Extensions, and " + enabling(extension) + ".");
+  }
+  auto remedy = enabling(extension);
+  remedy.front() = 'R';
+  return waiting("it is turned off.", remedy + ".");
+}
+
+ShellExtension::ShellExtension(MainLoop& loop, Bus& session, std::string owner,
+                               std::vector<std::string> dataFolders,
+                               WorkspaceNoticeHandler onNotice)
+    : loop_(loop),
+      session_(session),
+      owner_(std::move(owner)),
+      dataFolders_(std::move(dataFolders)),
+      onNotice_(std::move(onNotice)),
+      changes_(session.subscribe({.sender = owner_,
+                                  .path = kPath,
+                                  .interface = kExtensions,
+                                  .member = "ExtensionStateChanged"},
+                                 [this](const BusMessage&) { ask(); })),
+      lockChanges_(session.subscribe({.sender = owner_,
+                                      .path = kScreenSaverPath,
+                                      .interface = kScreenSaver,
+                                      .member = "ActiveChanged"},
+                                     [this](const BusMessage&) { ask(); })) {
+  ask();
+}
+
+ShellExtension::~ShellExtension() {
+  if (timer_) loop_.invalidateTimer(*timer_);
+}
+
+// A shell without a lock screen answers with an error.
+void ShellExtension::ask() {
+  question_ = session_.call({owner_, kScreenSaverPath, kScreenSaver, "GetActive"},
+                            [this](const BusMessage& reply) {
+                              if (!reply.readOne<bool>().value_or(false)) askForVersion();
+                            });
+}
+
+void ShellExtension::askLater() {
+  if (timer_) return;
+  timer_ = loop_.runAfter(kRetrySeconds, [this] {
+    timer_.reset();
+    ask();
+  });
+}
+
+void ShellExtension::askForVersion() {
+  question_ =
+      session_.call(busProperties(owner_, kPath, kExtensions), [this](const BusMessage& reply) {
+        const auto properties = reply.readOne<BusDictionary>();
+        if (!properties) return askLater();
+        report_.shellVersion = cutToLength(
+            valueOf<std::string>(*properties, "ShellVersion").value_or(""), kLongestName);
+        report_.allowsExtensions = valueOf<bool>(*properties, "UserExtensionsEnabled").value_or(true);
+        askFor(shellExtensionFor(report_.shellVersion));
+      });
+}
+
+void ShellExtension::askFor(const std::string& extension) {
+  question_ = session_.call(
+      {owner_, kPath, kExtensions, "GetExtensionInfo", {extension}},
+      [this, extension](const BusMessage& reply) {
+        const auto properties = reply.readOne<BusDictionary>();
+        if (!properties) return askLater();
+        const auto state = valueOf<double>(*properties, "state");
+        report_.state = state ? std::optional(static_cast<int>(*state)) : std::nullopt;
+        report_.error =
+            cutToLength(valueOf<std::string>(*properties, "error").value_or(""), kLongestName);
+        report_.isInstalled = isInstalled(extension, dataFolders_);
+        if (const auto notice = noticeOf(report_)) onNotice_(*notice);
+      });
+}
+
+}  // namespace tessum
