@@ -22,10 +22,10 @@ std::optional<std::int32_t> processFrom(std::uint32_t process) {
 }  // namespace
 
 std::optional<FocusedWindow> readFocusedWindow(const BusMessage& message) {
-  auto values =
-      message.read<std::string, std::string, std::string, std::string, std::uint32_t>();
-  if (!values) return std::nullopt;
-  return std::make_from_tuple<FocusedWindow>(std::move(*values));
+  using Parts = std::tuple<std::string, std::string, std::string, std::string, std::uint32_t>;
+  auto parts = message.readOne<Parts>();
+  if (!parts) return std::nullopt;
+  return std::make_from_tuple<FocusedWindow>(std::move(*parts));
 }
 
 WindowDescription describe(const FocusedWindow& window, const std::string& hostName) {

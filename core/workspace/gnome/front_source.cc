@@ -41,8 +41,7 @@ class GnomeFrontSource final : public FrontSource {
   void start(Handler handler) override {
     handler_ = std::move(handler);
     tracker_.show(std::nullopt, clock_.now());
-    extension_.emplace(*session_, kExtension,
-                       [this](const std::string& owner) { follow(owner); });
+    extension_.emplace(*session_, kExtension, [this](const std::string& owner) { follow(owner); });
     shell_.emplace(*session_, kShell, [this](const std::string& owner) { setShell(owner); });
   }
 

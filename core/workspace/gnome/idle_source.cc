@@ -39,8 +39,8 @@ class GnomeIdleSource final : public IdleSource {
 
   void watch(double seconds, Handlers handlers) override {
     removeWatch();
-    interval_ = static_cast<std::uint64_t>(
-        std::max(std::llround(seconds * kMillisecondsPerSecond), 1LL));
+    interval_ =
+        static_cast<std::uint64_t>(std::max(std::llround(seconds * kMillisecondsPerSecond), 1LL));
     handlers_ = std::move(handlers);
     isIdle_ = false;
     begin();

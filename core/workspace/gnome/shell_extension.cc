@@ -59,8 +59,9 @@ std::optional<WorkspaceNotice> noticeOf(const ShellExtensionReport& report) {
   const auto extension = shellExtensionFor(report.shellVersion);
   const int state = report.state.value_or(kUninstalled);
   if (state == kUninstalled && !report.isInstalled) {
-    return waiting("it is not installed.", "Install the package of Tessum, log out and in again, and " +
-                                               enabling(extension) + ".");
+    return waiting(
+        "it is not installed.",
+        "Install the package of Tessum, log out and in again, and " + enabling(extension) + ".");
   }
   if (state == kUninstalled) {
     return waiting("the shell finds it at your next login.",
@@ -132,7 +133,8 @@ void ShellExtension::askForVersion() {
         if (!properties) return askLater();
         report_.shellVersion = cutToLength(
             valueOf<std::string>(*properties, "ShellVersion").value_or(""), kLongestName);
-        report_.allowsExtensions = valueOf<bool>(*properties, "UserExtensionsEnabled").value_or(true);
+        report_.allowsExtensions =
+            valueOf<bool>(*properties, "UserExtensionsEnabled").value_or(true);
         askFor(shellExtensionFor(report_.shellVersion));
       });
 }

@@ -114,17 +114,16 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
   return DesktopEntry{*name, value("StartupWMClass")};
 }
 
-std::vector<std::string> applicationFolders(std::string_view dataHome,
-                                            std::string_view dataFolders) {
+std::vector<std::string> dataFolders(std::string_view home, std::string_view others) {
   std::vector<std::string> folders;
   const auto add = [&](std::string_view folder) {
     while (folder.ends_with('/')) folder.remove_suffix(1);
-    if (folder.starts_with('/')) folders.push_back(std::string(folder) + "/applications");
+    if (folder.starts_with('/')) folders.emplace_back(folder);
   };
-  add(dataHome);
-  while (!dataFolders.empty()) {
-    const auto folder = dataFolders.substr(0, dataFolders.find(':'));
-    dataFolders.remove_prefix(std::min(folder.size() + 1, dataFolders.size()));
+  add(home);
+  while (!others.empty()) {
+    const auto folder = others.substr(0, others.find(':'));
+    others.remove_prefix(std::min(folder.size() + 1, others.size()));
     add(folder);
   }
   return folders;

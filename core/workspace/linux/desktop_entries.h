@@ -29,10 +29,9 @@ struct DesktopEntry {
 [[nodiscard]] std::optional<DesktopEntry> parseDesktopEntry(
     std::string_view text, const std::vector<std::string>& localeSuffixes);
 
-// The folders that hold desktop entries, the one that counts most first: below `dataHome`, then
-// below each folder of `dataFolders`, which are separated by colons.
-[[nodiscard]] std::vector<std::string> applicationFolders(std::string_view dataHome,
-                                                          std::string_view dataFolders);
+// The folders of data, the one that counts most first: `home`, then each of `others`, which are
+// separated by colons. Desktop entries are below "applications" in each.
+[[nodiscard]] std::vector<std::string> dataFolders(std::string_view home, std::string_view others);
 
 // The desktop entries of some folders and those below them. An entry's id is its path below the
 // folder, with dashes for slashes and without ".desktop". Where several entries have one id, that

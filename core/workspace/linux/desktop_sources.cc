@@ -5,6 +5,7 @@
 
 #include "core/workspace/desktop_sources.h"
 #include "core/workspace/linux/environment.h"
+#include "core/workspace/linux/session_bus_sources.h"
 #include "core/workspace/wayland/front_source.h"
 #include "core/workspace/wayland/idle_source.h"
 #include "core/workspace/x11/front_source.h"
@@ -43,6 +44,10 @@ DesktopSources openDesktopSources(SystemMainLoop& loop, const SteadyClock& clock
     sources.idle = openWaylandIdleSource(clock, wayland);
     sources.front = openWaylandFrontSource(loop, clock, wayland, systemDesktopEntries(), notice);
     if (sources.front) return sources;
+    if (auto overBus = openSessionBusSources(loop, clock, notice); overBus.front) {
+      if (!overBus.idle) overBus.idle = std::move(sources.idle);
+      return overBus;
+    }
     if (display.empty()) {
       throw WorkspaceUnavailable(
           "This is a Wayland session without X11: the focused window cannot be seen here.");

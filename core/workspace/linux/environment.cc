@@ -16,12 +16,17 @@ std::string environment(const char* name, const std::string& otherwise) {
   return value == nullptr || *value == '\0' ? otherwise : value;
 }
 
+std::vector<std::string> systemDataFolders() {
+  return dataFolders(
+      environment("XDG_DATA_HOME", SystemLocations().homeFolder() + "/.local/share"),
+      environment("XDG_DATA_DIRS", kUsualDataFolders));
+}
+
 DesktopEntries systemDesktopEntries() {
-  const auto dataHome =
-      environment("XDG_DATA_HOME", SystemLocations().homeFolder() + "/.local/share");
   const auto locale = environment("LC_ALL", environment("LC_MESSAGES", environment("LANG")));
-  return {applicationFolders(dataHome, environment("XDG_DATA_DIRS", kUsualDataFolders)),
-          localeSuffixes(locale)};
+  std::vector<std::string> folders;
+  for (const auto& folder : systemDataFolders()) folders.push_back(folder + "/applications");
+  return {folders, localeSuffixes(locale)};
 }
 
 }  // namespace tessum

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/workspace/linux/desktop_entries.h"
 
@@ -10,6 +11,9 @@ namespace tessum {
 
 // The value of a variable; an empty one counts as not set.
 [[nodiscard]] std::string environment(const char* name, const std::string& otherwise = "");
+
+// The folders that hold what programs install for all desktops, the user's first.
+[[nodiscard]] std::vector<std::string> systemDataFolders();
 
 // The entries of the user and of the system, in the user's language.
 [[nodiscard]] DesktopEntries systemDesktopEntries();

@@ -1,12 +1,14 @@
 // Tells on the session bus which window has the focus. It asks nobody and changes nothing.
 //
-// Each answer and signal is the whole state: the application's own id, its instance and class as
-// X11 has them, the title, and the process. All are empty while no window has the focus. This is
-// the form for GNOME 43 and 44; focused-window@tessum is the same for later versions.
+// Each answer and signal is the whole state: the id of the sandbox or GTK application, the instance
+// and the class of the window as X11 has them, its title, and its process. All are empty while no
+// window has the focus. This is the form for GNOME 43 and 44; focused-window@tessum is the same for
+// later versions.
 
 /* exported init */
 
 const {Gio, GLib} = imports.gi;
+const Main = imports.ui.main;
 
 const NAME = 'com.tessum.FocusedWindow';
 const PATH = '/com/tessum/FocusedWindow';
@@ -14,49 +16,48 @@ const INTERFACE = `
 <node>
   <interface name="com.tessum.FocusedWindow">
     <method name="Get">
-      <arg name="application" type="s" direction="out"/>
-      <arg name="instance" type="s" direction="out"/>
-      <arg name="class" type="s" direction="out"/>
-      <arg name="title" type="s" direction="out"/>
-      <arg name="process" type="u" direction="out"/>
+      <arg name="window" type="(ssssu)" direction="out"/>
     </method>
     <signal name="Changed">
-      <arg name="application" type="s"/>
-      <arg name="instance" type="s"/>
-      <arg name="class" type="s"/>
-      <arg name="title" type="s"/>
-      <arg name="process" type="u"/>
+      <arg name="window" type="(ssssu)"/>
     </signal>
   </interface>
 </node>`;
 
 const PROPERTIES = ['title', 'wm-class', 'gtk-application-id'];
+const OVERVIEW_SIGNALS = ['showing', 'shown', 'hiding', 'hidden'];
 
 class FocusedWindow {
   enable() {
     this._object = Gio.DBusExportedObject.wrapJSObject(INTERFACE, this);
     this._object.export(Gio.DBus.session, PATH);
     this._display = global.display.connect('notify::focus-window', () => this._follow());
+    this._overview = OVERVIEW_SIGNALS.map(signal =>
+      Main.overview.connect(signal, () => this._follow()));
     this._follow();
     this._name = Gio.DBus.session.own_name(NAME, Gio.BusNameOwnerFlags.NONE, null, null);
   }
 
-  // The shell disables extensions while the screen is locked: the name goes, and with it the window.
+  // The shell calls this also when the screen is locked: then nobody has the name.
   disable() {
     Gio.DBus.session.unown_name(this._name);
     global.display.disconnect(this._display);
+    for (const handler of this._overview)
+      Main.overview.disconnect(handler);
     this._leave();
     this._object.unexport();
     this._object = null;
+    this._state = null;
   }
 
   Get() {
     return this._state;
   }
 
+  // The overview takes the input from the window that has the focus and keeps it.
   _follow() {
     this._leave();
-    this._window = global.display.focus_window;
+    this._window = Main.overview.visibleTarget ? null : global.display.focus_window;
     this._handlers = this._window === null ? [] : PROPERTIES.map(property =>
       this._window.connect(`notify::${property}`, () => this._tell()));
     this._tell();
@@ -74,7 +75,7 @@ class FocusedWindow {
     if (JSON.stringify(state) === JSON.stringify(this._state))
       return;
     this._state = state;
-    this._object.emit_signal('Changed', new GLib.Variant('(ssssu)', state));
+    this._object.emit_signal('Changed', new GLib.Variant('((ssssu))', [state]));
   }
 }
 

@@ -16,18 +16,19 @@ std::optional<FocusedWindow> readAfter(const char* types, Appended... appended) 
 }
 
 TEST(ReadFocusedWindow, TakesEachPart) {
-  const auto window = readAfter("ssssu", "org.example.App", "app", "App", "Title", 7);
+  const auto window = readAfter("(ssssu)", "org.example.App", "app", "App", "Title", 7);
   EXPECT_EQ(window, (FocusedWindow{"org.example.App", "app", "App", "Title", 7}));
   EXPECT_FALSE(window->isNone());
-  EXPECT_TRUE(readAfter("ssssu", "", "", "", "", 0)->isNone());
-  EXPECT_FALSE(readAfter("ssssu", "", "", "", "Title", 0)->isNone());
+  EXPECT_TRUE(readAfter("(ssssu)", "", "", "", "", 0)->isNone());
+  EXPECT_FALSE(readAfter("(ssssu)", "", "", "", "Title", 0)->isNone());
 }
 
 TEST(ReadFocusedWindow, RefusesOtherTypes) {
   EXPECT_FALSE(readAfter(""));
-  EXPECT_FALSE(readAfter("ssss", "", "", "", ""));
-  EXPECT_FALSE(readAfter("ssssi", "", "", "", "", 1));
-  EXPECT_FALSE(readAfter("ssssus", "", "", "", "", 1, ""));
+  EXPECT_FALSE(readAfter("ssssu", "", "", "", "", 1));
+  EXPECT_FALSE(readAfter("(ssss)", "", "", "", ""));
+  EXPECT_FALSE(readAfter("(ssssi)", "", "", "", "", 1));
+  EXPECT_FALSE(readAfter("(ssssus)", "", "", "", "", 1, ""));
 }
 
 TEST(DescribeFocusedWindow, LeavesOutWhatTheWindowDoesNotSay) {

@@ -65,8 +65,8 @@ TEST_F(GnomeTest, WaitsForTheExtensionAndSaysSoOnce) {
   for (int i = 0; i < 3; ++i) {
     const int before = static_cast<int>(shell_->calls.size());
     shell_->emit(kShellPath, kExtensions, "ExtensionStateChanged", "sa{sv}", "other@example", 0);
-    ASSERT_TRUE(runUntil(
-        loop_, [&] { return static_cast<int>(shell_->calls.size()) >= before + 3; }));
+    ASSERT_TRUE(
+        runUntil(loop_, [&] { return static_cast<int>(shell_->calls.size()) >= before + 3; }));
   }
   startExtension("editor", "Draft");
   EXPECT_TRUE(comesTo("editor: Draft"));
@@ -148,7 +148,7 @@ TEST_F(GnomeTest, BelievesOnlyTheOwnerOfTheName) {
   ASSERT_TRUE(comesTo("editor: Draft"));
   for (int i = 0; i < 10; ++i) {
     const std::string somebody = ":1." + std::to_string(i);
-    liar.emitTo(somebody.c_str(), kExtensionPath, kExtension, "Changed", "ssssu", "", "liar",
+    liar.emitTo(somebody.c_str(), kExtensionPath, kExtension, "Changed", "(ssssu)", "", "liar",
                 "liar", "", 0);
   }
   liar.takeName("com.example.Sent");  // answered once these are on their way
@@ -164,9 +164,9 @@ TEST_F(GnomeTest, IgnoresWhatHasOtherTypes) {
   ASSERT_TRUE(comesTo("editor: Draft"));
   auto& peer = extension_->peer();
   peer.emit(kExtensionPath, kExtension, "Changed", "");
-  peer.emit(kExtensionPath, kExtension, "Changed", "ssss", "", "x", "x", "x");
-  peer.emit(kExtensionPath, kExtension, "Changed", "(ssssu)", "", "x", "x", "x", 0);
-  peer.emit(kExtensionPath, kExtension, "Changed", "ssssx", "", "x", "x", "x", INT64_MAX);
+  peer.emit(kExtensionPath, kExtension, "Changed", "(ssss)", "", "x", "x", "x");
+  peer.emit(kExtensionPath, kExtension, "Changed", "ssssu", "", "x", "x", "x", 0);
+  peer.emit(kExtensionPath, kExtension, "Changed", "(ssssx)", "", "x", "x", "x", INT64_MAX);
   extension_->change("editor", "Letter");
   ASSERT_TRUE(comesTo("editor: Letter"));
   EXPECT_EQ(told_, (Texts{"none", "editor: Draft", "editor: Letter"}));

@@ -33,7 +33,7 @@ class FakeExtension {
   // Answers with that window from now on; with none if both are empty.
   void set(const std::string& windowClass, const std::string& title) {
     peer_.answer(kExtensionPath, kExtension, "Get", [=](sd_bus_message* call) {
-      sd_bus_reply_method_return(call, "ssssu", "", windowClass.c_str(), windowClass.c_str(),
+      sd_bus_reply_method_return(call, "(ssssu)", "", windowClass.c_str(), windowClass.c_str(),
                                  title.c_str(), 0);
     });
   }
@@ -41,7 +41,7 @@ class FakeExtension {
   // The same, and announces it.
   void change(const std::string& windowClass, const std::string& title) {
     set(windowClass, title);
-    peer_.emit(kExtensionPath, kExtension, "Changed", "ssssu", "", windowClass.c_str(),
+    peer_.emit(kExtensionPath, kExtension, "Changed", "(ssssu)", "", windowClass.c_str(),
                windowClass.c_str(), title.c_str(), 0);
   }
 
@@ -86,8 +86,7 @@ class GnomeTest : public testing::Test {
   }
 
   void startExtension(const std::string& windowClass, const std::string& title) {
-    extension_ =
-        std::make_unique<FakeExtension>(loop_, place_.address(), windowClass, title);
+    extension_ = std::make_unique<FakeExtension>(loop_, place_.address(), windowClass, title);
   }
 
   void startSource() {
@@ -133,9 +132,9 @@ class GnomeTest : public testing::Test {
   Texts told_;
   Texts notices_;
   bool isOver_ = false;
-  const std::shared_ptr<Bus> bus_ = std::make_shared<Bus>(
-      loop_, Bus::Kind::session,
-      Bus::Timing{.firstRetrySeconds = 0.01, .longestRetrySeconds = 0.05});
+  const std::shared_ptr<Bus> bus_ =
+      std::make_shared<Bus>(loop_, Bus::Kind::session,
+                            Bus::Timing{.firstRetrySeconds = 0.01, .longestRetrySeconds = 0.05});
   std::unique_ptr<FrontSource> source_;
 };
 

@@ -1,9 +1,9 @@
 #include "core/workspace/gnome/idle_source.h"
 
-#include "tests/support/fake_clock.h"
-#include "tests/support/fake_steady_clock.h"
 #include "tests/support/bus_linux.h"
 #include "tests/support/environment.h"
+#include "tests/support/fake_clock.h"
+#include "tests/support/fake_steady_clock.h"
 
 #include <gtest/gtest.h>
 
@@ -80,9 +80,7 @@ class GnomeIdleTest : public testing::Test {
 
   GnomeIdleTest() { place_.start(); }
 
-  void startMonitor() {
-    monitor_ = std::make_unique<FakeIdleMonitor>(loop_, place_.address());
-  }
+  void startMonitor() { monitor_ = std::make_unique<FakeIdleMonitor>(loop_, place_.address()); }
 
   void watch(double seconds) {
     source_->watch(seconds, {.onIdle = [this](Moment when) { note("idle", when); },
@@ -110,9 +108,9 @@ class GnomeIdleTest : public testing::Test {
   PrivateBus place_;
   const ScopedVariable address_{"DBUS_SESSION_BUS_ADDRESS", place_.address().c_str()};
   std::unique_ptr<FakeIdleMonitor> monitor_;
-  const std::shared_ptr<Bus> bus_ = std::make_shared<Bus>(
-      loop_, Bus::Kind::session,
-      Bus::Timing{.firstRetrySeconds = 0.01, .longestRetrySeconds = 0.05});
+  const std::shared_ptr<Bus> bus_ =
+      std::make_shared<Bus>(loop_, Bus::Kind::session,
+                            Bus::Timing{.firstRetrySeconds = 0.01, .longestRetrySeconds = 0.05});
   std::unique_ptr<IdleSource> source_ = openGnomeIdleSource(steadyClock_, bus_);
   Told told_;
 };

@@ -50,12 +50,10 @@ TEST(ParseDesktopEntry, RefusesWhatIsNoApplication) {
   }
 }
 
-TEST(ApplicationFolders, ComeInTheOrderOfTheirWeight) {
-  EXPECT_EQ(applicationFolders("/home/me/.local/share", "/usr/local/share/:/usr/share"),
-            (Texts{"/home/me/.local/share/applications", "/usr/local/share/applications",
-                   "/usr/share/applications"}));
-  EXPECT_EQ(applicationFolders("relative", "::/usr/share:also/relative"),
-            Texts{"/usr/share/applications"});
+TEST(DataFolders, ComeInTheOrderOfTheirWeight) {
+  EXPECT_EQ(dataFolders("/home/me/.local/share", "/usr/local/share/:/usr/share"),
+            (Texts{"/home/me/.local/share", "/usr/local/share", "/usr/share"}));
+  EXPECT_EQ(dataFolders("relative", "::/usr/share:also/relative"), Texts{"/usr/share"});
 }
 
 class DesktopEntriesTest : public testing::Test {
