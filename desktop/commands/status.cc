@@ -86,6 +86,7 @@ void showStatus(const Host& host) {
         "yes, " + sinceText(recorder.since.value_or(now), now) +
             (recorder.way.empty() ? "" : ", by " + recorder.way),
         Tone::good);
+    if (!recorder.notice.empty()) add("Notice", recorder.notice, Tone::bad);
     if (recorder.awaySince) add("Away", sinceText(*recorder.awaySince, now));
     if (!recorder.awake.empty()) add("Kept awake", "by " + joined(recorder.awake));
   } else {

@@ -143,7 +143,7 @@ int Recorder::run() {
   watchInput();
   watchPresence();
   desktop_.front->start(
-      [this](const std::optional<Front>& front, Moment since) { recording_.show(front, since); });
+      [this](const std::optional<Front>& front, Moment since) { show(front, since); });
   loop_.startTimer(Recording::kTickSeconds, [this] { tick(); });
   sayToPerson("Recording into " + database_ + ". Press Control-C to stop.");
   loop_.run();
@@ -216,10 +216,20 @@ void Recorder::tick() {
 
 // A recorder of a desktop that is gone would only keep the next one from starting, so it ends.
 void Recorder::handle(const WorkspaceNotice& notice) {
-  say(notice.text);
+  state_.notice = notice.text + (notice.remedy.empty() ? "" : " " + notice.remedy);
+  say(state_.notice);
+  publishState();
   if (!notice.isFinal) return;
   status_ = kFailure;
   loop_.quit();
+}
+
+// A desktop that shows something again has nothing to complain of.
+void Recorder::show(const std::optional<Front>& front, Moment since) {
+  recording_.show(front, since);
+  if (!front || state_.notice.empty()) return;
+  state_.notice.clear();
+  publishState();
 }
 
 void Recorder::publishState() {

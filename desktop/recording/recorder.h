@@ -47,6 +47,7 @@ class Recorder {
 
  private:
   void handle(const WorkspaceNotice& notice);
+  void show(const std::optional<Front>& front, Moment since);
   void watchInput();
   void watchPresence();
   void followSettings();
@@ -68,14 +69,14 @@ class Recorder {
   const std::string database_;
   ThreadQueue queue_;  // for all that is written to the disk
   const std::shared_ptr<SessionJournal> journal_;
+  std::vector<AwakeReason> awake_;
+  Moment lastTouch_;
+  RecorderState state_;
   Recording recording_;
   DesktopSources desktop_;
   std::unique_ptr<PresenceSource> presence_;
   std::optional<SettingsFollower> follower_;
-  bool saysPause_ = false;  // what was said last of pauses
-  std::vector<AwakeReason> awake_;
-  RecorderState state_;
-  Moment lastTouch_;
+  bool saysPause_ = false;         // what was said last of pauses
   PresenceHandlers::Delay delay_;  // of the end of the login session, until all is written
   std::optional<HTTPEndpoint> endpoint_;
   std::optional<Updater> updater_;

@@ -18,6 +18,7 @@ void readText(const std::string& text, RecorderState& state) {
   const json::Field field(document);
   state.since = Date{field.required("since").real()};
   state.way = field.required("way").text();
+  state.notice = field.required("notice").text();
   state.hasEnded = field.required("hasEnded").boolean();
   if (const auto away = field.optional("awaySince")) state.awaySince = Date{away->real()};
   for (const auto& reason : field.required("awake").elements()) {
@@ -32,7 +33,8 @@ std::string recorderFile(const Locations& locations) {
 }
 
 std::string stateText(const RecorderState& state) {
-  json::Value::Object object{{"way", state.way}, {"hasEnded", state.hasEnded}};
+  json::Value::Object object{
+      {"way", state.way}, {"notice", state.notice}, {"hasEnded", state.hasEnded}};
   if (state.since) object["since"] = json::Value::real(state.since->secondsSince1970);
   if (state.awaySince) object["awaySince"] = json::Value::real(state.awaySince->secondsSince1970);
   object["awake"] = json::Value::Array(state.awake.begin(), state.awake.end());

@@ -21,6 +21,7 @@ struct RecorderState {
   std::optional<Date> lastSign = {};    // when it was last known to live
   std::string way = {};                 // how the desktop tells what is in front, such as "X11"
   std::optional<Date> awaySince = {};   // absent while the user is there
+  std::string notice = {};              // of the desktop, while it shows nothing; else empty
   std::vector<std::string> awake = {};  // what keeps the user from being away, as a person reads it
 };
 

@@ -1,6 +1,5 @@
 #include "core/bus/bus_names.h"
 
-
 #include "tests/bus/bus_fixture.h"
 
 namespace tessum {

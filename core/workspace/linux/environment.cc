@@ -17,9 +17,8 @@ std::string environment(const char* name, const std::string& otherwise) {
 }
 
 std::vector<std::string> systemDataFolders() {
-  return dataFolders(
-      environment("XDG_DATA_HOME", SystemLocations().homeFolder() + "/.local/share"),
-      environment("XDG_DATA_DIRS", kUsualDataFolders));
+  return dataFolders(environment("XDG_DATA_HOME", SystemLocations().homeFolder() + "/.local/share"),
+                     environment("XDG_DATA_DIRS", kUsualDataFolders));
 }
 
 DesktopEntries systemDesktopEntries() {
