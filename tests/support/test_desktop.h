@@ -28,6 +28,12 @@ class TestDesktop {
   [[nodiscard]] const TemporaryFolder& home() const { return home_; }
   [[nodiscard]] std::string dataFolder() const { return home_.file("data/Tessum"); }
 
+  // The host program that records here; `built` unless the desktop lets only a copy of it see its
+  // windows.
+  [[nodiscard]] virtual std::string recorderProgram(const std::string& built) const {
+    return built;
+  }
+
   // Starts a program on this desktop.
   std::unique_ptr<ChildProcess> start(const std::string& program,
                                       const std::vector<std::string>& arguments,

@@ -173,7 +173,16 @@ std::optional<DesktopEntries::Match> DesktopEntries::forWindowClass(
       if (entry && entry->startupWMClass == claimed) return Match{id, *entry};
     }
   }
-  for (const auto& name : {lowerCaseAscii(instance), lowerCaseAscii(windowClass)}) {
+  const auto names = {lowerCaseAscii(instance), lowerCaseAscii(windowClass)};
+  for (const auto& name : names) {
+    if (name.empty()) continue;
+    for (const auto& [id, entry] : entries_) {
+      if (entry && lowerCaseAscii(entry->startupWMClass.value_or("")) == name) {
+        return Match{id, *entry};
+      }
+    }
+  }
+  for (const auto& name : names) {
     if (name.empty()) continue;
     for (const auto& [id, entry] : entries_) {
       if (entry && lowerCaseAscii(id) == name) return Match{id, *entry};

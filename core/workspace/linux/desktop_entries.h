@@ -53,9 +53,10 @@ class DesktopEntries {
   // The entry with that id, which may end in ".desktop". Of a path only the last part counts.
   [[nodiscard]] std::optional<Match> withId(std::string_view id) const;
 
-  // The entry that claims windows of that instance or class, else the one whose id equals one of
-  // them when case is ignored. The instance comes first, because it tells apart applications that
-  // run inside another one.
+  // The entry that claims windows of that instance or class, else one that does when case is
+  // ignored, as some compositors tell the class in small letters, else the one whose id equals one
+  // of them when case is ignored. The instance comes first, because it tells apart applications
+  // that run inside another one.
   [[nodiscard]] std::optional<Match> forWindowClass(const std::string& instance,
                                                     const std::string& windowClass) const;
 

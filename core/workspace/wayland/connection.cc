@@ -143,16 +143,16 @@ WaylandConnection::~WaylandConnection() {
   disarm();
 }
 
-bool WaylandConnection::offers(const wl_interface& interface) const {
-  return globals_.contains(interface.name);
+bool WaylandConnection::offers(const wl_interface& interface, std::uint32_t version) const {
+  const auto found = globals_.find(interface.name);
+  return found != globals_.end() && found->second.version >= version;
 }
 
-void* WaylandConnection::bindAny(const wl_interface& interface) {
+void* WaylandConnection::bindAny(const wl_interface& interface, std::uint32_t version) {
   const auto found = globals_.find(interface.name);
   if (found == globals_.end()) return nullptr;
-  const auto [name, version] = found->second;
-  const auto common = std::min(version, static_cast<std::uint32_t>(interface.version));
-  return wl_registry_bind(registry_.get(), name, &interface, common);
+  const auto [name, highest] = found->second;
+  return wl_registry_bind(registry_.get(), name, &interface, std::min(highest, version));
 }
 
 std::optional<WaylandLoss> WaylandConnection::roundTrip() {

@@ -65,13 +65,15 @@ class WaylandConnection {
   WaylandConnection(const WaylandConnection&) = delete;
   WaylandConnection& operator=(const WaylandConnection&) = delete;
 
-  // Whether the compositor has an object of that interface for everybody.
-  [[nodiscard]] bool offers(const wl_interface& interface) const;
+  // Whether the compositor has an object of that interface for everybody, in that version or a
+  // higher one.
+  [[nodiscard]] bool offers(const wl_interface& interface, std::uint32_t version = 1) const;
 
-  // The first such object, in the highest version that both sides know. Null when there is none.
+  // The first such object, in the highest version up to `version`, which is the one that the caller
+  // knows. Null when there is none.
   template <typename Proxy>
-  [[nodiscard]] WaylandOwned<Proxy> bind(const wl_interface& interface) {
-    return WaylandOwned<Proxy>(static_cast<Proxy*>(bindAny(interface)));
+  [[nodiscard]] WaylandOwned<Proxy> bind(const wl_interface& interface, std::uint32_t version) {
+    return WaylandOwned<Proxy>(static_cast<Proxy*>(bindAny(interface, version)));
   }
 
   // Waits until the compositor has answered all requests so far, without calling the listeners.
@@ -98,7 +100,7 @@ class WaylandConnection {
   struct Events;
 
   WaylandConnection(SystemMainLoop& loop, const SteadyClock& clock, int socket);
-  [[nodiscard]] void* bindAny(const wl_interface& interface);
+  [[nodiscard]] void* bindAny(const wl_interface& interface, std::uint32_t version);
   void process();
   void ask();
   [[nodiscard]] bool isCut() const;

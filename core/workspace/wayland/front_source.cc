@@ -26,7 +26,7 @@ class WaylandFrontSource final : public FrontSource {
                      WorkspaceNoticeHandler notice)
       : clock_(clock),
         connection_(std::move(connection)),
-        windows_(openWlrWindows(*connection_, toplevels_)),
+        windows_(openWindows(*connection_, toplevels_)),
         identifier_(std::move(entries)),
         notice_(std::move(notice)),
         tracker_(loop, [this](const auto& front, Moment since) { handler_(front, since); }) {}

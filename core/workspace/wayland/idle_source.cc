@@ -60,8 +60,8 @@ class WaylandIdleSource final : public IdleSource {
   WaylandIdleSource(const SteadyClock& clock, std::shared_ptr<WaylandConnection> connection)
       : clock_(clock),
         connection_(std::move(connection)),
-        notifier_(connection_->bind<typename Protocol::Notifier>(Protocol::kInterface)),
-        seat_(connection_->bind<wl_seat>(wl_seat_interface)),
+        notifier_(connection_->bind<typename Protocol::Notifier>(Protocol::kInterface, 1)),
+        seat_(connection_->bind<wl_seat>(wl_seat_interface, 1)),
         listener_(connection_->addListener({.onEvents = [this] { tell(); }})) {}
 
   ~WaylandIdleSource() override { connection_->removeListener(listener_); }

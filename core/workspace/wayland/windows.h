@@ -32,4 +32,12 @@ class WaylandWindows {
 [[nodiscard]] std::unique_ptr<WaylandWindows> openWlrWindows(WaylandConnection& connection,
                                                              WaylandToplevels& toplevels);
 
+// org_kde_plasma_window_management: KDE Plasma.
+[[nodiscard]] std::unique_ptr<WaylandWindows> openPlasmaWindows(WaylandConnection& connection,
+                                                                WaylandToplevels& toplevels);
+
+// The first of them that is offered.
+[[nodiscard]] std::unique_ptr<WaylandWindows> openWindows(WaylandConnection& connection,
+                                                          WaylandToplevels& toplevels);
+
 }  // namespace tessum

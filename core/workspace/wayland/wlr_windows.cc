@@ -25,7 +25,7 @@ class WlrWindows final : public WaylandWindows {
  public:
   WlrWindows(WaylandConnection& connection, WaylandToplevels& toplevels)
       : toplevels_(toplevels),
-        manager_(connection.bind<Manager>(zwlr_foreign_toplevel_manager_v1_interface)) {
+        manager_(connection.bind<Manager>(zwlr_foreign_toplevel_manager_v1_interface, 3)) {
     zwlr_foreign_toplevel_manager_v1_add_listener(manager_.get(), &kManagerListener, this);
   }
 

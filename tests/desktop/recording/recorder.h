@@ -26,7 +26,7 @@ class Recorder {
   // Starts it, with further arguments, and waits until it has made the store.
   explicit Recorder(const TestDesktop& desktop, const std::vector<std::string>& arguments = {})
       : desktop_(desktop),
-        process_(desktop.start(TESSUM_PROGRAM, allArguments(arguments),
+        process_(desktop.start(desktop.recorderProgram(TESSUM_PROGRAM), allArguments(arguments),
                                {"XDG_DATA_DIRS=" + desktop.home().file("share")})) {
     if (!eventually([&] { return std::filesystem::exists(store()); })) {
       throw std::runtime_error("no store was made: " + process_->errors());

@@ -1,0 +1,38 @@
+// KWin, the compositor of KDE Plasma.
+
+#pragma once
+
+#include <string>
+
+#include "tests/desktops/compositor.h"
+
+namespace tessum {
+
+class KWin final : public Compositor {
+ public:
+  static constexpr const char* kProgram = "kwin_wayland";
+
+  KWin();
+
+  // The copy that a desktop entry lets see the windows.
+  [[nodiscard]] std::string recorderProgram(const std::string&) const override {
+    return home().file("bin/Tessum");
+  }
+
+  // Has KWin run a script on `window`, the one with that title.
+  void script(const std::string& title, const std::string& statements) const;
+
+  void activate(const std::string& title) const { script(title, "workspace.activeClient = window"); }
+
+  // Somebody touches the computer.
+  void touch() const { run(home().file("bin/fake_input"), {}); }
+
+ private:
+  void allow(const std::string& program, const std::string& interface) const;
+  [[nodiscard]] std::string call(const std::string& member,
+                                 const std::vector<std::string>& arguments) const;
+
+  std::unique_ptr<ChildProcess> bus_;
+};
+
+}  // namespace tessum

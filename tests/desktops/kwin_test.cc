@@ -1,0 +1,88 @@
+// `Tessum record` on KWin.
+
+#include "tests/desktops/kwin.h"
+
+namespace tessum {
+namespace {
+
+constexpr ExitStatus kFailed{.code = 1, .signal = {}};
+
+class KWinRecording : public CompositorTest<KWin> {
+ protected:
+  void SetUp() override {
+    CompositorTest::SetUp();
+    if (IsSkipped()) return;
+    desktop_->addDesktopEntry("debian-xterm", "X Terminal of the Test", "StartupWMClass=XTerm");
+  }
+
+  // Shows a dialog, a native window.
+  [[nodiscard]] std::unique_ptr<ChildProcess> showDialog(const std::string& title) {
+    return desktop_->start("zenity", {"--info", "--title", title, "--text", "What?"});
+  }
+
+  const std::string dialogRow_ = "zenity|zenity|Question";
+  const std::string xtermRow_ = "X Terminal of the Test|debian-xterm|";
+};
+
+TEST_F(KWinRecording, WritesWhatAPersonDoes) {
+  record();
+  const auto dialog = showDialog("Question");
+  ASSERT_TRUE(shows(dialogRow_));
+  Terminal xterm(*desktop_, "xterm", "an X11 window");
+  ASSERT_TRUE(shows(xtermRow_ + "an X11 window"));
+  xterm.setTitle("another title");
+  ASSERT_TRUE(showsAgain(xtermRow_ + "another title"));
+
+  desktop_->activate("Question");
+  ASSERT_TRUE(shows(dialogRow_));
+  desktop_->script("Question", "window.fullScreen = true; window.fullScreen = false");
+  desktop_->script("Question", "window.minimized = true");
+  ASSERT_TRUE(shows(xtermRow_ + "another title"));
+  desktop_->activate("Question");
+  ASSERT_TRUE(shows(dialogRow_));
+  desktop_->script("Question",
+                   "workspace.createDesktop(1, 'other'); window.desktop = 2; "
+                   "workspace.currentDesktop = 2; workspace.currentDesktop = 1");
+  ASSERT_TRUE(shows(xtermRow_ + "another title"));
+  desktop_->script("another title", "window.minimized = true");
+  ASSERT_TRUE(showsNothing());
+  desktop_->activate("another title");
+  ASSERT_TRUE(shows(xtermRow_ + "another title"));
+  xterm.close();
+  ASSERT_TRUE(showsNothing());
+  desktop_->script("Question", "workspace.currentDesktop = 2");
+  ASSERT_TRUE(shows(dialogRow_));
+  dialog->kill();
+  ASSERT_TRUE(showsNothing());
+  stopRecorder();
+
+  const std::string dialogLine = R"(\n• zenity – Question)";
+  const std::string xtermLine = R"(\n• X Terminal of the Test – another title)";
+  EXPECT_EQ(recorder_->report(), "Activities (8 sessions):" + dialogLine + xtermLine + xtermLine +
+                                     dialogLine + xtermLine + dialogLine + xtermLine + dialogLine);
+}
+
+TEST_F(KWinRecording, EndsWithTheLastInputAndBeginsWithTheNext) {
+  const auto dialog = showDialog("Question");
+  record({"--away-after", "2s"});
+  ASSERT_TRUE(shows(dialogRow_));
+  desktop_->touch();
+  ASSERT_TRUE(showsNothing());
+  desktop_->touch();
+  EXPECT_TRUE(shows(dialogRow_));
+  stopRecorder();
+}
+
+TEST_F(KWinRecording, EndsWithTheCompositorAndSaysSo) {
+  const auto dialog = showDialog("Question");
+  record();
+  ASSERT_TRUE(shows(dialogRow_));
+  desktop_->kill();
+  EXPECT_EQ(recorder_->process().wait(), kFailed);
+  EXPECT_EQ(recorder_->process().errors(),
+            "Tessum: The Wayland display has gone away; nothing more can be recorded.\n");
+  EXPECT_TRUE(showsNothing());
+}
+
+}  // namespace
+}  // namespace tessum
