@@ -7,6 +7,7 @@
 #include "core/http/http_connection.h"
 
 #include <asio/buffer.hpp>
+#include <asio/ip/address.hpp>
 #include <asio/write.hpp>
 #include <chrono>
 #include <new>
@@ -22,28 +23,45 @@ bool wouldBlock(const asio::error_code& error) {
   return error == asio::error::would_block || error == asio::error::try_again;
 }
 
+// A peer that has gone has the address 0.0.0.0. On a socket for both families, an address of IPv4
+// comes as one of IPv6.
+bool isLoopback(const asio::ip::address& address) {
+  if (address.is_v4()) return address.is_loopback();
+  const asio::ip::address_v6 v6 = address.to_v6();
+  if (!v6.is_v4_mapped()) return v6.is_loopback();
+  return asio::ip::make_address_v4(asio::ip::v4_mapped, v6).is_loopback();
+}
+
 }  // namespace
 
 HTTPConnection::HTTPConnection(asio::ip::tcp::socket socket, std::shared_ptr<HTTPService> service)
     : socket_(std::move(socket)),
-      lastMoment_(socket_.get_executor()),
-      service_(std::move(service)) {
-  service_->connections.insert(this);
+      deadline_(socket_.get_executor()),
+      service_(std::move(service)),
+      admission_(service_->admission),
+      number_(++service_->lastNumber),
+      isAdmitted_(admission_ == nullptr) {
+  service_->connections.emplace(number_, this);
 }
 
 HTTPConnection::~HTTPConnection() {
-  service_->connections.erase(this);
+  service_->connections.erase(number_);
 }
 
 void HTTPConnection::start() {
+  if (admission_ && service_->connections.size() > admission_->mostConnections) {
+    service_->connections.begin()->second->close();
+  }
   asio::error_code error;
   socket_.non_blocking(true, error);
-  if (!error) receive();
+  if (error) return close();
+  closeAfterPatience();
+  receive();
 }
 
 void HTTPConnection::serverIsGone() {
   if (!isAnswered_) return close();
-  if (socket_.is_open()) closeAfterLastMoment();
+  if (socket_.is_open()) closeAfter(kLastMoment);
 }
 
 void HTTPConnection::receiveWhenReadable() {
@@ -69,9 +87,10 @@ void HTTPConnection::receive() {
 
 void HTTPConnection::take(json::PaddedView received) {
   if (pieces_) pieces_->append(received.text());
-  if (const auto request = parser_.parse(pieces_ ? pieces_->view() : received)) {
-    return answer(*request);
-  }
+  const json::PaddedView arrived = pieces_ ? pieces_->view() : received;
+  const auto request = parser_.parse(arrived);
+  if (!isAdmitted_ && !admits(arrived)) return;
+  if (request) return answer(*request);
   if (parser_.isUnreadable()) {
     pieces_.reset();  // no further bytes help
   } else if (!pieces_) {
@@ -80,13 +99,41 @@ void HTTPConnection::take(json::PaddedView received) {
   receiveWhenReadable();
 }
 
+// False when the connection has been refused or closed.
+bool HTTPConnection::admits(json::PaddedView arrived) {
+  const std::string_view head = parser_.head(arrived);
+  if (head.empty()) {
+    const bool isBearable = arrived.text().size() <= admission_->mostHeadBytes;
+    if (!isBearable) close();
+    return isBearable;
+  }
+  if (auto reason = admission_->refusal(visitor(head))) {
+    isAnswered_ = true;
+    send(refuse(std::move(*reason)));
+    return false;
+  }
+  isAdmitted_ = true;
+  return true;
+}
+
+HTTPVisitor HTTPConnection::visitor(std::string_view head) const {
+  asio::error_code error;
+  const bool isOnThisComputer = isLoopback(socket_.remote_endpoint(error).address());
+  const std::uint16_t port = socket_.local_endpoint(error).port();
+  return {.isOnThisComputer = isOnThisComputer, .port = port, .head = head};
+}
+
 void HTTPConnection::answer(const HTTPRequest& request) {
   isAnswered_ = true;
   const auto handleBody = service_->handleBody;  // a copy, as the call may destroy the server
-  HTTPResponse response = respond(request, handleBody);
+  send(respond(request, handleBody));
+}
+
+void HTTPConnection::send(HTTPResponse response) {
   pieces_.reset();
   head_ = responseHead(response);
   body_ = std::move(response.body);
+  closeAfterPatience();
   sendAnswer();
 }
 
@@ -97,7 +144,7 @@ void HTTPConnection::sendAnswer() {
                       if (error) return self->close();
                       self->head_ = {};
                       self->body_ = {};
-                      self->closeAfterLastMoment();
+                      self->closeAfter(kLastMoment);
                       asio::error_code ignored;  // the next receive notices when the peer is gone
                       self->socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
                       self->drain();
@@ -115,9 +162,15 @@ void HTTPConnection::drain() {
                      });
 }
 
-void HTTPConnection::closeAfterLastMoment() {
-  lastMoment_.expires_after(kLastMoment);
-  lastMoment_.async_wait([self = shared_from_this()](const asio::error_code& cancelled) {
+void HTTPConnection::closeAfterPatience() {
+  if (!admission_) return;
+  const std::chrono::duration<double> patience(admission_->patienceSeconds);
+  closeAfter(std::chrono::duration_cast<std::chrono::steady_clock::duration>(patience));
+}
+
+void HTTPConnection::closeAfter(std::chrono::steady_clock::duration time) {
+  deadline_.expires_after(time);
+  deadline_.async_wait([self = shared_from_this()](const asio::error_code& cancelled) {
     if (!cancelled) self->close();
   });
 }
@@ -125,7 +178,8 @@ void HTTPConnection::closeAfterLastMoment() {
 void HTTPConnection::close() {
   asio::error_code ignored;
   socket_.close(ignored);
-  lastMoment_.cancel();
+  deadline_.cancel();
+  service_->connections.erase(number_);
 }
 
 }  // namespace tessum

@@ -6,12 +6,16 @@
 
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_set>
+#include <string_view>
 
+#include "core/http/http_admission.h"
 #include "core/http/http_request.h"
 #include "core/http/http_response.h"
 #include "core/json/padded.h"
@@ -32,7 +36,12 @@ struct HTTPService {
   // that arrives in one piece is answered from here.
   json::PaddedBuffer received{kReceiveSize};
 
-  std::unordered_set<HTTPConnection*> connections;
+  // Of the connections to come; none where everyone is admitted.
+  std::shared_ptr<const HTTPAdmission> admission;
+
+  // The open ones, oldest first.
+  std::map<std::uint64_t, HTTPConnection*> connections;
+  std::uint64_t lastNumber = 0;
 };
 
 // Lives as long as it waits for its peer. Server queue only.
@@ -43,6 +52,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   HTTPConnection(const HTTPConnection&) = delete;
   HTTPConnection& operator=(const HTTPConnection&) = delete;
 
+  // Serves its peer. Takes the place of the oldest connection where too many are open.
   void start();
 
   // Closes a connection without a complete request; an answer on its way has one more second.
@@ -52,17 +62,24 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   void receiveWhenReadable();
   void receive();
   void take(json::PaddedView received);
+  [[nodiscard]] bool admits(json::PaddedView arrived);
+  [[nodiscard]] HTTPVisitor visitor(std::string_view head) const;
   void answer(const HTTPRequest& request);
+  void send(HTTPResponse response);
   void sendAnswer();
   void drain();
-  void closeAfterLastMoment();
+  void closeAfterPatience();
+  void closeAfter(std::chrono::steady_clock::duration time);
   void close();
 
   asio::ip::tcp::socket socket_;
-  asio::steady_timer lastMoment_;
+  asio::steady_timer deadline_;
   const std::shared_ptr<HTTPService> service_;
+  const std::shared_ptr<const HTTPAdmission> admission_;
+  const std::uint64_t number_;
   HTTPRequestParser parser_;
   std::optional<json::PaddedString> pieces_;  // of a request that did not arrive whole
+  bool isAdmitted_;
   bool isAnswered_ = false;
   std::string head_;
   std::string body_;

@@ -14,11 +14,6 @@ constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
 constexpr std::string_view kContentLength = "content-length:";
 
-// No letter outside ASCII turns into one of kContentLength in lower case.
-bool isContentLength(std::string_view line) {
-  return lowerCaseAscii(line.substr(0, kContentLength.size())) == kContentLength;
-}
-
 // The size that the value of Content-Length declares: 0 when it is negative, and when it is not a
 // decimal number of 64 bits.
 std::size_t declaredSize(std::string_view text) {
@@ -34,6 +29,20 @@ std::size_t declaredSize(std::string_view text) {
 }
 
 }  // namespace
+
+std::vector<std::string_view> headerValues(std::string_view head, std::string_view name) {
+  std::vector<std::string_view> values;
+  std::size_t lineEnd = std::min(head.find(kLineEnd), head.size());
+  while (lineEnd < head.size()) {
+    const std::size_t start = lineEnd + kLineEnd.size();
+    lineEnd = std::min(head.find(kLineEnd, start), head.size());
+    const std::string_view line = head.substr(start, lineEnd - start);
+    // No letter outside ASCII turns into one of a name in lower case.
+    if (lowerCaseAscii(line.substr(0, name.size())) != name) continue;
+    values.push_back(trimBlanks(line.substr(name.size())));
+  }
+  return values;
+}
 
 std::optional<HTTPRequest> parseHTTPRequest(json::PaddedView bytes) {
   return HTTPRequestParser().parse(bytes);
@@ -56,22 +65,22 @@ std::optional<HTTPRequest> HTTPRequestParser::parse(json::PaddedView arrived) {
                      arrived.substr(bodyStart_, bodySize_)};
 }
 
+std::string_view HTTPRequestParser::head(json::PaddedView bytes) const {
+  if (state_ != State::inBody) return {};
+  return bytes.text().substr(0, bodyStart_ - kHeadEnd.size());
+}
+
 void HTTPRequestParser::readHead(std::string_view head) {
   state_ = State::unreadable;
   if (validUtf8(head) != head) return;
 
-  std::size_t lineEnd = std::min(head.find(kLineEnd), head.size());
-  const std::string_view requestLine = head.substr(0, lineEnd);
+  const std::string_view requestLine = head.substr(0, head.find(kLineEnd));
   methodEnd_ = requestLine.find(' ');
   if (methodEnd_ == std::string_view::npos) return;
   pathEnd_ = std::min(requestLine.find(' ', methodEnd_ + 1), requestLine.size());
 
-  while (lineEnd < head.size()) {
-    const std::size_t start = lineEnd + kLineEnd.size();
-    lineEnd = std::min(head.find(kLineEnd, start), head.size());
-    const std::string_view line = head.substr(start, lineEnd - start);
-    if (!isContentLength(line)) continue;
-    bodySize_ = declaredSize(trimBlanks(line.substr(kContentLength.size())));
+  for (const std::string_view value : headerValues(head, kContentLength)) {
+    bodySize_ = declaredSize(value);
   }
   state_ = State::inBody;
 }

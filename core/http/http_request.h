@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "core/json/padded.h"
 
@@ -23,6 +24,12 @@ struct HTTPRequest {
   friend bool operator==(const HTTPRequest&, const HTTPRequest&) = default;
 };
 
+// The values of all headers of one name, in order and without blanks around them. `name` is in
+// lower case and ends with a colon; in `head`, the request line and the headers, its letters may be
+// capital or small. The values refer to `head`. Any thread.
+[[nodiscard]] std::vector<std::string_view> headerValues(std::string_view head,
+                                                         std::string_view name);
+
 // The request at the start of `bytes`; absent while it is incomplete, and when no further bytes can
 // complete it (a head that is not UTF-8, a request line of a single word). Bytes after it are
 // ignored. Any thread.
@@ -36,6 +43,10 @@ class HTTPRequestParser {
   // `bytes` are all that have arrived: those of the previous call, possibly elsewhere in memory,
   // and more.
   [[nodiscard]] std::optional<HTTPRequest> parse(json::PaddedView bytes);
+
+  // The request line and the headers, without the empty line: a part of `bytes`, those of the last
+  // parse(). Empty until they are complete, and when the head is malformed.
+  [[nodiscard]] std::string_view head(json::PaddedView bytes) const;
 
   // Whether the head is malformed, so that no further bytes help.
   [[nodiscard]] bool isUnreadable() const { return state_ == State::unreadable; }

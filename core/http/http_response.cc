@@ -1,9 +1,13 @@
 #include "core/http/http_response.h"
 
+#include <utility>
+
 #include "core/http/endpoint_url.h"
 
 namespace tessum {
 namespace {
+
+constexpr int kForbidden = 403;
 
 constexpr std::string_view kJson = "application/json";
 constexpr std::string_view kPlainText = "text/plain";
@@ -13,6 +17,7 @@ constexpr std::string_view kNotFound = "Not found";
 
 std::string_view reasonPhrase(int status) {
   if (status == 204) return "No Content";
+  if (status == kForbidden) return "Forbidden";
   if (status == 404) return "Not Found";
   return "OK";
 }
@@ -25,13 +30,18 @@ std::string responseHead(const HTTPResponse& response) {
   head += "\r\nContent-Type: ";
   head += response.contentType;
   head += "; charset=utf-8\r\nContent-Length: " + std::to_string(response.body.size());
-  head +=
-      "\r\nAccess-Control-Allow-Origin: *"
-      "\r\nAccess-Control-Allow-Methods: POST, GET, OPTIONS"
-      "\r\nAccess-Control-Allow-Headers: Content-Type"
-      "\r\nConnection: close"
-      "\r\n\r\n";
+  if (response.status != kForbidden) {
+    head +=
+        "\r\nAccess-Control-Allow-Origin: *"
+        "\r\nAccess-Control-Allow-Methods: POST, GET, OPTIONS"
+        "\r\nAccess-Control-Allow-Headers: Content-Type";
+  }
+  head += "\r\nConnection: close\r\n\r\n";
   return head;
+}
+
+HTTPResponse refuse(std::string reason) {
+  return {kForbidden, kPlainText, std::move(reason)};
 }
 
 HTTPResponse respond(const HTTPRequest& request, const AnswerMessage& answerMessage) {

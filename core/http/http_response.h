@@ -27,6 +27,9 @@ struct HTTPResponse {
 // Answers a message to the engine; absent when there is no answer.
 using AnswerMessage = std::function<std::optional<std::string>(json::PaddedView body)>;
 
+// The answer to a request that is refused for `reason`. No page of another origin may read it.
+[[nodiscard]] HTTPResponse refuse(std::string reason);
+
 // The answer to `request`. `answerMessage` is called only for what is posted to /mcp. Method and
 // path are compared byte by byte.
 [[nodiscard]] HTTPResponse respond(const HTTPRequest& request, const AnswerMessage& answerMessage);

@@ -31,13 +31,15 @@ struct HTTPTransport::State {
     return packaged.get_future().get();
   }
 
-  void listen(std::uint16_t port) {
+  void listen(std::uint16_t port, std::optional<HTTPAdmission> admission) {
     const auto next =
         std::make_shared<HTTPListener>(context, [shared = service](asio::ip::tcp::socket socket) {
           std::make_shared<HTTPConnection>(std::move(socket), shared)->start();
         });
     stop();  // only now: the old listener stays when there can be no new one
     listener = next;
+    service->admission =
+        admission ? std::make_shared<const HTTPAdmission>(std::move(*admission)) : nullptr;
     listener->listen(port);
   }
 
@@ -51,7 +53,7 @@ struct HTTPTransport::State {
     stop();
     service->handleBody = nullptr;
     std::vector<std::shared_ptr<HTTPConnection>> connections;
-    for (HTTPConnection* const connection : service->connections) {
+    for (const auto& [number, connection] : service->connections) {
       connections.push_back(connection->shared_from_this());
     }
     for (const auto& connection : connections) connection->serverIsGone();
@@ -75,8 +77,8 @@ HTTPTransport::~HTTPTransport() {
   state_->onQueue([this] { state_->shutDown(); });
 }
 
-void HTTPTransport::listen(std::uint16_t port) {
-  state_->onQueue([&] { state_->listen(port); });
+void HTTPTransport::listen(std::uint16_t port, std::optional<HTTPAdmission> admission) {
+  state_->onQueue([&] { state_->listen(port, std::move(admission)); });
 }
 
 void HTTPTransport::stop() {

@@ -13,6 +13,7 @@
 #include <string>
 #include <system_error>
 
+#include "core/http/http_admission.h"
 #include "core/json/padded.h"
 #include "core/loop/serial_queue.h"
 
@@ -35,10 +36,11 @@ class HTTPTransport {
   HTTPTransport(const HTTPTransport&) = delete;
   HTTPTransport& operator=(const HTTPTransport&) = delete;
 
-  // Listens on `port` of every interface instead of the previous port. Throws std::system_error
+  // Listens on `port` of every interface instead of the previous port. Who connects from now on is
+  // served as `admission` says, and without one whoever it is. Throws std::system_error
   // when the system gives no socket, and then changes nothing. A port that is taken or forbidden
   // throws nothing: the transport then listens on none, and listeningError() says why.
-  void listen(std::uint16_t port);
+  void listen(std::uint16_t port, std::optional<HTTPAdmission> admission = std::nullopt);
 
   // Accepts no more connections. Those accepted before are served.
   void stop();

@@ -1,5 +1,6 @@
 // The HTTP part of MCPServer, which programs without HTTP do not link.
 
+#include <optional>
 #include <string>
 
 #include "core/http/endpoint_url.h"
@@ -9,12 +10,20 @@
 namespace tessum {
 
 void MCPServer::start() {
+  startFor(nullptr);
+}
+
+void MCPServer::start(const HTTPAdmission& admission) {
+  startFor(&admission);
+}
+
+void MCPServer::startFor(const HTTPAdmission* admission) {
   if (port_ == 0) throw MCPServerError::invalidPort(port_);
   if (!transport_) {
     transport_ = std::make_shared<HTTPTransport>(
         queue_, [this](json::PaddedView body) { return handleBody(body); });
   }
-  transport_->listen(port_);
+  transport_->listen(port_, admission ? std::optional(*admission) : std::nullopt);
 }
 
 void MCPServer::stop() {

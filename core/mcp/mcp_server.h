@@ -24,6 +24,7 @@
 namespace tessum {
 
 class HTTPTransport;
+struct HTTPAdmission;
 
 // Serves one store. It keeps no state for clients or connections, so methods may come in any order.
 // Not thread-safe: the caller passes it one message at a time, or leaves that to the HTTP transport
@@ -79,6 +80,9 @@ class MCPServer {
   // A port that is taken or forbidden is no error here: see listeningError().
   void start();
 
+  // The same, but whom the transport answers is for `admission` to say (core/http).
+  void start(const HTTPAdmission& admission);
+
   // Accepts no connection from now on; those accepted before are served. Does nothing when
   // nothing was started.
   void stop();
@@ -101,6 +105,8 @@ class MCPServer {
   [[nodiscard]] MCPToolResult getAppUsage(const ToolArguments& arguments);
   [[nodiscard]] MCPToolResult annotate(const ToolArguments& arguments);
   [[nodiscard]] MCPToolResult getAnnotations(const ToolArguments& arguments);
+
+  void startFor(const HTTPAdmission* admission);
 
   [[nodiscard]] std::string activityReport(Date day, std::int64_t limit);
 
