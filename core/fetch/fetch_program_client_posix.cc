@@ -14,11 +14,11 @@
 #include <limits>
 #include <stdexcept>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "core/fetch/fetch_part_reader.h"
 #include "core/platform/descriptor.h"
+#include "core/platform/pipe.h"
 #include "core/platform/spawn.h"
 
 namespace tessum {
@@ -28,23 +28,6 @@ constexpr double kLongestGet = 3600;        // seconds; an hour
 constexpr double kLongestDownload = 86400;  // seconds; a day
 constexpr int kNoFile = -1;
 constexpr pid_t kNoProcess = -1;
-
-// A pipe into which another program writes.
-struct Pipe {
-  Pipe() {
-    int ends[2];
-    if (pipe(ends) != 0) {
-      throw std::system_error(errno, std::generic_category(), "Cannot make a pipe");
-    }
-    output = Descriptor(ends[0]);
-    input = Descriptor(ends[1]);
-    for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
-    fcntl(output.number(), F_SETFL, O_NONBLOCK);
-  }
-
-  Descriptor output;
-  Descriptor input;
-};
 
 // What a transfer is to do.
 struct Order {
@@ -88,9 +71,11 @@ class FetchTransfer final : public HttpTransfer {
       throw std::runtime_error("TessumFetch cannot be found");
     }
     Pipe pipe;
-    const int input = pipe.input.number();
-    process_ = startProgram(order_.command, order_.file == kNoFile ? input : order_.file, input);
-    output_ = std::move(pipe.output);
+    fcntl(pipe.readEnd.number(), F_SETFL, O_NONBLOCK);
+    const int input = pipe.writeEnd.number();
+    const int body = order_.file == kNoFile ? input : order_.file;
+    process_ = startProgram(order_.command, {.output = body, .errors = input});
+    output_ = std::move(pipe.readEnd);
     watch_ = loop_.watchReadable(output_.number(), [this] { receive(); });
     limit_ = loop_.startTimer(order_.mostSeconds, [this] { finish("The transfer took too long"); });
   }

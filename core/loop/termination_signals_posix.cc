@@ -11,7 +11,6 @@
 
 #include <atomic>
 #include <cerrno>
-#include <system_error>
 #include <utility>
 
 #include "core/base/check.h"
@@ -33,17 +32,18 @@ void noteSignal(int) {
   errno = savedError;
 }
 
-void setHandler(void (*handler)(int)) {
+void setHandler(int signal, void (*handler)(int)) {
   struct sigaction action {};
   action.sa_handler = handler;
   action.sa_flags = SA_RESTART;
   sigemptyset(&action.sa_mask);
-  for (const int signal : kSignals) sigaction(signal, &action, nullptr);
+  sigaction(signal, &action, nullptr);
 }
 
-void prepare(int descriptor) {
-  fcntl(descriptor, F_SETFD, FD_CLOEXEC);
-  fcntl(descriptor, F_SETFL, O_NONBLOCK);
+bool isIgnored(int signal) {
+  struct sigaction action {};
+  sigaction(signal, nullptr, &action);
+  return action.sa_handler == SIG_IGN;
 }
 
 }  // namespace
@@ -51,26 +51,25 @@ void prepare(int descriptor) {
 TerminationSignals::TerminationSignals(SystemMainLoop& loop, std::function<void()> task)
     : loop_(loop) {
   TESSUM_CHECK(signalPipe == kNone, "the termination signals are already taken");
-  int ends[2] = {kNone, kNone};
-  if (pipe(ends) != 0) {
-    throw std::system_error(errno, std::generic_category(), "Cannot make a pipe for signals");
-  }
-  readEnd_ = Descriptor(ends[0]);
-  writeEnd_ = Descriptor(ends[1]);
-  prepare(readEnd_.number());
-  prepare(writeEnd_.number());
-  watch_ = loop.watchReadable(readEnd_.number(), [end = ends[0], task = std::move(task)] {
+  const int readEnd = pipe_.readEnd.number();
+  const int writeEnd = pipe_.writeEnd.number();
+  for (const int end : {readEnd, writeEnd}) fcntl(end, F_SETFL, O_NONBLOCK);
+  watch_ = loop.watchReadable(readEnd, [readEnd, task = std::move(task)] {
     char bytes[16];
-    while (read(end, bytes, sizeof bytes) > 0) {
+    while (read(readEnd, bytes, sizeof bytes) > 0) {
     }
     task();
   });
-  signalPipe = writeEnd_.number();
-  setHandler(noteSignal);
+  signalPipe = writeEnd;
+  for (const int signal : kSignals) {
+    if (isIgnored(signal)) continue;
+    setHandler(signal, noteSignal);
+    taken_.push_back(signal);
+  }
 }
 
 TerminationSignals::~TerminationSignals() {
-  setHandler(SIG_DFL);
+  for (const int signal : taken_) setHandler(signal, SIG_DFL);
   signalPipe = kNone;
   loop_.unwatch(watch_);
 }

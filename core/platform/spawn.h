@@ -9,16 +9,23 @@
 
 namespace tessum {
 
-// Starts the program `arguments[0]`, which is looked for along PATH unless it names a folder. Its
-// standard output and standard error go to the descriptors `output` and `errors`, or nowhere where
-// that is -1. It has no input and gets no other descriptor. It has a session of its own, so that an
-// interrupt typed for this program does not end it, and the usual treatment of signals, whatever
-// that of the calling thread.
+// The descriptors that a program gets as its standard streams. One that is -1 leads nowhere: such
+// an input is at its end.
+struct ProgramStreams {
+  int input = -1;
+  int output = -1;
+  int errors = -1;
+};
+
+// Starts the program `arguments[0]`, which is looked for along PATH unless it names a folder. It
+// gets no descriptor but its standard streams. It has a session of its own, so that an interrupt
+// typed for this program does not end it, and the usual treatment of signals, whatever that of the
+// calling thread.
 //
 // Gives the process id; the caller has to take the exit status. Throws std::system_error when the
 // program cannot be started. Any thread.
-[[nodiscard]] pid_t startProgram(std::vector<std::string> arguments, int output = -1,
-                                 int errors = -1);
+[[nodiscard]] pid_t startProgram(std::vector<std::string> arguments,
+                                 const ProgramStreams& streams = {});
 
 // Waits for the end of a process that was started here, and takes its exit status. Any thread.
 void waitForProgram(pid_t process);

@@ -21,11 +21,11 @@ namespace {
 // treatment of signals.
 class Setup {
  public:
-  Setup(int output, int errors) {
+  explicit Setup(const ProgramStreams& streams) {
     posix_spawn_file_actions_init(&actions_);
-    posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    direct(STDOUT_FILENO, output);
-    direct(STDERR_FILENO, errors);
+    direct(STDIN_FILENO, streams.input);
+    direct(STDOUT_FILENO, streams.output);
+    direct(STDERR_FILENO, streams.errors);
     short flags = POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
     inheritStandardStreamsOnly(actions_, flags);
 
@@ -51,7 +51,7 @@ class Setup {
  private:
   void direct(int stream, int descriptor) {
     if (descriptor == -1) {
-      posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_WRONLY, 0);
+      posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0);
     } else {
       posix_spawn_file_actions_adddup2(&actions_, descriptor, stream);
     }
@@ -63,11 +63,11 @@ class Setup {
 
 }  // namespace
 
-pid_t startProgram(std::vector<std::string> arguments, int output, int errors) {
+pid_t startProgram(std::vector<std::string> arguments, const ProgramStreams& streams) {
   std::vector<char*> pointers;
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
-  const Setup setup(output, errors);
+  const Setup setup(streams);
   pid_t process = 0;
   const int error = posix_spawnp(&process, pointers[0], setup.actions(), setup.attributes(),
                                  pointers.data(), environ);

@@ -21,6 +21,23 @@ TEST(TerminationSignals, EachOfThemRunsTheTask) {
   }
 }
 
+TEST(TerminationSignals, AnIgnoredSignalStaysIgnored) {
+  const auto before = signal(SIGHUP, SIG_IGN);
+  SystemMainLoop loop;
+  int count = 0;
+  {
+    const TerminationSignals signals(loop, [&] {
+      ++count;
+      loop.quit();
+    });
+    raise(SIGHUP);
+    raise(SIGTERM);
+    loop.run();
+  }
+  EXPECT_EQ(count, 1);
+  EXPECT_EQ(signal(SIGHUP, before), SIG_IGN);
+}
+
 TEST(TerminationSignalsDeathTest, TheirUsualEffectComesBack) {
   const auto scenario = [] {
     SystemMainLoop loop;

@@ -21,7 +21,7 @@ std::string outputOf(const std::string& commands) {
   EXPECT_EQ(pipe(ends), 0);
   const Descriptor readEnd(ends[0]);
   Descriptor writeEnd(ends[1]);
-  const pid_t process = startProgram({"sh", "-c", commands}, writeEnd.number());
+  const pid_t process = startProgram({"sh", "-c", commands}, {.output = writeEnd.number()});
   EXPECT_EQ(writeEnd.close(), 0);
   std::string output;
   char buffer[1000];
@@ -43,11 +43,14 @@ TEST(StartProgram, PassesOnOnlyTheStandardStreams) {
 
 TEST(StartProgram, ConnectsTheStandardStreams) {
   const TemporaryFolder folder;
+  writeFile(folder.file("input"), "asked\n");
+  const Descriptor input(open(folder.file("input").c_str(), O_RDONLY));
   const Descriptor errors(open(folder.file("errors").c_str(), O_WRONLY | O_CREAT, 0600));
   const Descriptor output(open(folder.file("output").c_str(), O_WRONLY | O_CREAT, 0600));
-  waitForProgram(startProgram({"sh", "-c", "cat; echo told; echo complained >&2"}, output.number(),
-                              errors.number()));
-  EXPECT_EQ(readFile(folder.file("output")), "told\n");
+  waitForProgram(startProgram(
+      {"sh", "-c", "cat; echo told; echo complained >&2"},
+      {.input = input.number(), .output = output.number(), .errors = errors.number()}));
+  EXPECT_EQ(readFile(folder.file("output")), "asked\ntold\n");
   EXPECT_EQ(readFile(folder.file("errors")), "complained\n");
 }
 
@@ -55,7 +58,7 @@ TEST(StartProgram, HasTheStreamsThatItIsNotGivenLeadNowhere) {
   const TemporaryFolder folder;
   waitForProgram(startProgram(
       {"sh", "-c",
-       "echo told && echo complained >&2 && echo both > '" + folder.file("result") + "'"}));
+       "cat && echo told && echo complained >&2 && echo both > '" + folder.file("result") + "'"}));
   EXPECT_EQ(readFile(folder.file("result")), "both\n");
 }
 

@@ -96,6 +96,21 @@ TEST(Record, EachTerminationSignalClosesTheSessionAndSucceeds) {
   }
 }
 
+TEST(Record, GoesOnWhenItsTerminalClosesUnderNohup) {
+  Desktop desktop;
+  desktop.startWindowManager();
+  const auto recorder = desktop.start("nohup", {TESSUM_PROGRAM, "record", "--no-update-check"});
+  const std::string history = desktop.dataFolder() + "/activities.db";
+  ASSERT_TRUE(eventually([&] { return std::filesystem::exists(history); }));
+  desktop.addWindow("First");
+  recorder->kill(SIGHUP);
+  desktop.addWindow("Second");
+  ASSERT_TRUE(eventually(
+      [&] { return desktop.run("cat", {history}).find("Second") != std::string::npos; }));
+  recorder->kill(SIGTERM);
+  EXPECT_EQ(recorder->wait(), kSuccess);
+}
+
 TEST(Record, ASecondRecorderOfTheSameDataIsRefused) {
   Desktop desktop;
   desktop.startWindowManager();
