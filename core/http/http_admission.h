@@ -16,7 +16,7 @@ namespace tessum {
 struct HTTPVisitor {
   bool isOnThisComputer = false;  // the connection comes from a loopback address
   std::uint16_t port = 0;         // the one that was connected to
-  std::string_view head;          // the request line and the headers as sent, without the empty line
+  std::string_view head;  // the request line and the headers as sent, without the empty line
 };
 
 struct HTTPAdmission {

@@ -10,14 +10,15 @@
 namespace tessum {
 namespace {
 
-// Our transport describes itself in the answer to this request.
-constexpr std::string_view kRequest =
-    "GET / HTTP/1.1\r\n"
-    "Host: localhost\r\n"
-    "Connection: close\r\n"
-    "\r\n";
+// How our transport describes itself.
 constexpr std::string_view kSelfDescription = "Tessum MCP Server";
 constexpr auto kPatience = std::chrono::seconds(2);
+
+// Asks for that description, and names the host as the endpoint wants it.
+std::string request() {
+  return "GET / HTTP/1.1\r\nHost: localhost:" + std::to_string(limits::kDefaultPort) +
+         "\r\nConnection: close\r\n\r\n";
+}
 
 }  // namespace
 
@@ -26,7 +27,7 @@ EndpointState endpointState() {
   stream.expires_after(kPatience);
   stream.connect("localhost", std::to_string(limits::kDefaultPort));
   if (!stream) return EndpointState::silent;
-  stream << kRequest << std::flush;
+  stream << request() << std::flush;
   for (std::string line; std::getline(stream, line);) {
     if (line.starts_with(kSelfDescription)) return EndpointState::answers;
   }

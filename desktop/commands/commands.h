@@ -12,6 +12,7 @@ class App;
 namespace tessum {
 
 void addRecordCommand(CLI::App& app, Host& host);
+void addServeCommand(CLI::App& app, Host& host);
 void addPauseCommands(CLI::App& app, Host& host);  // pause and resume
 void addStatusCommand(CLI::App& app, Host& host);
 void addReportCommands(CLI::App& app, Host& host);  // day, usage, notes and search

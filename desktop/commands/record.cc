@@ -33,8 +33,12 @@ void addRecordCommand(CLI::App& app, Host& host) {
                     "do not look for a newer version, now or every six hours");
   const auto servesHTTP = std::make_shared<bool>(false);
   command->add_flag("--http", *servesHTTP,
-                    "also answer assistants over HTTP on port 7384: without a password, on every "
-                    "network this computer is in, and to any web page that you open");
+                    "also answer assistants on this computer over HTTP on port 7384, without a "
+                    "password, but no web page and no other computer");
+  const auto isOpen = std::make_shared<bool>(false);
+  command->add_flag("--http-open", *isOpen,
+                    "the same for whoever asks: without a password, on every network this computer "
+                    "is in, and to any web page that you open");
   const auto awayAfter = std::make_shared<std::string>();
   command
       ->add_option(
@@ -56,7 +60,9 @@ void addRecordCommand(CLI::App& app, Host& host) {
       "  Tessum record --http");
   command->callback([=, &host] {
     Recorder recorder(host, recordingOptions(*awayAfter, *titles));
-    if (*servesHTTP) recorder.serveHTTP(host);
+    if (*servesHTTP || *isOpen) {
+      recorder.serveHTTP(*isOpen ? OpenTo::everyone : OpenTo::thisComputer);
+    }
     if (!*leavesUpdatesAlone) recorder.watchForReleases();
     host.status = recorder.run();
   });

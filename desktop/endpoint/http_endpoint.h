@@ -1,4 +1,4 @@
-// The history, offered to assistants over HTTP by a program that does something else besides.
+// The history, offered to assistants over HTTP.
 
 #pragma once
 
@@ -11,6 +11,12 @@
 
 namespace tessum {
 
+// Whom an endpoint answers.
+enum class OpenTo {
+  thisComputer,  // its programs and the endpoint's own pages, as admissionOfThisComputer() says
+  everyone       // on every network, and any web page; connections may wait without end
+};
+
 // Open from its making to its end. It has a connection of its own to the store, and a thread of
 // its own that answers. Main thread only.
 class HTTPEndpoint {
@@ -18,8 +24,8 @@ class HTTPEndpoint {
   // Serves the store at `databasePath` on `port`. `clock` and `calendar` must outlive the endpoint,
   // whose thread uses them: nobody else may use the calendar meanwhile. Throws DatabaseError,
   // MCPServerError::invalidPort, and std::system_error that says why the port cannot be had.
-  HTTPEndpoint(const std::string& databasePath, std::uint16_t port, const Clock& clock,
-               const Calendar& calendar);
+  HTTPEndpoint(const std::string& databasePath, std::uint16_t port, OpenTo openTo,
+               const Clock& clock, const Calendar& calendar);
 
   // Where clients of this computer find it.
   [[nodiscard]] std::string url() const { return server_.endpointURL(); }

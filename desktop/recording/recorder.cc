@@ -10,7 +10,6 @@
 #include <thread>
 #include <utility>
 
-#include "core/base/limits.h"
 #include "core/platform/folders.h"
 #include "core/presence/system_presence.h"
 #include "core/store/database.h"
@@ -131,8 +130,12 @@ void Recorder::watchForReleases() {
   });
 }
 
-void Recorder::serveHTTP(const Host& host) {
-  endpoint_.emplace(database_, limits::kDefaultPort, host.clock, host.calendar);
+void Recorder::serveHTTP(OpenTo openTo) {
+  const auto program = host_.locations.executablePath();
+  if (!program) throw std::runtime_error("Tessum cannot find its own file.");
+  std::vector<std::string> command{*program, "serve", "--until-input-ends"};
+  if (openTo == OpenTo::everyone) command.emplace_back("--open");
+  endpoint_.emplace(std::move(command), loop_, steady_, say);
   std::printf("%s\n", endpoint_->url().c_str());
   std::fflush(stdout);
 }

@@ -14,7 +14,8 @@
 #include "core/presence/presence_source.h"
 #include "core/workspace/desktop_sources.h"
 #include "desktop/command.h"
-#include "desktop/recording/http_endpoint.h"
+#include "desktop/endpoint/endpoint_process.h"
+#include "desktop/endpoint/http_endpoint.h"
 #include "desktop/recording/recorder_state.h"
 #include "desktop/recording/recording.h"
 #include "desktop/recording/recording_options.h"
@@ -37,9 +38,9 @@ class Recorder {
   // one appears.
   void watchForReleases();
 
-  // Also answers assistants over HTTP, with a connection of its own to the database, and prints
-  // where. Throws what HTTPEndpoint throws.
-  void serveHTTP(const Host& host);
+  // Also answers assistants over HTTP, from a process of its own, and prints where. Throws what
+  // EndpointProcess throws.
+  void serveHTTP(OpenTo openTo);
 
   // Records until SIGINT, SIGTERM or SIGHUP, until the login session ends, or until the desktop
   // goes away, and closes the open session. Returns the exit status.
@@ -78,7 +79,7 @@ class Recorder {
   std::optional<SettingsFollower> follower_;
   bool saysPause_ = false;         // what was said last of pauses
   PresenceHandlers::Delay delay_;  // of the end of the login session, until all is written
-  std::optional<HTTPEndpoint> endpoint_;
+  std::optional<EndpointProcess> endpoint_;
   std::optional<Updater> updater_;
   int status_ = kSuccess;
 };

@@ -4,7 +4,7 @@ _tessum() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} words=
   if [ "$COMP_CWORD" -eq 1 ]; then
-    words='record pause resume status day usage notes search note timeline clients install uninstall update
+    words='record serve pause resume status day usage notes search note timeline clients install uninstall update
       doctor export forget backup settings --help --version'
   else
     case $previous in
@@ -16,7 +16,8 @@ _tessum() {
       --for | --limit | --app | --title) ;;
       *)
         case $command in
-          record) words='--http --away-after --titles --no-update-check --help' ;;
+          record) words='--http --http-open --away-after --titles --no-update-check --help' ;;
+          serve) words='--open --help' ;;
           day | usage | notes) words='today yesterday --plain --help' ;;
           search) words='--plain --limit --help' ;;
           note) words='--for --end --help' ;;

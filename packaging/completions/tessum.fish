@@ -7,11 +7,13 @@ end
 complete -c tessum -f
 complete -c tessum -l help -d 'Show help'
 complete -c tessum -n __fish_use_subcommand -l version -d 'Show the version'
-for command in record pause resume status day usage notes search note timeline clients install uninstall \
+for command in record serve pause resume status day usage notes search note timeline clients install uninstall \
         update doctor export forget backup settings
     complete -c tessum -n __fish_use_subcommand -a $command
 end
 __tessum_add record -l http -d 'Answer over HTTP'
+__tessum_add record -l http-open -d 'Answer whoever asks over HTTP'
+__tessum_add serve -l open -d 'Answer whoever asks'
 __tessum_add record -l away-after -x -d 'How long until you are away'
 __tessum_add record -l titles -x -a 'each last none' -d 'Which titles are kept'
 __tessum_add record -l no-update-check -d 'Look for no newer release'

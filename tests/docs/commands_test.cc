@@ -40,6 +40,7 @@ constexpr Elsewhere kElsewhere[] = {
      R"(start(TESSUM_PROGRAM, {"record", "--no-update-check"})"},
     {"Tessum record --http", "tests/desktop/recording/record_http_test.cc",
      R"({"record", "--http", "--no-update-check"})"},
+    {"Tessum serve", "tests/desktop/recording/record_http_test.cc", R"(open({"serve"}))"},
     {"Tessum record --away-after 10m --titles last",
      "tests/desktop/recording/away_recording_test.cc", R"("--away-after", "2s",)"},
     {"Tessum settings edit", "tests/desktop/commands/settings_test.cc", R"({"settings", "edit"})"},
