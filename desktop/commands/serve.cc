@@ -39,9 +39,10 @@ void serve(const Host& host, OpenTo openTo, bool endsWithInput) {
 void addServeCommand(CLI::App& app, Host& host) {
   auto* command = app.add_subcommand("serve", "Answer assistants over HTTP");
   const auto isOpen = std::make_shared<bool>(false);
-  command->add_flag("--open", *isOpen,
-                    "to whoever asks: without a password, on every network this computer is in, and "
-                    "to any web page that you open");
+  command->add_flag(
+      "--open", *isOpen,
+      "to whoever asks: without a password, on every network this computer is in, and "
+      "to any web page that you open");
   const auto endsWithInput = std::make_shared<bool>(false);
   command->add_flag("--until-input-ends", *endsWithInput)->group("");  // for the recorder
   command->footer(

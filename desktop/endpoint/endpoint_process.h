@@ -17,7 +17,8 @@
 namespace tessum {
 
 // Runs from the making of the object to its end. The process gets a pipe as its standard input and
-// has to end when that ends, so it never outlives this one, however this one ends. Main thread only.
+// has to end when that ends, so it never outlives this one, however this one ends. Main thread
+// only.
 class EndpointProcess {
  public:
   // How long it stays down when it has ended: the time doubles each time, and begins anew once the

@@ -37,7 +37,8 @@ KWin::KWin() {
 
 void KWin::allow(const std::string& program, const std::string& interface) const {
   writeFile(home().file("data/applications/" + interface + ".desktop"),
-            "[Desktop Entry]\nType=Application\nName=" + program + "\nExec=" + home().file(program) +
+            "[Desktop Entry]\nType=Application\nName=" + program +
+                "\nExec=" + home().file(program) +
                 "\nNoDisplay=true\nX-KDE-Wayland-Interfaces=" + interface + "\n");
 }
 

@@ -22,7 +22,9 @@ class KWin final : public Compositor {
   // Has KWin run a script on `window`, the one with that title.
   void script(const std::string& title, const std::string& statements) const;
 
-  void activate(const std::string& title) const { script(title, "workspace.activeClient = window"); }
+  void activate(const std::string& title) const {
+    script(title, "workspace.activeClient = window");
+  }
 
   // Somebody touches the computer.
   void touch() const { run(home().file("bin/fake_input"), {}); }

@@ -1,5 +1,5 @@
-// Windows of KDE's KWin. It offers them only to a program that a desktop entry allows it to, and tells
-// each property by itself, first all that there are and then "initial_state".
+// Windows of KDE's KWin. It offers them only to a program that a desktop entry allows it to, and
+// tells each property by itself, first all that there are and then "initial_state".
 
 #include <plasma-window-management.h>
 #include <wayland-client.h>
@@ -22,8 +22,8 @@ class PlasmaWindows final : public WaylandWindows {
  public:
   PlasmaWindows(WaylandConnection& connection, WaylandToplevels& toplevels)
       : toplevels_(toplevels),
-        manager_(connection.bind<Manager>(org_kde_plasma_window_management_interface,
-                                          kKnownVersion)) {
+        manager_(
+            connection.bind<Manager>(org_kde_plasma_window_management_interface, kKnownVersion)) {
     org_kde_plasma_window_management_add_listener(manager_.get(), &kManagerListener, this);
   }
 

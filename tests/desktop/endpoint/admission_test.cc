@@ -69,8 +69,8 @@ TEST(RefusalOf, KeepsOutTheOriginsOfWebPages) {
               "Web pages are not answered.")
         << origin;
   }
-  EXPECT_TRUE(refusalOfHeaders({"Host: localhost:7384", "Origin: http://localhost:7384",
-                                "Origin: http://example.org"}));
+  EXPECT_TRUE(refusalOfHeaders(
+      {"Host: localhost:7384", "Origin: http://localhost:7384", "Origin: http://example.org"}));
 }
 
 TEST(RefusalOf, KeepsOutOtherComputersWhateverTheySay) {

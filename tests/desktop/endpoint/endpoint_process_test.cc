@@ -11,9 +11,9 @@
 #include <system_error>
 #include <vector>
 
-#include "tests/support/fake_clock.h"
-#include "tests/support/fake_main_loop.h"
-#include "tests/support/fake_steady_clock.h"
+#include "tests/support/fakes/fake_clock.h"
+#include "tests/support/fakes/fake_main_loop.h"
+#include "tests/support/fakes/fake_steady_clock.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessum {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/workspace/title.h"
-#include "tests/support/bus_draft_linux.h"
+#include "tests/support/bus/bus_draft_linux.h"
 
 namespace tessum {
 namespace {

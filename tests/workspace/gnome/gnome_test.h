@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/workspace/gnome/front_source.h"
-#include "tests/support/bus_linux.h"
+#include "tests/support/bus/bus_linux.h"
 #include "tests/support/environment.h"
 
 namespace tessum {

@@ -1,9 +1,9 @@
 #include "core/workspace/gnome/idle_source.h"
 
-#include "tests/support/bus_linux.h"
+#include "tests/support/bus/bus_linux.h"
 #include "tests/support/environment.h"
-#include "tests/support/fake_clock.h"
-#include "tests/support/fake_steady_clock.h"
+#include "tests/support/fakes/fake_clock.h"
+#include "tests/support/fakes/fake_steady_clock.h"
 
 #include <gtest/gtest.h>
 
