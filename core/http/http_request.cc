@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "core/base/text.h"
+#include "core/http/http_headers.h"
 
 namespace tessum {
 namespace {
@@ -29,20 +30,6 @@ std::size_t declaredSize(std::string_view text) {
 }
 
 }  // namespace
-
-std::vector<std::string_view> headerValues(std::string_view head, std::string_view name) {
-  std::vector<std::string_view> values;
-  std::size_t lineEnd = std::min(head.find(kLineEnd), head.size());
-  while (lineEnd < head.size()) {
-    const std::size_t start = lineEnd + kLineEnd.size();
-    lineEnd = std::min(head.find(kLineEnd, start), head.size());
-    const std::string_view line = head.substr(start, lineEnd - start);
-    // No letter outside ASCII turns into one of a name in lower case.
-    if (lowerCaseAscii(line.substr(0, name.size())) != name) continue;
-    values.push_back(trimBlanks(line.substr(name.size())));
-  }
-  return values;
-}
 
 std::optional<HTTPRequest> parseHTTPRequest(json::PaddedView bytes) {
   return HTTPRequestParser().parse(bytes);

@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 #include "core/json/padded.h"
 
@@ -23,12 +22,6 @@ struct HTTPRequest {
 
   friend bool operator==(const HTTPRequest&, const HTTPRequest&) = default;
 };
-
-// The values of all headers of one name, in order and without blanks around them. `name` is in
-// lower case and ends with a colon; in `head`, the request line and the headers, its letters may be
-// capital or small. The values refer to `head`. Any thread.
-[[nodiscard]] std::vector<std::string_view> headerValues(std::string_view head,
-                                                         std::string_view name);
 
 // The request at the start of `bytes`; absent while it is incomplete, and when no further bytes can
 // complete it (a head that is not UTF-8, a request line of a single word). Bytes after it are

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "core/base/text.h"
-#include "core/http/http_request.h"
+#include "core/http/http_headers.h"
 
 namespace tessum {
 namespace {

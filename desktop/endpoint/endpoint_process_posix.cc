@@ -7,7 +7,7 @@
 #include <system_error>
 #include <utility>
 
-#include "core/platform/pipe.h"
+#include "core/platform/descriptor.h"
 #include "core/platform/spawn.h"
 #include "desktop/endpoint/endpoint_process.h"
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/http/http_request.h"
+#include "core/http/http_headers.h"
 #include "tests/http/http_server.h"
 #include "tests/http/loopback.h"
 #include "tests/support/eventually.h"

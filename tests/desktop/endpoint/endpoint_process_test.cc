@@ -64,6 +64,7 @@ TEST_F(EndpointProcessTest, ComesBackEverMoreSlowly) {
     EXPECT_EQ(starts(), count);
     loop_.advance(0.5);
   }
+  awaitEnd(++count);
 }
 
 TEST_F(EndpointProcessTest, ComesBackAtOnceWhenItHasLasted) {
