@@ -18,7 +18,6 @@
 
 #include "core/fetch/fetch_part_reader.h"
 #include "core/platform/descriptor.h"
-#include "core/platform/pipe.h"
 #include "core/platform/spawn.h"
 
 namespace tessum {

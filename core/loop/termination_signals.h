@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/loop/system_main_loop.h"
-#include "core/platform/pipe.h"
+#include "core/platform/descriptor.h"
 
 namespace tessum {
 

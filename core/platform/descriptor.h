@@ -38,6 +38,16 @@ class Descriptor {
   int number_ = -1;
 };
 
+// What is written to `writeEnd` is read from `readEnd`. Programs that are started from here get
+// neither, unless it becomes one of their standard streams. One thread at a time.
+struct Pipe {
+  // Throws std::system_error when the system has no descriptors left.
+  Pipe();
+
+  Descriptor readEnd;
+  Descriptor writeEnd;
+};
+
 // The result of the system call `call`, which is made again when a signal interrupts it.
 template <typename Call>
 auto retried(Call call) {

@@ -4,10 +4,14 @@
 
 #include <utility>
 
+#include "core/platform/private_files.h"
 #include "core/store/statement.h"
 
 namespace tessum {
 namespace {
+
+// SQLite's name for a database without a file; so is the empty one.
+constexpr char kInMemory[] = ":memory:";
 
 constexpr char kSchema[] = R"(CREATE TABLE IF NOT EXISTS activities (
     id         INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -59,6 +63,8 @@ Database::Database(std::string path, const Calendar& calendar)
 Database::~Database() = default;
 
 void Database::open() {
+  // SQLite would give the file the rights that the umask leaves, and its journal those of the file.
+  if (!path_.empty() && path_ != kInMemory) createPrivateFile(path_);
   sqlite3* db = nullptr;
   const int result = sqlite3_open(path_.c_str(), &db);
   db_.reset(db);

@@ -34,7 +34,8 @@ using ActivityVisitor = std::function<void(const Activity&)>;
 // then gives the rows read so far.
 class Database final : public SessionWriter {
  public:
-  // Opens the file at `path`, creating it and its tables where they are missing. Throws
+  // Opens the file at `path`, creating it, for the user alone (0600), and its tables where they are
+  // missing. Throws
   // DatabaseError. `calendar` says where days begin and must outlive the store.
   Database(std::string path, const Calendar& calendar);
   ~Database() override;

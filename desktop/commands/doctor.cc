@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "core/platform/private_files.h"
 #include "core/store/history.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/standard_output.h"
@@ -76,6 +77,15 @@ void closeOpenSessions(Host& host, const std::string& duration) {
   }
 }
 
+void mend(const Host& host) {
+  const auto paths = filesOpenToOthers(host.locations.dataFolder());
+  if (paths.empty()) print("There is nothing that --mend could mend.\n");
+  for (const std::string& path : paths) {
+    closeToOthers(path);
+    print("Nobody but you may look at " + printable(path) + " now.\n");
+  }
+}
+
 }  // namespace
 
 void addDoctorCommand(CLI::App& app, Host& host) {
@@ -88,13 +98,20 @@ void addDoctorCommand(CLI::App& app, Host& host) {
                                  "began; without a time, where the recorder was last known to live")
                     ->type_name("[TIME]")
                     ->expected(0, 1);
+  const auto mends = std::make_shared<bool>(false);
+  command
+      ->add_flag("--mend", *mends, "take from other users the rights to the files of the history")
+      ->excludes(close);
   command->footer(
-      "The status is 1 when something is wrong. Without --close-open nothing is changed.\n\n"
+      "The status is 1 when something is wrong. Without --close-open or --mend nothing is\n"
+      "changed.\n\n"
       "Examples:\n"
       "  Tessum doctor\n"
       "  Tessum doctor --close-open\n"
-      "  Tessum doctor --close-open 10m");
-  command->callback([&host, close, duration] {
+      "  Tessum doctor --close-open 10m\n"
+      "  Tessum doctor --mend");
+  command->callback([&host, close, duration, mends] {
+    if (*mends) return mend(host);
     if (close->count() > 0) {
       closeOpenSessions(host, *duration);
     } else {

@@ -9,7 +9,7 @@
 #include "core/loop/system_main_loop.h"
 #include "core/loop/termination_signals.h"
 #include "core/platform/descriptor.h"
-#include "core/platform/folders.h"
+#include "core/platform/private_files.h"
 #include "core/store/history.h"
 #include "desktop/commands/commands.h"
 #include "desktop/endpoint/http_endpoint.h"

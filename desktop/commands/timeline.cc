@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "core/platform/private_files.h"
 #include "core/store/history.h"
 #include "core/update/urls.h"
 #include "desktop/commands/arguments.h"
@@ -33,7 +34,9 @@ void showTimeline(const Host& host, const TimelineOptions& options) {
     print("The timeline is in " + options.file + ".\n");
     return;
   }
-  const std::string path = host.locations.dataFolder() + "/timeline.html";
+  const std::string path = timelinePath(host.locations);
+  // The page keeps the rights of the one that it replaces.
+  if (std::filesystem::exists(path)) closeToOthers(path);
   host.files.replace(path, page);
   print("The timeline is in " + path + ".\n");
   host.opener.open(fileUrl(path));

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "core/platform/private_files.h"
 #include "core/store/history.h"
 #include "desktop/doctor/finding.h"
 #include "desktop/recording/recorder_state.h"
@@ -73,7 +74,12 @@ std::vector<Finding> checkFolder(const Host& host) {
     return {{"The folder " + existing.string() + " cannot be written to.",
              "Give yourself the right to: chmod u+rwx \"" + existing.string() + "\""}};
   }
-  return {{"The folder " + folder + " can be written to.", ""}};
+  std::vector<Finding> findings{{"The folder " + folder + " can be written to.", ""}};
+  for (const std::string& path : filesOpenToOthers(folder)) {
+    findings.push_back(
+        {"Other users may have a look at " + path + ".", "\"Tessum doctor --mend\" ends that."});
+  }
+  return findings;
 }
 
 std::vector<Finding> checkHistory(const Host& host) {

@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "core/platform/folders.h"
+#include "core/platform/private_files.h"
 #include "core/presence/system_presence.h"
 #include "core/store/database.h"
 #include "core/store/history.h"
@@ -47,6 +47,7 @@ void surviveBrokenPipes() {
 std::string preparedFolder(const Host& host) {
   auto folder = host.locations.dataFolder();
   createPrivateFolders(folder);
+  for (const std::string& path : filesOpenToOthers(folder)) closeToOthers(path);
   return folder;
 }
 

@@ -4,7 +4,7 @@
 #include <system_error>
 #include <utility>
 
-#include "core/platform/folders.h"
+#include "core/platform/private_files.h"
 #include "desktop/settings/settings_file.h"
 #include "desktop/settings/settings_reader.h"
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <filesystem>
 #include <string_view>
 
 #include "desktop/reports/timeline_scale.h"
@@ -303,6 +304,14 @@ std::string timelinePage(const DayHistory& history) {
          Drawing(history).text() +
          "</div>\n<footer>Point at a span for its title. Tessum made this page on your own "
          "computer; it loads nothing from elsewhere.</footer>\n</main>\n</body>\n</html>\n";
+}
+
+std::string timelinePath(const Locations& locations) {
+  return locations.dataFolder() + "/timeline.html";
+}
+
+void removeTimeline(const Locations& locations) {
+  std::filesystem::remove(timelinePath(locations));
 }
 
 }  // namespace tessum

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "core/platform/locations.h"
 #include "desktop/reports/day_report.h"
 
 namespace tessum {
@@ -13,5 +14,12 @@ namespace tessum {
 // its times and its length when it is pointed at. The page follows the reader's choice of light or
 // dark, loads nothing and runs no script.
 [[nodiscard]] std::string timelinePage(const DayHistory& history);
+
+// The file of the page that is opened in the browser.
+[[nodiscard]] std::string timelinePath(const Locations& locations);
+
+// Removes that file if it is there: what it shows may have been forgotten. Throws
+// std::filesystem::filesystem_error.
+void removeTimeline(const Locations& locations);
 
 }  // namespace tessum

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include "tests/support/sql.h"
 #include "tests/support/temporary_folder.h"
@@ -131,6 +132,20 @@ TEST_F(DatabaseTest, FailsToPrepareOnceItKnowsThatATableIsGone) {
               "Failed to prepare statement: " + Sql(path_).failureOf("SELECT 1 FROM activities"));
   }
   EXPECT_THROW(static_cast<void>(database.appUsage({10})), DatabaseError);
+}
+
+TEST_F(DatabaseTest, IsForTheUserAloneWithItsJournalWhateverTheUmask) {
+  const auto permissions = [](const std::string& path) {
+    struct stat found {};
+    return stat(path.c_str(), &found) == 0 ? found.st_mode & 0777U : 0;
+  };
+  const mode_t before = umask(0);
+  const Database database(path_, calendar_);
+  Sql sql(path_);
+  sql.run("BEGIN; INSERT INTO activities (app_name, start_time) VALUES ('Editor', 0);");
+  EXPECT_EQ(permissions(path_), 0600U);
+  EXPECT_EQ(permissions(path_ + "-journal"), 0600U);
+  umask(before);
 }
 
 }  // namespace

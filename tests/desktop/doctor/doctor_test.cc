@@ -235,5 +235,21 @@ TEST_F(OpenSessions, EndWhereTheirRecorderWasLastKnownToLive) {
   EXPECT_EQ(endOf("Third"), "13:42");
 }
 
+TEST(Doctor, FindsFilesThatOthersMayReadAndMendsThem) {
+  const User user;
+  user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
+  const std::string found = "Other users may have a look at " + user.historyPath();
+  EXPECT_FALSE(contains(user.run({"doctor"}).output, found));
+  EXPECT_EQ(user.run({"doctor", "--mend"}).output, "There is nothing that --mend could mend.\n");
+  chmod(user.historyPath().c_str(), 0644);
+  const Outcome outcome = user.run({"doctor"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_TRUE(contains(outcome.output, "BAD  " + found));
+  const Outcome mended = user.run({"doctor", "--mend"});
+  EXPECT_EQ(mended.status, 0);
+  EXPECT_EQ(mended.output, "Nobody but you may look at " + user.historyPath() + " now.\n");
+  EXPECT_FALSE(contains(user.run({"doctor"}).output, found));
+}
+
 }  // namespace
 }  // namespace tessum

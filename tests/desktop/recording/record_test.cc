@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "tests/desktop/recording/recorder.h"
 #include "tests/support/x11_desktop.h"
@@ -109,6 +110,24 @@ TEST(Record, GoesOnWhenItsTerminalClosesUnderNohup) {
       [&] { return desktop.run("cat", {history}).find("Second") != std::string::npos; }));
   recorder->kill(SIGTERM);
   EXPECT_EQ(recorder->wait(), kSuccess);
+}
+
+TEST(Record, ClosesItsFilesToOthersInAFolderThatIsOpenToThem) {
+  Desktop desktop;
+  desktop.startWindowManager();
+  std::filesystem::create_directories(desktop.dataFolder());
+  chmod(desktop.dataFolder().c_str(), 0755);
+  const std::string old = desktop.dataFolder() + "/timeline.html";
+  writeFile(old, "");
+  chmod(old.c_str(), 0644);
+  const mode_t before = umask(0);
+  const Recorder recorder(desktop);
+  umask(before);
+  for (const auto& entry : std::filesystem::directory_iterator(desktop.dataFolder())) {
+    EXPECT_EQ(entry.status().permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write)
+        << entry.path();
+  }
 }
 
 TEST(Record, ASecondRecorderOfTheSameDataIsRefused) {

@@ -77,6 +77,15 @@ TEST_F(Timeline, IsForTheUserAlone) {
   struct stat status {};
   ASSERT_EQ(stat(user.file("day.html").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0600U);
+
+  // The page in the data folder was open to others once.
+  const std::string path = user.dataFolder() + "/timeline.html";
+  writeFile(path, "");
+  chmod(path.c_str(), 0644);
+  user.set("PATH", "/nowhere");  // without a browser
+  ASSERT_EQ(user.run({"timeline", "2025-03-04"}).status, 0);
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600U);
 }
 
 TEST_F(Timeline, OpensInTheBrowserUnlessAFileIsNamed) {
