@@ -9,6 +9,7 @@
 
 #include "core/store/history_rows.h"
 #include "core/store/statement.h"
+#include "core/store/text_test_function.h"
 
 namespace tessum {
 namespace {
@@ -95,13 +96,14 @@ std::vector<Annotation> History::notesIn(const DayRange& range) {
 constexpr char kSearch[] =
     R"(SELECT id, app_name, bundle_id, title, start_time, end_time
 FROM activities
-WHERE app_name LIKE ?1 OR title LIKE ?1
+WHERE is_meant(app_name) OR is_meant(title)
 ORDER BY start_time DESC, id DESC
-LIMIT ?2;)";
+LIMIT ?;)";
 
-std::vector<Activity> History::search(const std::string& query, std::int64_t limit) {
+std::vector<Activity> History::search(const TextTest& isMeant, std::int64_t limit) {
+  const TextTestFunction function(db_.get(), isMeant);
   Statement statement(db_.get(), kSearch);
-  statement.bind("%" + query + "%").bindLimit(limit);
+  statement.bindLimit(limit);
   return readSessions(statement, db_.get());
 }
 

@@ -19,6 +19,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/base/date.h"
@@ -45,13 +46,16 @@ class NoHistory : public std::runtime_error {
 inline constexpr DayRange kAllTimes{{-std::numeric_limits<double>::infinity()},
                                     {std::numeric_limits<double>::infinity()}};
 
+// Says of a text of the history, which is UTF-8, whether it is meant. Must not throw.
+using TextTest = std::function<bool(std::string_view)>;
+
 // What to forget: all that each present part allows. Notes are forgotten only by their day.
 struct Selection {
-  std::optional<DayRange> begun;         // begun within
-  std::optional<std::string> appName;    // of exactly this application
-  std::optional<std::string> titlePart;  // with this in the title, ASCII letters in either case
+  std::optional<DayRange> begun;       // begun within
+  std::optional<std::string> appName;  // of exactly this application
+  TextTest isMeantTitle;               // with such a title; any or none where it is empty
 
-  [[nodiscard]] bool includesNotes() const { return begun && !appName && !titlePart; }
+  [[nodiscard]] bool includesNotes() const { return begun && !appName && !isMeantTitle; }
 };
 
 // What a selection holds at one moment. Rows that are stored later do not belong to it.
@@ -92,9 +96,8 @@ class History {
   // The notes that overlap `range`, the oldest first.
   [[nodiscard]] std::vector<Annotation> notesIn(const DayRange& range);
 
-  // The newest `limit` sessions whose application or title holds `query`, the newest first; "%"
-  // and "_" in it stand for any text and any character, as they do for the assistants.
-  [[nodiscard]] std::vector<Activity> search(const std::string& query, std::int64_t limit);
+  // The newest `limit` sessions whose application or title is meant, the newest first.
+  [[nodiscard]] std::vector<Activity> search(const TextTest& isMeant, std::int64_t limit);
 
   // The notes that have not ended, the newest first; there is one at most unless somebody else
   // wrote to the database.

@@ -9,6 +9,7 @@
 
 #include "core/store/history.h"
 #include "core/store/history_rows.h"
+#include "core/store/text_test_function.h"
 #include "core/store/transaction.h"
 
 namespace tessum {
@@ -114,7 +115,7 @@ constexpr char kSelectSessions[] =
 FROM activities
 WHERE start_time >= ? AND start_time < ?
   AND (?3 IS NULL OR app_name = ?3)
-  AND (?4 IS NULL OR instr(lower(title), lower(?4)) > 0);)";
+  AND is_meant(title);)";
 
 constexpr char kSelectNotes[] =
     R"(SELECT COUNT(*), MIN(started_at), MAX(started_at), MAX(id)
@@ -132,9 +133,10 @@ Selected History::select(const Selection& selection) {
     }
   };
   const DayRange range = selection.begun.value_or(kAllTimes);
+  const TextTestFunction function(db_.get(), selection.isMeantTitle);
   Statement sessions(db_.get(), kSelectSessions);
   sessions.bind(range.start).bind(range.end);
-  sessions.bind(selection.appName).bind(selection.titlePart);
+  sessions.bind(selection.appName);
   while (sessions.nextRow()) {
     selected.sessions = sessions.rowID(0);
     if (selected.sessions == 0) continue;
@@ -160,8 +162,8 @@ constexpr char kForgetSessions[] =
     R"(DELETE FROM activities
 WHERE start_time >= ? AND start_time < ?
   AND (?3 IS NULL OR app_name = ?3)
-  AND (?4 IS NULL OR instr(lower(title), lower(?4)) > 0)
-  AND id <= ?5;)";
+  AND is_meant(title)
+  AND id <= ?4;)";
 
 constexpr char kForgetNotes[] =
     "DELETE FROM annotations WHERE started_at >= ? AND started_at < ? AND id <= ?;";
@@ -169,12 +171,12 @@ constexpr char kForgetNotes[] =
 void History::forget(const Selection& selection, const Selected& selected) {
   const DayRange range = selection.begun.value_or(kAllTimes);
   run("PRAGMA secure_delete = ON;");
+  const TextTestFunction function(db_.get(), selection.isMeantTitle);
   Transaction transaction(db_.get());
   Statement(db_.get(), kForgetSessions)
       .bind(range.start)
       .bind(range.end)
       .bind(selection.appName)
-      .bind(selection.titlePart)
       .bindRowID(selected.lastSession)
       .execute();
   if (selection.includesNotes()) {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "core/base/check.h"
-#include "core/platform/folders.h"
+#include "core/platform/private_files.h"
 #include "core/update/file_name.h"
 #include "core/update/urls.h"
 #include "core/update/version.h"

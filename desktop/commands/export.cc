@@ -21,6 +21,7 @@ struct ExportOptions {
   std::string from;
   std::string to;
   std::string format = "csv";
+  bool isRaw = false;
 };
 
 // Text on its way to standard output, written in large pieces.
@@ -32,7 +33,7 @@ class Writer {
     if (pending_.size() >= kPiece) flush();
   }
   void flush() {
-    print(pending_);
+    printForeign(pending_);
     pending_.clear();
   }
 
@@ -40,10 +41,18 @@ class Writer {
   std::string pending_;
 };
 
-// A field of a comma-separated line, in quotes where it needs them.
-std::string csvField(std::string_view text) {
-  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
-  std::string field = "\"";
+// Whether a spreadsheet takes the text for a formula and computes it: a title could have it send
+// the other fields elsewhere.
+bool isFormula(std::string_view text) {
+  return !text.empty() && std::string_view("=+-@\t\r").find(text.front()) != std::string_view::npos;
+}
+
+// A field of a comma-separated line, in quotes where it needs them, and with an apostrophe before a
+// formula unless it is to be `raw`.
+std::string csvField(std::string_view text, bool isRaw) {
+  const std::string before = !isRaw && isFormula(text) ? "'" : "";
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return before + std::string(text);
+  std::string field = "\"" + before;
   for (const char c : text) {
     if (c == '"') field += '"';
     field += c;
@@ -56,27 +65,49 @@ std::string secondsText(double seconds) {
   return json::numberText(std::round(seconds * 1000) / 1000);
 }
 
-std::string csvLine(std::string_view kind, Date start, const std::optional<Date>& end,
-                    std::string_view appName, std::string_view bundleID, std::string_view text) {
-  std::string line(kind);
-  line += ',' + internetDateTime(start) + ',';
-  if (end) line += internetDateTime(*end);
-  line += ',';
-  if (end) line += secondsText(std::max(0.0, secondsBetween(start, *end)));
-  line += ',' + csvField(appName) + ',' + csvField(bundleID) + ',' + csvField(text) + "\r\n";
-  return line;
+// One session or note.
+struct Line {
+  std::string_view kind;
+  Date start;
+  std::optional<Date> end;
+  std::string_view appName;
+  std::string_view bundleID;
+  std::string_view text;
+};
+
+// It ends with a carriage return and a line feed, as the format's readers expect.
+std::string csvLine(const Line& line, bool isRaw) {
+  std::string csv(line.kind);
+  csv += ',' + internetDateTime(line.start) + ',';
+  if (line.end) csv += internetDateTime(*line.end);
+  csv += ',';
+  if (line.end) csv += secondsText(std::max(0.0, secondsBetween(line.start, *line.end)));
+  for (const std::string_view text : {line.appName, line.bundleID, line.text}) {
+    csv += ',' + csvField(text, isRaw);
+  }
+  return csv + "\r\n";
 }
 
-// Lines end with a carriage return and a line feed, as the format's readers expect.
-void exportCsv(History& history, const DayRange& range) {
+void exportCsv(History& history, const DayRange& range, bool isRaw) {
   Writer out;
   out.add("kind,start,end,seconds,application,bundle_id,text\r\n");
   history.visitSessions(range, [&](const Activity& session) {
-    out.add(csvLine("session", session.startTime, session.endTime, session.appName,
-                    session.bundleID.value_or(""), session.title.value_or("")));
+    out.add(csvLine({.kind = "session",
+                     .start = session.startTime,
+                     .end = session.endTime,
+                     .appName = session.appName,
+                     .bundleID = session.bundleID ? *session.bundleID : std::string_view(),
+                     .text = session.title ? *session.title : std::string_view()},
+                    isRaw));
   });
   history.visitNotes(range, [&](const Annotation& note) {
-    out.add(csvLine("note", note.startedAt, note.endedAt, "", "", note.text));
+    out.add(csvLine({.kind = "note",
+                     .start = note.startedAt,
+                     .end = note.endedAt,
+                     .appName = "",
+                     .bundleID = "",
+                     .text = note.text},
+                    isRaw));
   });
   out.flush();
 }
@@ -86,8 +117,7 @@ void exportJson(History& history, const DayRange& range) {
   Writer out;
   const char* separator = "\n";
   const auto add = [&](const json::Value& value) {
-    out.add(separator);
-    out.add(json::compact(value));
+    out.add(separator + json::compact(value));
     separator = ",\n";
   };
   out.add("{\"activities\":[");
@@ -112,18 +142,25 @@ void addExportCommand(CLI::App& app, Host& host) {
       ->type_name("FORMAT")
       ->capture_default_str()
       ->check(CLI::IsMember({"csv", "json"}));
+  command->add_flag(
+      "--raw", options->isRaw,
+      "in CSV, write texts that a spreadsheet would compute (such as =1+1) as they are, "
+      "without an apostrophe before them");
   command->footer(
-      "Times are in UTC. A day holds what began on it, in local time.\n\n"
+      "Times are in UTC. A day holds what began on it, in local time. A file that it is written "
+      "to\n"
+      "becomes readable for you alone.\n\n"
       "Examples:\n"
       "  Tessum export > history.csv\n"
       "  Tessum export --from 2025-03-01 --to 2025-03-31 --format json > march.json");
   command->callback([&host, options] {
     const DayRange range = daysArgument(options->from, options->to, host);
     History history(historyPath(host.locations), History::Access::read);
+    closeOutputToOthers();
     if (options->format == "json") {
       exportJson(history, range);
     } else {
-      exportCsv(history, range);
+      exportCsv(history, range, options->isRaw);
     }
   });
 }

@@ -10,6 +10,8 @@
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/forget_hidden.h"
 #include "desktop/commands/standard_output.h"
+#include "desktop/commands/text_search.h"
+#include "desktop/reports/timeline.h"
 #include "desktop/reports/wall_clock.h"
 
 namespace tessum {
@@ -28,8 +30,8 @@ Selection selectionOf(const Host& host, const ForgetOptions& options) {
   Selection selection;
   if (!options.from.empty()) selection.begun = daysArgument(options.from, options.to, host);
   if (!options.appName.empty()) selection.appName = validUtf8(options.appName);
-  if (!options.titlePart.empty()) selection.titlePart = validUtf8(options.titlePart);
-  if (!selection.begun && !selection.appName && !selection.titlePart) {
+  if (!options.titlePart.empty()) selection.isMeantTitle = holding(validUtf8(options.titlePart));
+  if (!selection.begun && !selection.appName && !selection.isMeantTitle) {
     throw CLI::ValidationError(
         "say what to forget with --from and --to, --app, --title or --hidden");
   }
@@ -37,14 +39,17 @@ Selection selectionOf(const Host& host, const ForgetOptions& options) {
 }
 
 // What is about to be deleted, as one sentence.
-std::string description(const Selection& selection, const Selected& selected) {
+std::string description(const ForgetOptions& options, const Selection& selection,
+                        const Selected& selected) {
   std::string text = counted(selected.sessions, "session");
   if (selected.sessions > 0) {
     text += " (" + durationText(selected.seconds, DurationForm::shortForm) + ")";
   }
   if (selection.includesNotes()) text += " and " + counted(selected.notes, "note");
   if (selection.appName) text += " of " + printable(*selection.appName);
-  if (selection.titlePart) text += " with \"" + printable(*selection.titlePart) + "\" in the title";
+  if (!options.titlePart.empty()) {
+    text += " with \"" + printable(validUtf8(options.titlePart)) + "\" in the title";
+  }
   const std::string first = dateText(*selected.first);
   const std::string last = dateText(*selected.last);
   return text + (first == last ? ", begun on " + first : ", begun from " + first + " to " + last);
@@ -58,13 +63,14 @@ void forget(Host& host, const ForgetOptions& options) {
     print("Nothing of that kind is in the history.\n");
     return;
   }
-  print("This deletes " + description(selection, selected) + ".\n");
+  print("This deletes " + description(options, selection, selected) + ".\n");
   if (!options.isSure && !askYesOrNo("It cannot be undone. Delete?")) {
     print("Nothing was deleted.\n");
     host.status = kFailure;
     return;
   }
   history.forget(selection, selected);
+  removeTimeline(host.locations);
   print("Deleted.\n");
 }
 

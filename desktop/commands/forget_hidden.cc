@@ -7,6 +7,7 @@
 
 #include "core/store/history.h"
 #include "desktop/commands/standard_output.h"
+#include "desktop/reports/timeline.h"
 #include "desktop/settings/hidden_sessions.h"
 #include "desktop/settings/settings_file.h"
 
@@ -70,6 +71,7 @@ void forgetHidden(Host& host, bool isSure) {
     return;
   }
   history.replace(replacements);
+  removeTimeline(host.locations);
   print("Deleted.\n");
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "core/base/text.h"
-#include "core/platform/folders.h"
+#include "core/platform/private_files.h"
 #include "core/store/database.h"
 #include "core/store/history.h"
 #include "desktop/commands/arguments.h"

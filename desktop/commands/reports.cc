@@ -12,6 +12,7 @@
 #include "core/store/history.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/standard_output.h"
+#include "desktop/commands/text_search.h"
 #include "desktop/reports/day_report.h"
 #include "desktop/reports/wall_clock.h"
 
@@ -45,7 +46,7 @@ void showDay(const Host& host, const ReportOptions& options, Report report, cons
   History history(historyPath(host.locations), History::Access::read);
   const DayHistory content = readDay(history, host, day);
   if (options.isPlain) {
-    print(toolText(host, tool, {.date = dateText(day)}));
+    printForeign(toolText(host, tool, {.date = dateText(day)}));
     return;
   }
   print(report(content, standardOutputPaper()));
@@ -85,8 +86,8 @@ void addReportCommands(CLI::App& app, Host& host) {
   const auto options = std::make_shared<ReportOptions>();
   search
       ->add_option("TEXT", options->query,
-                   "part of an application's name or a title; % and _ stand for any text and any "
-                   "character")
+                   "part of an application's name or a title, in capital or small letters; with "
+                   "--plain, % and _ stand for any text and any character")
       ->type_name("")
       ->required();
   search->add_option("--limit", options->limit, "the most sessions to show")
@@ -101,9 +102,9 @@ void addReportCommands(CLI::App& app, Host& host) {
   search->callback([&host, options] {
     const std::string query = validUtf8(options->query);
     History history(historyPath(host.locations), History::Access::read);
-    const auto sessions = history.search(query, options->limit);
+    const auto sessions = history.search(holding(query), options->limit);
     if (options->isPlain) {
-      print(toolText(host, "search_activities", {.limit = options->limit, .query = query}));
+      printForeign(toolText(host, "search_activities", {.limit = options->limit, .query = query}));
       return;
     }
     print(searchReport(sessions, host.clock.now(), standardOutputPaper()));

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "core/base/text.h"
-#include "core/platform/folders.h"
+#include "core/platform/private_files.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/reports/text_layout.h"
 #include "desktop/reports/wall_clock.h"

@@ -16,6 +16,14 @@ namespace tessum {
 // Writes `text` to standard output, all of it, before returning. Throws std::system_error.
 void print(std::string_view text);
 
+// The same, but on a terminal with the lines made printable: what is printed may be a title, which
+// could move the cursor or give the terminal commands. Throws
+// std::system_error.
+void printForeign(std::string_view text);
+
+// Where standard output is a file of the user, takes the rights to it from everyone else.
+void closeOutputToOthers();
+
 // Asks `question` and reads a line from standard input: whether it says yes. The end of the input
 // says no.
 [[nodiscard]] bool askYesOrNo(const std::string& question);

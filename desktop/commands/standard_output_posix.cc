@@ -1,4 +1,5 @@
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -7,6 +8,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "core/base/text.h"
 #include "desktop/commands/standard_output.h"
 
 namespace tessum {
@@ -29,6 +31,16 @@ void print(std::string_view text) {
   if (!isWritten || std::fflush(stdout) != 0) {
     throw std::system_error(errno, std::generic_category(), "cannot write to standard output");
   }
+}
+
+void printForeign(std::string_view text) {
+  print(isatty(STDOUT_FILENO) != 0 ? printableLines(validUtf8(text)) : std::string(text));
+}
+
+void closeOutputToOthers() {
+  struct stat output {};
+  if (fstat(STDOUT_FILENO, &output) != 0 || !S_ISREG(output.st_mode)) return;
+  fchmod(STDOUT_FILENO, output.st_mode & S_IRWXU);  // which fails for a file of somebody else
 }
 
 bool askYesOrNo(const std::string& question) {

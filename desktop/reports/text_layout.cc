@@ -114,6 +114,19 @@ std::string printable(std::string_view text) {
   return out;
 }
 
+std::string printableLines(std::string_view text) {
+  std::string out;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    out += printable(line);
+    if (end < text.size()) out += '\n';
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return out;
+}
+
 std::string shortened(std::string_view text, std::size_t columns) {
   if (displayWidth(text) <= columns) return std::string(text);
   if (columns == 0) return {};
@@ -177,10 +190,12 @@ void Table::addRow(std::vector<Cell> cells) {
 
 std::string Table::text(const Paper& paper) const {
   constexpr std::size_t kGap = 2;
+  constexpr std::size_t kWidest = 60;  // of a column that others follow: names come from anywhere
   std::vector<std::size_t> widths(alignments_.size());
   for (const auto& row : rows_) {
     for (std::size_t i = 0; i < row.size(); ++i) {
       widths[i] = std::max(widths[i], displayWidth(row[i].text));
+      if (i + 1 < row.size()) widths[i] = std::min(widths[i], kWidest);
     }
   }
   std::size_t before = 0;  // columns in front of the last cell
@@ -197,8 +212,10 @@ std::string Table::text(const Paper& paper) const {
   for (const auto& row : rows_) {
     std::size_t pending = kGap;  // blanks that are written once something follows them
     for (std::size_t i = 0; i < row.size(); ++i) {
-      const std::string cell = shortened(row[i].text, widths[i]);
-      const std::size_t blanks = widths[i] - displayWidth(cell);
+      // Without an end of the line, a cell that is too wide moves the rest of its own row alone.
+      const std::string cell = paper.columns > 0 ? shortened(row[i].text, widths[i]) : row[i].text;
+      const std::size_t width = displayWidth(cell);
+      const std::size_t blanks = width < widths[i] ? widths[i] - width : 0;
       if (alignments_[i] == Alignment::right) pending += blanks;
       if (!cell.empty()) {
         out.append(pending, ' ');

@@ -25,6 +25,10 @@ struct Paper {
 // anywhere: printed as it is, it could move the cursor or give the terminal commands.
 [[nodiscard]] std::string printable(std::string_view text);
 
+// `text` with each of its lines made printable; the lines stay as they are divided, by line feeds
+// with or without a carriage return before them.
+[[nodiscard]] std::string printableLines(std::string_view text);
+
 // `text` cut to at most `columns`, ending in an ellipsis where something was cut.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
 

@@ -6,7 +6,7 @@
 #include "core/json/field.h"
 #include "core/json/reader.h"
 #include "core/json/writer.h"
-#include "core/platform/folders.h"
+#include "core/platform/private_files.h"
 #include "desktop/reports/wall_clock.h"
 
 namespace tessum {

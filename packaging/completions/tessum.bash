@@ -25,8 +25,8 @@ _tessum() {
           install) words='--all --file --http --help' ;;
           uninstall) words='--all --file --help' ;;
           update) words='--download --help' ;;
-          doctor) words='--close-open --help' ;;
-          export) words='--from --to --format --help' ;;
+          doctor) words='--mend --close-open --help' ;;
+          export) words='--from --to --format --raw --help' ;;
           forget) words='--from --to --app --title --hidden --yes --help' ;;
           pause) words='until 30m 1h --help' ;;
           settings) words='edit check try --help' ;;

@@ -31,11 +31,13 @@ __tessum_add install -l file -r -F -d 'A configuration file'
 __tessum_add uninstall -l all -d 'Every application'
 __tessum_add uninstall -l file -r -F -d 'A configuration file'
 __tessum_add update -l download -d 'Download the newer version'
+__tessum_add doctor -l mend -d 'Close files to other users'
 __tessum_add doctor -l close-open -d 'End sessions left open'
 for command in export forget
     __tessum_add $command -l from -x -a 'today yesterday' -d 'The first day'
     __tessum_add $command -l to -x -a 'today yesterday' -d 'The last day'
 end
+__tessum_add export -l raw -d 'No apostrophe before formulas'
 __tessum_add export -l format -x -a 'csv json' -d 'The format'
 __tessum_add forget -l app -x -d 'Sessions of this application'
 __tessum_add forget -l title -x -d 'Sessions with this in the title'

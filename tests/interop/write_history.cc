@@ -3,8 +3,8 @@
 #include "core/base/date.h"
 #include "core/platform/calendar.h"
 #include "core/platform/clock.h"
-#include "core/platform/folders.h"
 #include "core/platform/locations.h"
+#include "core/platform/private_files.h"
 #include "core/store/database.h"
 
 int main() {

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "core/json/reader.h"
 #include "core/store/records.h"
@@ -101,6 +102,53 @@ TEST_F(Export, EveryRowOfALongRecordComesOnce) {
     const std::string name = ",A" + std::to_string(i) + ",";
     EXPECT_NE(lines[static_cast<std::size_t>(i) + 1].find(name), std::string::npos) << i;
   }
+}
+
+TEST_F(Export, NoTextIsAFormulaUnlessItIsAskedFor) {
+  Sql(user.historyPath()).run("DELETE FROM activities; DELETE FROM annotations;");
+  for (const char* title : {"=1+1", "+1", "-1", "@sum", "\tx", "\rx", "1=1", "'=1", "=\"a\",b"}) {
+    user.addSession("-App", title, "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
+  }
+  const std::string before = "session,2025-03-04T09:00:00Z,2025-03-04T10:00:00Z,3600,";
+  const auto texts = [&](const std::string& app, const std::vector<std::string>& titles) {
+    std::string csv = "kind,start,end,seconds,application,bundle_id,text\r\n";
+    for (const std::string& title : titles) csv += before + app + ",," + title + "\r\n";
+    return csv;
+  };
+  EXPECT_EQ(user.run({"export"}).output,
+            texts("'-App", {"'=1+1", "'+1", "'-1", "'@sum", "'\tx", "\"'\rx\"", "1=1", "'=1",
+                            "\"'=\"\"a\"\",b\""}));
+  EXPECT_EQ(user.run({"export", "--raw"}).output,
+            texts("-App", {"=1+1", "+1", "-1", "@sum", "\tx", "\"\rx\"", "1=1", "'=1",
+                           "\"=\"\"a\"\",b\""}));
+}
+
+TEST_F(Export, ATitleCannotCommandTheTerminal) {
+  user.addSession("Terminal",
+                  "\x1b]0;owned\x07 \x7f \xc2\x9b"
+                  "31m",
+                  "2025-03-04T12:00:00Z", nullptr);
+  for (const char* format : {"csv", "json"}) {
+    const std::vector<std::string> command{"export", "--format", format};
+    const std::string onTerminal = user.runOnTerminal(command, 80).output;
+    for (const char* control : {"\x1b", "\x07", "\x7f", "\xc2\x9b"}) {
+      EXPECT_FALSE(contains(onTerminal, control)) << format;
+    }
+    EXPECT_TRUE(contains(onTerminal, "31m"));
+    EXPECT_TRUE(contains(user.run(command).output, "\xc2\x9b")) << "a pipe gets every byte";
+  }
+}
+
+TEST_F(Export, AFileIsForTheUserAlone) {
+  const std::string path = user.file("history.csv");
+  ChildProcess shell("sh",
+                     {.arguments = {"-c", "umask 0; \"$0\" export > '" + path + "'", hostProgram()},
+                      .environment = user.environment()});
+  EXPECT_EQ(shell.finish(), kSuccess);
+  struct stat status {};
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600U);
+  EXPECT_TRUE(readFile(path).starts_with("kind,"));
 }
 
 }  // namespace

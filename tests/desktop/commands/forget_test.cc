@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/desktop/user.h"
 #include "tests/support/sql.h"
 
@@ -88,6 +90,36 @@ TEST_F(Forget, NothingIsForgottenUnlessItIsNamed) {
     EXPECT_TRUE(outcome.errors.starts_with("Tessum: ")) << outcome.errors;
   }
   EXPECT_EQ(left(), "4|1");
+}
+
+TEST_F(Forget, EveryLetterMayBeCapitalOrSmall) {
+  for (const char* title :
+       {"\u00c4pfel", "\u00e4PFEL", "\u03a3\u039f\u03a6\u039f\u03a3", "Apfel"}) {
+    user.addSession("Shop", title, "2025-03-07T10:00:00Z", "2025-03-07T10:30:00Z");
+  }
+  EXPECT_TRUE(
+      contains(user.run({"forget", "--title", "\u00e4pfel", "--yes"}).output, "2 sessions"));
+  EXPECT_TRUE(
+      contains(user.run({"forget", "--title", "\u03c3\u03bf\u03c6\u03bf\u03c2", "--yes"}).output,
+               "1 session "));
+  EXPECT_EQ(left(), "5|1");
+}
+
+TEST_F(Forget, NoCharacterStandsForOthers) {
+  for (const char* text : {"%", "secret%", ".", "Secret.plan", "s.*", "(?i)secret"}) {
+    EXPECT_EQ(user.run({"forget", "--title", text, "--yes"}).output,
+              "Nothing of that kind is in the history.\n")
+        << text;
+  }
+}
+
+TEST_F(Forget, TheTimelineOfTheBrowserGoesToo) {
+  const std::string page = user.dataFolder() + "/timeline.html";
+  writeFile(page, "Secret_plan");
+  ASSERT_EQ(user.run({"forget", "--app", "Nobody", "--yes"}).status, 0);
+  EXPECT_EQ(readFile(page), "Secret_plan");
+  ASSERT_EQ(user.run({"forget", "--app", "Editor", "--yes"}).status, 0);
+  EXPECT_FALSE(std::filesystem::exists(page));
 }
 
 }  // namespace

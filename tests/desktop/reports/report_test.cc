@@ -213,5 +213,39 @@ TEST_F(Reports, UsageAgreesWithTheToolsOnADayOfManyApplications) {
   }
 }
 
+TEST_F(Reports, SearchTakesEveryCharacterForItselfAndEveryLetterInBothCases) {
+  user.addSession("Shop", "100% \u00c4pfel", "2025-03-06T10:00:00Z", "2025-03-06T10:30:00Z");
+  const auto found = [&](const char* text) {
+    return linesOf(user.run({"search", text}).output).front();
+  };
+  EXPECT_TRUE(contains(found("\u00e4PFEL"), "in 1 session"));
+  EXPECT_TRUE(contains(found("%"), "in 1 session"));
+  EXPECT_EQ(found("_"), "Nothing was found.");
+  EXPECT_EQ(found("Pu.l"), "Nothing was found.");
+  EXPECT_TRUE(contains(user.run({"search", "_\u00c4pf%l", "--plain"}).output, "100% \u00c4pfel"))
+      << "--plain follows the assistants' rules";
+}
+
+TEST_F(Reports, PlainTextCannotCommandTheTerminal) {
+  user.addSession("Terminal", "\x1b]0;owned\x07", "2025-03-06T12:00:00Z", "2025-03-06T12:30:00Z");
+  const std::vector<std::string> command{"day", "2025-03-06", "--plain"};
+  const std::string onTerminal = user.runOnTerminal(command, 80).output;
+  EXPECT_TRUE(contains(onTerminal, "\uFFFD]0;owned\uFFFD"));
+  EXPECT_FALSE(contains(onTerminal, "\x1b"));
+  EXPECT_TRUE(contains(user.run(command).output, "\x1b]0;owned\x07"));
+}
+
+TEST_F(Reports, ALongNamePadsNoOtherLine) {
+  const std::string name(16000, 'x');
+  user.addSession(name.c_str(), nullptr, "2025-03-06T10:00:00Z", "2025-03-06T10:30:00Z");
+  user.addSession("Mail", "Inbox", "2025-03-06T11:00:00Z", "2025-03-06T11:30:00Z");
+  const std::string inFile = user.run({"day", "2025-03-06"}).output;
+  EXPECT_TRUE(contains(inFile, name));
+  for (const std::string& line : linesOf(inFile)) {
+    EXPECT_TRUE(line.size() < 200 || contains(line, name)) << line;
+  }
+  EXPECT_FALSE(contains(user.runOnTerminal({"day", "2025-03-06"}, 200).output, name));
+}
+
 }  // namespace
 }  // namespace tessum

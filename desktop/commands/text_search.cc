@@ -1,0 +1,20 @@
+#include "desktop/commands/text_search.h"
+
+#include <re2/re2.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace tessum {
+
+TextTest holding(const std::string& part) {
+  re2::RE2::Options options(re2::RE2::Quiet);
+  options.set_literal(true);
+  options.set_case_sensitive(false);
+  options.set_never_capture(true);
+  const auto pattern = std::make_shared<const re2::RE2>(part, options);
+  if (!pattern->ok()) throw std::invalid_argument("the text is too long to look for");
+  return [pattern](std::string_view text) { return re2::RE2::PartialMatch(text, *pattern); };
+}
+
+}  // namespace tessum
