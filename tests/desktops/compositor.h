@@ -46,6 +46,9 @@ class Compositor : public TestDesktop {
   void launch(const std::string& program, const std::vector<std::string>& arguments,
               const std::vector<std::string>& environment, const std::function<bool()>& isReady);
 
+  // What it has written to standard error.
+  [[nodiscard]] std::string errors() const { return process_->errors(); }
+
   // The displays that the compositor has made.
   void setDisplays(const std::string& wayland, const std::string& x11);
 
