@@ -64,6 +64,9 @@ TEST_F(KWinRecording, WritesWhatAPersonDoes) {
 
 TEST_F(KWinRecording, EndsWithTheLastInputAndBeginsWithTheNext) {
   const auto dialog = showDialog("Question");
+  record();
+  ASSERT_TRUE(shows(dialogRow_)) << "it takes its time";
+  stopRecorder();
   record({"--away-after", "2s"});
   ASSERT_TRUE(shows(dialogRow_));
   desktop_->touch();
@@ -71,6 +74,18 @@ TEST_F(KWinRecording, EndsWithTheLastInputAndBeginsWithTheNext) {
   desktop_->touch();
   EXPECT_TRUE(shows(dialogRow_));
   stopRecorder();
+}
+
+TEST_F(KWinRecording, SaysWhatToDoWhereKWinHidesItsWindows) {
+  const auto recorder = desktop_->start(TESSUM_PROGRAM, {"record", "--no-update-check"},
+                                        {"DISPLAY=", "DBUS_SESSION_BUS_ADDRESS="});
+  EXPECT_EQ(recorder->wait(), kFailed);
+  EXPECT_EQ(
+      recorder->errors(),
+      "Tessum: This is a Wayland session without X11: the focused window cannot be seen "
+      "here. KDE Plasma shows its windows to programs that a desktop entry allows it to: copy "
+      "share/applications/tessum-windows.desktop to ~/.local/share/applications, and write "
+      "Exec=" TESSUM_PROGRAM " in it.\n");
 }
 
 TEST_F(KWinRecording, EndsWithTheCompositorAndSaysSo) {

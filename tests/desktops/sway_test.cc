@@ -78,6 +78,7 @@ TEST_F(SwayRecording, BeginsWithTheWindowThatIsThere) {
 
 TEST_F(SwayRecording, EndsWithTheLastInputAndBeginsWithTheNext) {
   const Terminal foot(*desktop_, "foot", "a title");
+  ASSERT_TRUE(eventually([&] { return desktop_->hasWindow("a title"); }));
   record({"--away-after", "2s"});
   const std::string row = "Foot of the Test|foot|a title";
   ASSERT_TRUE(shows(row));

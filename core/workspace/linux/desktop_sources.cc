@@ -8,6 +8,7 @@
 #include "core/workspace/linux/session_bus_sources.h"
 #include "core/workspace/wayland/front_source.h"
 #include "core/workspace/wayland/idle_source.h"
+#include "core/workspace/wayland/windows.h"
 #include "core/workspace/x11/front_source.h"
 #include "core/workspace/x11/idle_source.h"
 
@@ -48,11 +49,14 @@ DesktopSources openDesktopSources(SystemMainLoop& loop, const SteadyClock& clock
       if (!overBus.idle) overBus.idle = std::move(sources.idle);
       return overBus;
     }
+    const auto remedy = remedyForHiddenWindows(*wayland);
     if (display.empty()) {
       throw WorkspaceUnavailable(
-          "This is a Wayland session without X11: the focused window cannot be seen here.");
+          "This is a Wayland session without X11: the focused window cannot be seen here." +
+          (remedy.empty() ? "" : " " + remedy));
     }
-    notice({"This is a Wayland session: only windows of X11 applications can be seen.", false});
+    notice({.text = "This is a Wayland session: only windows of X11 applications can be seen.",
+            .remedy = remedy});
   } else if (display.empty()) {
     throw WorkspaceUnavailable(noDisplay());
   } else {

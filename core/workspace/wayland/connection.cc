@@ -143,8 +143,8 @@ WaylandConnection::~WaylandConnection() {
   disarm();
 }
 
-bool WaylandConnection::offers(const wl_interface& interface, std::uint32_t version) const {
-  const auto found = globals_.find(interface.name);
+bool WaylandConnection::offers(std::string_view interface, std::uint32_t version) const {
+  const auto found = globals_.find(interface);
   return found != globals_.end() && found->second.version >= version;
 }
 

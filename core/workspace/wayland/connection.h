@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "core/loop/system_main_loop.h"
 #include "core/platform/steady_clock.h"
@@ -65,9 +66,9 @@ class WaylandConnection {
   WaylandConnection(const WaylandConnection&) = delete;
   WaylandConnection& operator=(const WaylandConnection&) = delete;
 
-  // Whether the compositor has an object of that interface for everybody, in that version or a
-  // higher one.
-  [[nodiscard]] bool offers(const wl_interface& interface, std::uint32_t version = 1) const;
+  // Whether the compositor has an object of the interface of that name for this program, in that
+  // version or a higher one.
+  [[nodiscard]] bool offers(std::string_view interface, std::uint32_t version = 1) const;
 
   // The first such object, in the highest version up to `version`, which is the one that the caller
   // knows. Null when there is none.
@@ -113,7 +114,7 @@ class WaylandConnection {
   const SteadyClock& clock_;
   std::unique_ptr<wl_display, Disconnect> display_;
   WaylandOwned<wl_registry> registry_;
-  std::map<std::string, Global> globals_;  // by interface, the first of each
+  std::map<std::string, Global, std::less<>> globals_;  // by interface, the first of each
   std::map<ListenerToken, Listener> listeners_;
   std::uint64_t lastToken_ = 0;
   WaylandOwned<wl_callback> question_;               // not answered yet

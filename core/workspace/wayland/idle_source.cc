@@ -119,11 +119,11 @@ class WaylandIdleSource final : public IdleSource {
 
 std::unique_ptr<IdleSource> openWaylandIdleSource(const SteadyClock& clock,
                                                   std::shared_ptr<WaylandConnection> connection) {
-  if (!connection->offers(wl_seat_interface)) return nullptr;
-  if (connection->offers(CommonIdle::kInterface)) {
+  if (!connection->offers(wl_seat_interface.name)) return nullptr;
+  if (connection->offers(CommonIdle::kInterface.name)) {
     return std::make_unique<WaylandIdleSource<CommonIdle>>(clock, std::move(connection));
   }
-  if (connection->offers(KWinIdle::kInterface)) {
+  if (connection->offers(KWinIdle::kInterface.name)) {
     return std::make_unique<WaylandIdleSource<KWinIdle>>(clock, std::move(connection));
   }
   return nullptr;

@@ -120,7 +120,7 @@ class PlasmaWindows final : public WaylandWindows {
 
 std::unique_ptr<WaylandWindows> openPlasmaWindows(WaylandConnection& connection,
                                                   WaylandToplevels& toplevels) {
-  if (!connection.offers(org_kde_plasma_window_management_interface, kOldestVersion)) {
+  if (!connection.offers(org_kde_plasma_window_management_interface.name, kOldestVersion)) {
     return nullptr;
   }
   return std::make_unique<PlasmaWindows>(connection, toplevels);

@@ -40,4 +40,7 @@ class WaylandWindows {
 [[nodiscard]] std::unique_ptr<WaylandWindows> openWindows(WaylandConnection& connection,
                                                           WaylandToplevels& toplevels);
 
+// What a person can do when none is offered: a sentence, empty where that is nothing.
+[[nodiscard]] std::string remedyForHiddenWindows(const WaylandConnection& connection);
+
 }  // namespace tessum

@@ -101,7 +101,7 @@ class WlrWindows final : public WaylandWindows {
 
 std::unique_ptr<WaylandWindows> openWlrWindows(WaylandConnection& connection,
                                                WaylandToplevels& toplevels) {
-  if (!connection.offers(zwlr_foreign_toplevel_manager_v1_interface)) return nullptr;
+  if (!connection.offers(zwlr_foreign_toplevel_manager_v1_interface.name)) return nullptr;
   return std::make_unique<WlrWindows>(connection, toplevels);
 }
 
