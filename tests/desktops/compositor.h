@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "tests/desktop/recording/recorder.h"
-#include "tests/support/test_desktop.h"
+#include "tests/support/desktop/test_desktop.h"
 
 namespace tessum {
 

@@ -6,8 +6,8 @@
 #include "core/platform/clock.h"
 #include "tests/desktop/recording/recorder.h"
 #include "tests/support/bus/fake_logind_linux.h"
+#include "tests/support/desktop/x11_desktop.h"
 #include "tests/support/environment.h"
-#include "tests/support/x11_desktop.h"
 
 namespace tessum {
 namespace {

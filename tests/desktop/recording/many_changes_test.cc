@@ -12,8 +12,8 @@
 #include <utility>
 
 #include "tests/desktop/recording/recorder.h"
+#include "tests/support/desktop/x11_desktop.h"
 #include "tests/support/environment.h"
-#include "tests/support/x11_desktop.h"
 
 namespace tessum {
 namespace {

@@ -2,7 +2,7 @@
 #include <sys/stat.h>
 
 #include "tests/desktop/recording/recorder.h"
-#include "tests/support/x11_desktop.h"
+#include "tests/support/desktop/x11_desktop.h"
 
 namespace tessum {
 namespace {

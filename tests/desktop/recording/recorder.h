@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/desktop/test_desktop.h"
 #include "tests/support/eventually.h"
 #include "tests/support/server_program.h"
 #include "tests/support/sql.h"
-#include "tests/support/test_desktop.h"
 
 namespace tessum {
 

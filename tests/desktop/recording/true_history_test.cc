@@ -11,9 +11,9 @@
 
 #include "core/store/database.h"
 #include "tests/desktop/recording/recorder.h"
+#include "tests/support/desktop/x11_desktop.h"
 #include "tests/support/mounts_linux.h"
 #include "tests/support/server_program.h"
-#include "tests/support/x11_desktop.h"
 #include "tools/demo_history.h"
 
 namespace tessum {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/workspace/x11/front_source.h"
-#include "tests/support/x11_desktop.h"
+#include "tests/support/desktop/x11_desktop.h"
 
 namespace tessum {
 

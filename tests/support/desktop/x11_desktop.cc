@@ -1,4 +1,4 @@
-#include "tests/support/x11_desktop.h"
+#include "tests/support/desktop/x11_desktop.h"
 
 #include <poll.h>
 #include <unistd.h>

@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "tests/support/child_process.h"
+#include "tests/support/desktop/test_desktop.h"
 #include "tests/support/eventually.h"
-#include "tests/support/test_desktop.h"
 
 namespace tessum {
 

@@ -1,4 +1,4 @@
-#include "tests/support/test_desktop.h"
+#include "tests/support/desktop/test_desktop.h"
 
 #include <grp.h>
 #include <unistd.h>
