@@ -1,4 +1,4 @@
-// What the desktop that the program was started on tells.
+// The sources of information about the desktop that the program runs on.
 
 #pragma once
 
@@ -14,13 +14,13 @@
 
 namespace tessum {
 
-// The desktop does not let its applications be seen; what() says why.
+// The desktop does not let programs see its windows; what() says why.
 class WorkspaceUnavailable : public std::runtime_error {
  public:
   using runtime_error::runtime_error;
 };
 
-// What a desktop has to say about itself.
+// A message about the desktop.
 struct WorkspaceNotice {
   std::string text;         // one sentence, for a person
   bool isFinal = false;     // the desktop is gone: no application will be seen any more
@@ -31,11 +31,11 @@ using WorkspaceNoticeHandler = std::function<void(const WorkspaceNotice&)>;
 
 struct DesktopSources {
   std::unique_ptr<FrontSource> front;  // never null
-  std::unique_ptr<IdleSource> idle;    // null where the desktop does not tell
+  std::unique_ptr<IdleSource> idle;    // null where the desktop does not report input
 };
 
-// Sources that `loop` drives and that tell times of `clock`; both must outlive them. `notice` is
-// called before this or FrontSource::start() returns, or from the loop. Throws
+// Opens the sources, driven by `loop` and timed by `clock`; both must outlive them. `notice` is
+// called during this call, during FrontSource::start(), or from the loop. Throws
 // WorkspaceUnavailable. Main thread only.
 [[nodiscard]] DesktopSources openDesktopSources(SystemMainLoop& loop, const SteadyClock& clock,
                                                 WorkspaceNoticeHandler notice);

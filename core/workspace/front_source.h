@@ -1,4 +1,4 @@
-// What the user has in front, told as it changes.
+// Reports the window in front as it changes.
 
 #pragma once
 
@@ -14,24 +14,24 @@ namespace tessum {
 // The application in front and the title of its focused window.
 struct Front {
   RunningApplication application;
-  std::optional<std::string> title;  // never empty; absent where the desktop does not tell
+  std::optional<std::string> title;  // never empty; absent when the desktop does not report it
 
   friend bool operator==(const Front&, const Front&) = default;
 };
 
-// One desktop's way of telling. A body exists for each. Main thread only.
+// Implemented once for each kind of desktop. Main thread only.
 class FrontSource {
  public:
-  // Gets what is in front, and since when; absent when nothing is. The moments never go back.
+  // Receives what is in front, absent when nothing is, and since when. The moments never go back.
   using Handler = std::function<void(const std::optional<Front>& front, Moment since)>;
 
   virtual ~FrontSource() = default;
 
-  // Calls `handler` with what is in front now, before this returns, and then from the main loop at
-  // each change of application, identifier or title. Called once.
+  // Calls `handler` with what is in front before this returns, and then from the main loop each
+  // time the application, identifier or title changes. Call once.
   virtual void start(Handler handler) = 0;
 
-  // How the desktop tells, for a person; for example "X11".
+  // The source's name for a person, such as "X11".
   [[nodiscard]] virtual std::string way() const = 0;
 };
 

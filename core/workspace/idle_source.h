@@ -1,4 +1,4 @@
-// Whether anybody touches the computer.
+// Reports when the user stops and resumes input.
 
 #pragma once
 
@@ -8,7 +8,7 @@
 
 namespace tessum {
 
-// One desktop's way of telling. A body exists for each. Main thread only.
+// Implemented once for each kind of desktop. Main thread only.
 class IdleSource {
  public:
   struct Handlers {
@@ -18,8 +18,8 @@ class IdleSource {
 
   virtual ~IdleSource() = default;
 
-  // Calls `handlers` from the main loop: onIdle when there has been no input for `seconds`, also
-  // when that is so already, and onActive at the next input; then again. Replaces an earlier watch,
+  // Calls `handlers` from the main loop: onIdle once there has been no input for `seconds`, even if
+  // that is already so, then onActive at the next input, and so on. Replaces an earlier watch,
   // whose handlers are not called again.
   virtual void watch(double seconds, Handlers handlers) = 0;
 };

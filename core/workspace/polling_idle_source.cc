@@ -27,7 +27,7 @@ void PollingIdleSource::poll(double threshold) {
   }
   if (isIdle_ == (*idle >= threshold)) return;
   isIdle_ = !isIdle_;
-  const auto handler = isIdle_ ? handlers_.onIdle : handlers_.onActive;  // it may watch anew
+  const auto handler = isIdle_ ? handlers_.onIdle : handlers_.onActive;  // it may call watch()
   handler(movedBy(clock_.now(), -*idle));
 }
 

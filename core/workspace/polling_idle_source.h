@@ -1,4 +1,4 @@
-// The absence of input, where it can only be asked for.
+// Idle time on systems that report it only when asked.
 
 #pragma once
 
@@ -10,11 +10,11 @@
 
 namespace tessum {
 
-// Asks every few seconds while it is watched, so it tells up to that much late. Of several inputs
-// between two questions, onActive gets the last. Main thread only.
+// Polls every few seconds while watched, so it reports up to that much late. If there are several
+// inputs between two polls, onActive gets the last. Main thread only.
 class PollingIdleSource final : public IdleSource {
  public:
-  // Gives the seconds since the last input; absent when that cannot be told any more.
+  // Returns the seconds since the last input; absent when they are no longer known.
   using SecondsSinceInput = std::function<std::optional<double>()>;
 
   static constexpr double kPollSeconds = 5.0;

@@ -1,4 +1,4 @@
-// Texts of any length from other programs, cut where they get too long to keep.
+// Truncates long texts from other programs.
 
 #pragma once
 
@@ -12,10 +12,10 @@ inline constexpr std::size_t kLongestTitle = 1 << 20;  // bytes
 inline constexpr std::size_t kLongestName = 1
                                             << 14;  // bytes, of an application's name or identifier
 
-// Valid UTF-8 `text` as far as `longest` bytes and whole characters go. Any thread.
+// `text`, which is valid UTF-8, cut to at most `longest` bytes at a character boundary. Any thread.
 [[nodiscard]] std::string cutToLength(std::string text, std::size_t longest);
 
-// Valid UTF-8 `text` as the title of a window: absent when it is empty, cut to kLongestTitle. Any
+// `text`, which is valid UTF-8, as a window title: absent when empty, cut to kLongestTitle. Any
 // thread.
 [[nodiscard]] std::optional<std::string> titleFrom(std::string text);
 

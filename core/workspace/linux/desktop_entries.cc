@@ -12,8 +12,8 @@ namespace tessum {
 namespace {
 
 constexpr std::string_view kSuffix = ".desktop";
-constexpr int kDeepestFolder = 4;                 // entries lie one or two folders deep
-constexpr std::uintmax_t kLargestFile = 1 << 20;  // a usual one has a few kilobytes
+constexpr int kDeepestFolder = 4;                 // in practice one or two
+constexpr std::uintmax_t kLargestFile = 1 << 20;  // bytes; most are a few kilobytes
 constexpr std::int64_t kMissing = -1;
 
 std::string_view withoutSuffix(std::string_view id) {
@@ -21,7 +21,7 @@ std::string_view withoutSuffix(std::string_view id) {
   return id;
 }
 
-// Values write a space, a line feed, a tab, a carriage return and a backslash as \s \n \t \r \\.
+// In values, \s \n \t \r and \\ stand for space, line feed, tab, carriage return and backslash.
 std::string unescaped(std::string_view value) {
   constexpr std::string_view kLetters = "sntr\\";
   constexpr std::string_view kMeanings = " \n\t\r\\";
@@ -39,8 +39,7 @@ std::string unescaped(std::string_view value) {
   return validUtf8(out);
 }
 
-// The values of the group that describes the application, by key; a key given twice keeps its
-// first value.
+// The values of the [Desktop Entry] group, by key; a repeated key keeps its first value.
 std::map<std::string_view, std::string_view> keysOfEntry(std::string_view text) {
   std::map<std::string_view, std::string_view> keys;
   bool isInGroup = false;

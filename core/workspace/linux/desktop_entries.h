@@ -1,4 +1,4 @@
-// Desktop entries: the files in which applications give their names to a Linux desktop.
+// Desktop entries: the files that describe applications to a Linux desktop.
 
 #pragma once
 
@@ -12,20 +12,20 @@
 
 namespace tessum {
 
-// What a desktop entry says about its application.
+// The contents of one desktop entry.
 struct DesktopEntry {
-  std::string name;                           // in the user's language where it is given
+  std::string name;                           // in the user's language where available
   std::optional<std::string> startupWMClass;  // class or instance of the application's windows
 
   friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
 };
 
-// The keys' suffixes to look for, the best first, for the value of a variable such as LANG:
-// de_DE@euro, de_DE, de@euro and de for "de_DE.UTF-8@euro", none for "C".
+// The key suffixes to look for, best first, given the value of a variable such as LANG: de_DE@euro,
+// de_DE, de@euro and de for "de_DE.UTF-8@euro", none for "C".
 [[nodiscard]] std::vector<std::string> localeSuffixes(std::string_view locale);
 
-// Reads the text of a desktop entry. Absent when the entry does not describe an application, is
-// marked as deleted or has no name.
+// Parses a desktop entry. Absent when it does not describe an application, is marked as deleted or
+// has no name.
 [[nodiscard]] std::optional<DesktopEntry> parseDesktopEntry(
     std::string_view text, const std::vector<std::string>& localeSuffixes);
 
@@ -33,9 +33,9 @@ struct DesktopEntry {
 // separated by colons. Desktop entries are below "applications" in each.
 [[nodiscard]] std::vector<std::string> dataFolders(std::string_view home, std::string_view others);
 
-// The desktop entries of some folders and those below them. An entry's id is its path below the
-// folder, with dashes for slashes and without ".desktop". Where several entries have one id, that
-// of the first folder counts; if it is marked as deleted, there is no entry. Not thread-safe.
+// The desktop entries of some folders and their subfolders. An entry's id is its path below the
+// folder, with dashes for slashes and without ".desktop". If several entries have the same id, the
+// one in the first folder counts; if that is marked as deleted, there is no entry. Not thread-safe.
 class DesktopEntries {
  public:
   struct Match {
@@ -47,10 +47,10 @@ class DesktopEntries {
   DesktopEntries(std::vector<std::string> folders, std::vector<std::string> localeSuffixes)
       : folders_(std::move(folders)), localeSuffixes_(std::move(localeSuffixes)) {}
 
-  // Reads the folders again if files came or went since they were last read.
+  // Reads the folders again if files were added or removed since the last read.
   void refresh();
 
-  // The entry with that id, which may end in ".desktop". Of a path only the last part counts.
+  // The entry with that id, which may end in ".desktop"; for a path, its last component.
   [[nodiscard]] std::optional<Match> withId(std::string_view id) const;
 
   // The entry that claims windows of that instance or class, else one that does when case is
@@ -66,7 +66,7 @@ class DesktopEntries {
   std::vector<std::string> folders_;
   std::vector<std::string> localeSuffixes_;
   bool hasRead_ = false;
-  std::vector<std::pair<std::string, std::int64_t>> readFolders_;  // each with its time of change
+  std::vector<std::pair<std::string, std::int64_t>> readFolders_;  // with modification times
   std::map<std::string, std::optional<DesktopEntry>, std::less<>> entries_;  // by id
 };
 

@@ -52,8 +52,8 @@ void FrontTracker::stopWaiting() {
   timer_.reset();
 }
 
-// A window that came later has not been there for long enough: nothing is in front before it, and
-// it gets a moment of its own.
+// A window that came later has not lasted long enough: nothing is in front before it, and its own
+// delay starts.
 void FrontTracker::endWaiting() {
   timer_.reset();
   if (latest_.window && latest_.since == awaySince_) {

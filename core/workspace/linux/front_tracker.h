@@ -1,4 +1,4 @@
-// Turns the active windows of a Linux desktop, one after another, into what is in front.
+// Turns a sequence of active windows of a Linux desktop into what is in front.
 
 #pragma once
 
@@ -10,29 +10,29 @@
 
 namespace tessum {
 
-// Between two windows most window managers show for a moment that none is active, and while they
-// restart they show that, or windows that say nothing about themselves. So neither counts until it
-// has lasted longer than such a moment; it then counts from its beginning. Main thread only.
+// Most window managers briefly report no active window between two windows; while they restart they
+// report none, or windows without properties. So neither counts until it has lasted longer than
+// that; it then counts from its beginning. Main thread only.
 class FrontTracker {
  public:
   static constexpr double kMomentWithoutWindow = 0.5;  // seconds
 
-  // `handler` gets each change of application or title, the first at the first show(). `loop` must
-  // outlive this object.
+  // `handler` receives each change of application or title, beginning with the first show(). `loop`
+  // must outlive this object.
   FrontTracker(MainLoop& loop, FrontSource::Handler handler);
   ~FrontTracker();
   FrontTracker(const FrontTracker&) = delete;
   FrontTracker& operator=(const FrontTracker&) = delete;
 
-  // The window that is active since then, with the title that it has; absent when none is. Not
-  // before the moment of the last call.
+  // Reports the active window and its title, absent when none is active, and since when: not before
+  // the moment of the last call.
   void show(const std::optional<FrontWindow>& window, Moment since);
 
-  // No window will be active any more: what is in front is left at once.
+  // No window will become active any more: what is in front ends at once.
   void clear(Moment since);
 
  private:
-  // A window that says nothing about itself, or none.
+  // No window, or one that does not identify its application.
   struct Unknown {
     std::optional<FrontWindow> window;
     Moment since;
@@ -49,11 +49,11 @@ class FrontTracker {
   MainLoop& loop_;
   const FrontSource::Handler handler_;
   bool hasTold_ = false;
-  std::optional<Front> front_;  // as it was told last
-  ApplicationKey key_;          // of that
+  std::optional<Front> front_;  // as last reported
+  ApplicationKey key_;          // of front_
 
-  std::optional<MainLoop::TimerToken> timer_;  // runs while it is unclear whether anything is left
-  Moment awaySince_;                           // when that began
+  std::optional<MainLoop::TimerToken> timer_;  // runs until it is clear what is in front
+  Moment awaySince_;                           // when timer_'s wait began
   Unknown latest_;
 };
 

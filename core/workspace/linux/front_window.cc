@@ -13,8 +13,8 @@ std::optional<DesktopEntries::Match> findEntry(const WindowDescription& descript
                                 description.windowClass.value_or(""));
 }
 
-// The number of a process means nothing on another machine, so it counts only when the window names
-// this machine.
+// A process number is valid only on its own machine, so it counts only when the window names this
+// machine.
 std::optional<std::int32_t> localProcess(const WindowDescription& description,
                                          const std::string& hostName) {
   if (description.clientMachine != hostName) return std::nullopt;
@@ -37,7 +37,7 @@ FrontWindow identify(const WindowDescription& description, const DesktopEntries&
     application.localizedName = processName(*process);
   }
 
-  // Many applications set another instance for each kind of window, so the class counts.
+  // Many applications use a different instance for each kind of window, so the class counts.
   ApplicationKey key{.name = "", .process = process, .window = 0};
   if (application.bundleIdentifier) {
     key.name = *application.bundleIdentifier;

@@ -1,4 +1,4 @@
-// Which application a window of a Linux desktop belongs to.
+// Finds the application that a window of a Linux desktop belongs to.
 
 #pragma once
 
@@ -12,7 +12,8 @@
 
 namespace tessum {
 
-// What a window says about its application; texts as UTF-8, absent when it does not say.
+// What a window says about its application. Texts are UTF-8; a member is absent when the window
+// does not set it.
 struct WindowDescription {
   std::uint32_t window = 0;
   std::optional<std::string> applicationId = {};  // _GTK_APPLICATION_ID
@@ -25,11 +26,11 @@ struct WindowDescription {
   friend bool operator==(const WindowDescription&, const WindowDescription&) = default;
 };
 
-// Tells applications apart: two windows with equal keys belong to one application.
+// Identifies an application: two windows with equal keys belong to one application.
 struct ApplicationKey {
-  std::string name;  // the desktop entry's id, else an id or a class of the window's own
+  std::string name;  // the desktop entry's id, else the window's own id or class
   std::optional<std::int32_t> process;
-  std::uint32_t window = 0;  // 0 unless the window says nothing else
+  std::uint32_t window = 0;  // 0 unless nothing else identifies the window
 
   friend bool operator==(const ApplicationKey&, const ApplicationKey&) = default;
 };
@@ -40,15 +41,15 @@ struct FrontWindow {
   RunningApplication application;
   std::optional<std::string> title = {};  // never empty
 
-  // Whether the window says nothing about its application.
+  // Whether the window does not identify its application.
   [[nodiscard]] bool isAnonymous() const { return key.name.empty() && !key.process; }
 };
 
-// Gives the name of a process of this machine; absent when there is no such process.
+// Returns the name of a process of this machine; absent when there is no such process.
 using ProcessName = std::function<std::optional<std::string>(std::int32_t)>;
 
 // The application of the window with that description, on the machine called `hostName`. The title
-// is left absent.
+// stays absent.
 [[nodiscard]] FrontWindow identify(const WindowDescription& description,
                                    const DesktopEntries& entries, const std::string& hostName,
                                    const ProcessName& processName);

@@ -1,4 +1,4 @@
-// Which application is active on macOS.
+// Reports the active application on macOS.
 
 #pragma once
 
@@ -13,10 +13,10 @@ namespace tessum {
 // The active application; absent when there is none. Main thread only.
 [[nodiscard]] std::optional<RunningApplication> activeApplication();
 
-// Tells of each activation as long as it lives. Main thread only.
+// Reports each activation during its lifetime. Main thread only.
 class ActivationObserver {
  public:
-  // Gets the application that became active; absent when the system does not say which.
+  // Receives the application that became active; absent when the system does not say which.
   using Handler = std::function<void(const std::optional<RunningApplication>&)>;
 
   // Calls `handler` from the main loop.

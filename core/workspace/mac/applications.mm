@@ -1,5 +1,5 @@
-// The one file of Objective-C++: it passes on what AppKit tells, as standard types, and decides
-// nothing. It defines no class and holds nothing weakly but through std::weak_ptr.
+// The only Objective-C++ file: it converts AppKit's values to standard types and contains no logic.
+// It defines no Objective-C class and holds weak references only as std::weak_ptr.
 
 #import <AppKit/AppKit.h>
 

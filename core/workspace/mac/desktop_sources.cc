@@ -6,7 +6,7 @@
 
 namespace tessum {
 
-// AppKit serves every session, so there is never anything to say.
+// AppKit is available in every session, so there is never a notice.
 DesktopSources openDesktopSources(SystemMainLoop& loop, const SteadyClock& clock,
                                   WorkspaceNoticeHandler) {
   return {openMacFrontSource(loop, clock),

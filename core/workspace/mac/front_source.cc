@@ -38,7 +38,7 @@ class MacFrontSource final : public FrontSource {
   [[nodiscard]] std::string way() const override { return "AppKit"; }
 
  private:
-  // The title takes a while where the application is busy, so the time is taken before.
+  // Getting the title may be slow when the application is busy, so take the time first.
   void look(const std::optional<RunningApplication>& application) {
     const Moment since = clock_.now();
     std::optional<Front> front;
@@ -53,7 +53,7 @@ class MacFrontSource final : public FrontSource {
   Handler handler_;
   std::optional<ActivationObserver> observer_;
   std::optional<MainLoop::TimerToken> timer_;
-  std::optional<Front> front_;  // as it was told last
+  std::optional<Front> front_;  // as last reported
 };
 
 }  // namespace

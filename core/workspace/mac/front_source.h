@@ -1,4 +1,4 @@
-// What is in front on macOS.
+// Reports what is in front on macOS.
 
 #pragma once
 
@@ -9,8 +9,8 @@
 
 namespace tessum {
 
-// Tells of activations as AppKit does, and looks for another title every few seconds: an
-// application does not tell of one. `loop` and `clock` must outlive the source.
+// Follows AppKit's activations, and polls the title every few seconds because its changes are not
+// announced. `loop` and `clock` must outlive the source.
 [[nodiscard]] std::unique_ptr<FrontSource> openMacFrontSource(MainLoop& loop,
                                                               const SteadyClock& clock);
 

@@ -15,10 +15,10 @@ struct Release {
 template <typename Reference>
 using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, Release>;
 
-// How long an application that does not respond may hold up the main thread, for each question.
+// How long each query may block the main thread when an application does not respond.
 constexpr float kPatienceSeconds = 1;
 
-// Null unless the call succeeds and gives a value.
+// Null unless the call succeeds and returns a value.
 Owned<CFTypeRef> copyAttribute(AXUIElementRef element, CFStringRef name) {
   AXUIElementSetMessagingTimeout(element, kPatienceSeconds);
   CFTypeRef value = nullptr;
@@ -26,7 +26,7 @@ Owned<CFTypeRef> copyAttribute(AXUIElementRef element, CFStringRef name) {
   return Owned<CFTypeRef>(value);
 }
 
-// A title may hold a zero byte, so its end is found by counting.
+// A title may contain a zero byte, so its end comes from its length.
 std::optional<std::string> utf8Of(CFStringRef text) {
   const CFRange all{0, CFStringGetLength(text)};
   constexpr UInt8 kInsteadOfLoneSurrogates = '?';

@@ -1,4 +1,4 @@
-// Window titles of other applications on macOS.
+// Reads window titles of other applications on macOS.
 
 #pragma once
 
@@ -8,9 +8,9 @@
 
 namespace tessum {
 
-// The title of the focused window of the process, as it is. Absent when the process has no such
-// window or does not respond, the title is no text, or the user has not let this program see it; it
-// does not ask for permission. Main thread only.
+// The title of the process's focused window, unchanged. Absent when the process has no such window
+// or does not respond, the title is not text, or the user has not allowed this program to see it;
+// never asks for permission. Main thread only.
 [[nodiscard]] std::optional<std::string> focusedWindowTitleOf(std::int32_t process);
 
 }  // namespace tessum

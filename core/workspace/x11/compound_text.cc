@@ -1,8 +1,8 @@
-// Compound Text is ISO 2022 with fixed beginnings: bytes below 0x80 are ASCII and those above are
-// ISO 8859-1, until an escape sequence puts another character set into the lower or the upper
-// half. Sets of two-byte characters may be in either half; their bytes differ in the top bit only.
-// Two more escape sequences switch to UTF-8 and back, and announce a segment of known length in an
-// encoding called by its name.
+// Compound Text is ISO 2022 with a fixed initial state: bytes below 0x80 are ASCII and those above
+// are ISO 8859-1, until an escape sequence puts another character set into the lower or the upper
+// half. Two-byte character sets may be in either half; their bytes differ in the top bit only.
+// Other escape sequences switch to UTF-8 and back, or start a segment of known length in a named
+// encoding.
 
 #include "core/workspace/x11/compound_text.h"
 
@@ -22,14 +22,14 @@ namespace tessum {
 namespace {
 
 constexpr char kEscape = '\x1B';
-constexpr char kDirection = '\x9B';  // begins a sequence that ends with a bracket
+constexpr char kDirection = '\x9B';  // starts a sequence that ends with a bracket
 constexpr char kEndOfName = '\x02';
 constexpr std::string_view kToUtf8 = "\x1B%G";
 constexpr std::string_view kFromUtf8 = "\x1B%@";
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-// How to read the bytes of one half: by the library's name of an encoding that has the set in its
-// upper half, null for a set unknown here.
+// How to decode the bytes of one half: iconv's name of an encoding that has the set in its upper
+// half, null for an unsupported set.
 struct CharacterSet {
   const char* encoding;
   std::size_t bytesPerCharacter;
@@ -84,7 +84,7 @@ CharacterSet setOf94(char name) {
     case 'I':
       return {"SHIFT_JIS", 1};  // half-width Katakana
     case 'J':
-      return kAscii;  // has a yen sign and an overline in place of two characters
+      return kAscii;  // differs in two characters: a yen sign and an overline
     default:
       return kUnknown;
   }
@@ -103,7 +103,7 @@ CharacterSet setOf94Squared(char name) {
   }
 }
 
-// The name comes from another program, so it is looked up, never handed to the library.
+// The name comes from another program, so it is looked up here, never passed to iconv.
 const char* encodingNamed(std::string_view name) {
   struct Named {
     std::string_view name;
@@ -133,7 +133,7 @@ struct Close {
 
 void appendConverted(std::string& out, std::string bytes, std::size_t bytesPerCharacter,
                      iconv_t converter) {
-  iconv(converter, nullptr, nullptr, nullptr, nullptr);  // what came before does not matter
+  iconv(converter, nullptr, nullptr, nullptr, nullptr);  // reset the state
   char* from = bytes.data();
   std::size_t left = bytes.size();
   while (left > 0) {
@@ -151,7 +151,7 @@ void appendConverted(std::string& out, std::string bytes, std::size_t bytesPerCh
   }
 }
 
-// Keeps converters open: opening one takes long, and a text may change its set at each character.
+// Caches open converters: opening one is slow, and a text may change its set at each character.
 class Converters {
  public:
   // Appends `bytes` as UTF-8.
@@ -166,7 +166,7 @@ class Converters {
   }
 
  private:
-  // Null when the library does not know the encoding.
+  // Null when iconv does not know the encoding.
   iconv_t converterFrom(const char* encoding) {
     const auto [found, isNew] = converters_.try_emplace(encoding);
     if (isNew) {
@@ -214,7 +214,7 @@ class CompoundText {
     take(kFromUtf8.size());
   }
 
-  // Escape, bytes from 0x20 to 0x2F, and a last one that says which of the kind it is.
+  // Escape, bytes from 0x20 to 0x2F, and a final byte that completes the sequence.
   void readEscape() {
     take(1);
     std::size_t length = 0;
@@ -230,7 +230,7 @@ class CompoundText {
     if (kind == "%/") readNamedSegment();
   }
 
-  // A length in two bytes of seven bits, then the name of the encoding, then the text.
+  // A length in two 7-bit bytes, then the name of the encoding, then the text.
   void readNamedSegment() {
     const auto size = take(2);
     if (size.size() < 2) return;
@@ -243,9 +243,9 @@ class CompoundText {
                        {encodingNamed(segment.substr(0, end)), 1});
   }
 
-  // The characters of one half up to what ends them.
+  // The run of characters that lie in one half.
   void readCharacters() {
-    if (isControl(rest_.front())) {  // the same in all sets, the space too
+    if (isControl(rest_.front())) {  // same in all sets, including the space
       out_ += take(1);
       return;
     }

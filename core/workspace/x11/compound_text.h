@@ -7,8 +7,8 @@
 
 namespace tessum {
 
-// X11's Compound Text, which changes its character set with escape sequences, as UTF-8. What has
-// no meaning or belongs to a set unknown here becomes U+FFFD. Any thread.
+// Converts X11's Compound Text, which switches character sets with escape sequences, to UTF-8.
+// Malformed input and characters of unsupported sets become U+FFFD. Any thread.
 [[nodiscard]] std::string utf8FromCompoundText(std::string_view bytes);
 
 }  // namespace tessum

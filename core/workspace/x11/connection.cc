@@ -12,8 +12,8 @@
 namespace tessum {
 namespace {
 
-// In items of four bytes: one more than a title may have, so that a character that is cut here is
-// beyond what is kept.
+// In four-byte units: one more than a title may have, so a character that is cut here lies beyond
+// what is kept.
 constexpr std::uint32_t kLongestProperty = kLongestTitle / 4 + 1;
 
 struct NamedAtom {
@@ -32,7 +32,7 @@ constexpr NamedAtom kNamedAtoms[] = {
     {"COMPOUND_TEXT", &X11Atoms::compoundText},
 };
 
-// All names in one round trip. A name that could not be had stays 0, which names no property.
+// Interns all names in one round trip. A name that fails stays 0, which names no property.
 X11Atoms internAtoms(xcb_connection_t* connection) {
   std::vector<xcb_intern_atom_cookie_t> cookies;
   for (const auto& named : kNamedAtoms) {
@@ -108,7 +108,7 @@ void X11Connection::unwatch(std::uint32_t window) {
   selectEvents(window, XCB_EVENT_MASK_NO_EVENT);
 }
 
-// A window that is gone gives an error event, which nextEvent() passes on as none of the others.
+// If the window is gone, an error event arrives; nextEvent() returns it with no particular kind.
 void X11Connection::selectEvents(std::uint32_t window, std::uint32_t eventMask) {
   xcb_change_window_attributes(connection_.get(), window, XCB_CW_EVENT_MASK, &eventMask);
 }

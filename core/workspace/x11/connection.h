@@ -1,4 +1,4 @@
-// A connection to an X server, with the few requests that watching windows takes.
+// A connection to an X server, with the few requests needed to watch windows.
 
 #pragma once
 
@@ -12,7 +12,7 @@ struct xcb_connection_t;
 
 namespace tessum {
 
-// The names of properties and types, as the server numbers them.
+// The server's numbers (atoms) for the names of properties and types.
 struct X11Atoms {
   std::uint32_t activeWindow;        // _NET_ACTIVE_WINDOW
   std::uint32_t windowManagerCheck;  // _NET_SUPPORTING_WM_CHECK
@@ -36,9 +36,9 @@ struct X11Free {
   void operator()(void* memory) const;
 };
 template <typename Reply>
-using X11Owned = std::unique_ptr<Reply, X11Free>;  // what the library has allocated
+using X11Owned = std::unique_ptr<Reply, X11Free>;  // memory allocated by the library
 
-// The value of a property: of text, or of numbers, which are here as they lie in memory.
+// The value of a property: text, or numbers in their memory representation.
 struct X11Property {
   std::uint32_t type;
   int bitsPerItem;
@@ -56,14 +56,14 @@ struct X11Event {
   Kind kind;
   std::uint32_t window;
   std::uint32_t property;  // 0 unless the kind is propertyChanged
-  std::uint32_t stamp;     // the server's time in milliseconds; likewise
+  std::uint32_t stamp;     // the server's time in milliseconds; 0 likewise
 };
 
-// Tells of changed properties of the root window from its beginning, and of other windows on
-// demand. Once the connection is lost, every request gives nothing. Not thread-safe.
+// Reports property changes of the root window from the start, and of other windows on request. Once
+// the connection is lost, every request returns nothing. Not thread-safe.
 class X11Connection {
  public:
-  // Connects to the server that `display` names, such as ":0". Throws WorkspaceUnavailable.
+  // Connects to `display`, such as ":0". Throws WorkspaceUnavailable.
   explicit X11Connection(const std::string& display);
   ~X11Connection();
   X11Connection(const X11Connection&) = delete;
@@ -76,24 +76,24 @@ class X11Connection {
   [[nodiscard]] std::uint32_t rootWindow() const { return rootWindow_; }
   [[nodiscard]] const X11Atoms& atoms() const { return atoms_; }
 
-  // Asks for events of `window`: of its end, or of its changed properties too. The request is sent
-  // along with the next one that has an answer. The root window stays watched as it is.
+  // Requests events when `window` is destroyed or, optionally, also when its properties change. The
+  // request is sent with the next one that has a reply. The root window's events do not change.
   void watchEnd(std::uint32_t window);
   void watchEndAndProperties(std::uint32_t window);
 
-  // Asks for no more events of `window`, likewise.
+  // Stops events of `window`; sent likewise.
   void unwatch(std::uint32_t window);
 
-  // The properties of `window` in the order of `names`, each absent where the window has none of
-  // that name, and cut to what a title may take; absent as a whole when there is no such window.
-  // One round trip.
+  // The properties of `window` in the order of `names`, cut to the longest title; each is absent
+  // when the window does not have it. Absent as a whole when there is no such window. One round
+  // trip.
   [[nodiscard]] std::optional<X11Properties> properties(std::uint32_t window,
                                                         const std::vector<std::uint32_t>& names);
 
-  // Whether an event came in with a reply: the descriptor does not become readable for it.
+  // Whether an event arrived along with a reply: the descriptor does not become readable for it.
   [[nodiscard]] bool hasReceivedEvent();
 
-  // The next event that is here, without waiting for one.
+  // The next event that has arrived; does not wait.
   [[nodiscard]] std::optional<X11Event> nextEvent();
 
  private:
@@ -102,7 +102,7 @@ class X11Connection {
   X11Handle connection_;
   std::uint32_t rootWindow_ = 0;
   X11Atoms atoms_{};
-  X11Owned<void> received_;  // an event that was looked at but not yet taken
+  X11Owned<void> received_;  // an event that was read but not yet returned
 };
 
 }  // namespace tessum

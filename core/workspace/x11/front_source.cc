@@ -1,9 +1,9 @@
-// Windows in front on X11.
+// Watches the active window on X11.
 //
-// The server tells that the active window or a property of it has changed, but not to what: that
-// has to be asked for. Of changes that follow each other faster than we ask, the last is seen. A
-// window may be gone when it is asked about; it then counts as no window, until the window manager
-// publishes the next one.
+// The server reports that the active window or one of its properties has changed, but not the new
+// value, so we query it. When changes come faster than we query, we see the last. A window may be
+// gone by the time we query it; it then counts as no window until the window manager publishes the
+// next one.
 
 #include "core/workspace/x11/front_source.h"
 
@@ -49,14 +49,14 @@ class X11FrontSource final : public FrontSource {
   [[nodiscard]] std::string way() const override { return "X11"; }
 
  private:
-  // When what came last, of what an event may tell.
+  // The time of the latest event of each kind.
   struct Changes {
     std::optional<Moment> window;    // another window may be active
     std::optional<Moment> property;  // the active window may have another title or application
   };
 
-  // Asks once for all events that are here, however fast more of them come: others want the loop
-  // too.
+  // Queries once for all events that have arrived, however fast more come: other tasks need the
+  // loop, too.
   void readEvents() {
     const Changes changes = takeInEvents();
     if (changes.window) {
@@ -71,7 +71,7 @@ class X11FrontSource final : public FrontSource {
     }
   }
 
-  // Events that come in with an answer do not make the descriptor readable.
+  // Events that arrive along with a reply do not make the descriptor readable.
   void readReceivedEvents() {
     if (!connection_.hasReceivedEvent() && !connection_.isLost()) return;
     loop_.post([weak = std::weak_ptr(self_)] {
@@ -86,14 +86,14 @@ class X11FrontSource final : public FrontSource {
       const Moment moment = isStamped ? time_.ofEvent(event->stamp) : time_.present();
       const bool endsWindow =
           event->kind == X11Event::Kind::windowDestroyed && event->window == window_;
-      if (endsWindow) window_ = 0;  // another one may get its number
+      if (endsWindow) window_ = 0;  // its number may be reused
       if (manager_.takeIn(*event) || endsWindow) {
         changes.window = moment;
       } else if (event->window == window_ && isAskedFor(event->property)) {
         changes.property = moment;
       }
     }
-    static_cast<void>(time_.present());  // what comes from here on happens from here on
+    static_cast<void>(time_.present());  // later events count from now on
     return changes;
   }
 
@@ -102,7 +102,7 @@ class X11FrontSource final : public FrontSource {
            propertyNames_.end();
   }
 
-  // Some window managers go on publishing the last window after its end.
+  // Some window managers keep publishing the last window after it is destroyed.
   void lookForWindow(Moment since) {
     const std::uint32_t window = manager_.activeWindow();
     if (window != window_) {
@@ -156,7 +156,7 @@ class X11FrontSource final : public FrontSource {
   std::optional<SystemMainLoop::WatchToken> watch_;  // from start() until the display is gone
   std::uint32_t window_ = 0;                         // the active one, which is watched
 
-  // What is posted holds this weakly: once it is gone, so is the source.
+  // Posted tasks hold a weak pointer to this, so that they do nothing once the source is gone.
   const std::shared_ptr<X11FrontSource*> self_;
 };
 

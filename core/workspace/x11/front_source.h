@@ -1,4 +1,4 @@
-// What is in front on an X11 desktop.
+// Reports the window in front on X11.
 
 #pragma once
 
@@ -10,9 +10,8 @@
 
 namespace tessum {
 
-// Watches the desktop on `display`, such as ":0", through what its window manager publishes; the
-// connection's descriptor drives it, and nothing is polled. The rest is as with
-// openDesktopSources().
+// Watches `display`, such as ":0", through the properties its window manager publishes. The
+// connection's descriptor drives it; it does not poll. Otherwise as openDesktopSources().
 [[nodiscard]] std::unique_ptr<FrontSource> openX11FrontSource(SystemMainLoop& loop,
                                                               const SteadyClock& clock,
                                                               const std::string& display,

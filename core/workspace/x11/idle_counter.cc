@@ -1,7 +1,8 @@
-// The server's counter IDLETIME holds the milliseconds since the last input, and an alarm tells
-// when it has reached a value. There is one alarm at a time: the first waits until the counter is
-// at the threshold, the next until it is below, and so on. They compare the counter rather than
-// wait for it to cross the threshold, so an alarm that is set after the crossing still goes off.
+// The server's counter IDLETIME holds the milliseconds since the last input, and an alarm fires
+// when it reaches a value. There is one alarm at a time: the first fires when the counter is at the
+// threshold or above, the next when it is below, and so on. The alarms compare the counter with the
+// threshold rather than wait for it to cross, so an alarm that is set after the crossing still
+// fires.
 
 #include <xcb/sync.h>
 #include <xcb/xcb.h>
@@ -73,8 +74,8 @@ class X11IdleCounter final : public IdleSource {
   }
 
  private:
-  // Makes a new alarm each time: its number tells its event from those of the one before, which may
-  // be under way.
+  // Makes a new alarm each time: its number distinguishes its event from one of the previous alarm
+  // that is still on its way.
   void setAlarm() {
     xcb_connection_t* const connection = connection_.get();
     if (alarm_ != 0) xcb_sync_destroy_alarm(connection, alarm_);
@@ -108,7 +109,7 @@ class X11IdleCounter final : public IdleSource {
     const Moment input = movedBy(time_.ofEvent(alarm.timestamp), -secondsOf(alarm.counter_value));
     isIdle_ = !isIdle_;
     setAlarm();
-    const auto handler = isIdle_ ? handlers_.onIdle : handlers_.onActive;  // it may watch anew
+    const auto handler = isIdle_ ? handlers_.onIdle : handlers_.onActive;  // it may call watch()
     handler(input);
   }
 
@@ -120,7 +121,7 @@ class X11IdleCounter final : public IdleSource {
   const SystemMainLoop::WatchToken watch_;
   std::int64_t threshold_ = 0;  // in milliseconds
   Handlers handlers_;
-  bool isIdle_ = false;  // as it was told last
+  bool isIdle_ = false;  // as last reported
   std::uint32_t alarm_ = 0;
 };
 

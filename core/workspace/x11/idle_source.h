@@ -1,4 +1,4 @@
-// The absence of input on an X11 desktop.
+// Reports idle time on X11.
 
 #pragma once
 
@@ -10,16 +10,15 @@
 
 namespace tessum {
 
-// Each has a connection of its own to `display`, such as ":0", and once that is lost it tells
-// nothing more. `loop` and `clock` must outlive it. Main thread only.
+// Each has its own connection to `display`, such as ":0", and reports nothing more once that is
+// lost. `loop` and `clock` must outlive it. Main thread only.
 
-// Has the server count, and polls nothing. Null where the server does not count the time without
-// input.
+// Uses the server's idle counter and does not poll. Null when the server has no such counter.
 [[nodiscard]] std::unique_ptr<IdleSource> openX11IdleCounter(SystemMainLoop& loop,
                                                              const SteadyClock& clock,
                                                              const std::string& display);
 
-// Asks the screen saver every few seconds. Null where the server has none.
+// Polls the screen saver extension every few seconds. Null when the server does not have it.
 [[nodiscard]] std::unique_ptr<IdleSource> openX11IdlePoll(SystemMainLoop& loop,
                                                           const SteadyClock& clock,
                                                           const std::string& display);

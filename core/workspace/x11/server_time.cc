@@ -6,7 +6,7 @@
 namespace tessum {
 namespace {
 
-constexpr double kStamps = 4294967296.0;  // until they start again at 0
+constexpr double kStamps = 4294967296.0;  // the number of values before they wrap to 0
 constexpr double kMillisecondsPerSecond = 1000;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The time stamps of an X server as moments.
+// Converts an X server's time stamps to moments.
 
 #pragma once
 
@@ -9,19 +9,19 @@
 
 namespace tessum {
 
-// A server stamps its events with the milliseconds of a clock of its own, which starts anywhere,
-// stands still while the computer sleeps and starts again at 0 after 49.7 days. The event that came
-// in fastest shows how far that clock is behind ours. No moment is in the future or before one that
-// was given earlier. Not thread-safe.
+// A server stamps its events in milliseconds of its own clock, which starts at an arbitrary value,
+// stops while the computer sleeps and wraps to 0 after 49.7 days. The event that arrived fastest
+// shows the difference between that clock and ours. No moment is in the future or before one
+// returned earlier. Not thread-safe.
 class X11ServerTime {
  public:
   // `clock` must outlive this object.
   explicit X11ServerTime(const SteadyClock& clock) : clock_(clock) {}
 
-  // The present, for what comes without a stamp.
+  // The present, for events without a stamp.
   [[nodiscard]] Moment present();
 
-  // When the event was stamped that comes in now.
+  // The moment of an event that arrives now with `stamp`.
   [[nodiscard]] Moment ofEvent(std::uint32_t stamp);
 
  private:

@@ -1,4 +1,5 @@
-// The library's own way through this list, as of 1.15, starts each name two bytes late.
+// We parse the list ourselves because the library's iterator, as of 1.15, starts each name two
+// bytes late.
 
 #include "core/workspace/x11/system_counters.h"
 
@@ -8,8 +9,8 @@
 namespace tessum {
 namespace {
 
-// A counter is its number, its resolution in eight bytes, the length of its name in two, and the
-// name, filled up to a multiple of four bytes.
+// A counter is a 4-byte number, an 8-byte resolution, a 2-byte name length and the name, padded to
+// a multiple of four bytes.
 constexpr std::size_t kLengthPlace = 12;
 constexpr std::size_t kNamePlace = 14;
 

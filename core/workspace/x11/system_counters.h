@@ -1,4 +1,4 @@
-// The counters that an X server keeps itself.
+// The X server's own counters.
 
 #pragma once
 
@@ -8,8 +8,8 @@
 
 namespace tessum {
 
-// Finds the counter called `name` in the server's list of them, in this machine's byte order.
-// Absent when there is none, or the list breaks off before it. Any thread.
+// Finds the counter called `name` in the server's list, which is in this machine's byte order.
+// Absent when it is not there or the list is truncated before it. Any thread.
 [[nodiscard]] std::optional<std::uint32_t> counterNamed(std::string_view name,
                                                         std::string_view list);
 

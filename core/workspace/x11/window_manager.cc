@@ -26,8 +26,8 @@ bool X11WindowManager::takeIn(const X11Event& event) {
   return false;
 }
 
-// The root window and the manager's own belong to no application, and a window in front is
-// unwatched when it is left, which these two must not be.
+// The root window and the window manager's own window belong to no application. They must also stay
+// watched, while an active window is unwatched once another takes its place.
 std::uint32_t X11WindowManager::activeWindow() {
   const auto& atoms = connection_.atoms();
   const auto found = connection_.properties(connection_.rootWindow(),
@@ -40,7 +40,7 @@ std::uint32_t X11WindowManager::activeWindow() {
   return window;
 }
 
-// Some window managers have no window for this check; they live as long as they publish.
+// Some window managers have no check window; they count as running while they publish.
 void X11WindowManager::check(std::uint32_t window, bool publishesActiveWindow) {
   if (window == 0) {
     window_ = 0;

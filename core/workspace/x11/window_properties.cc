@@ -11,7 +11,7 @@
 namespace tessum {
 namespace {
 
-// The places of the properties among the names.
+// The index of each property in windowPropertyNames().
 enum Place : std::size_t {
   kNetName,
   kName,
@@ -23,7 +23,7 @@ enum Place : std::size_t {
   kPlaces,
 };
 
-// The text of a property; of several texts, which zero bytes end, the first.
+// The text of a property; the first if there are several, separated by zero bytes.
 std::optional<std::string> textOf(const std::optional<X11Property>& property,
                                   const X11Atoms& atoms) {
   if (!property || property->bitsPerItem != 8) return std::nullopt;
@@ -33,13 +33,13 @@ std::optional<std::string> textOf(const std::optional<X11Property>& property,
   return utf8FromLatin1(bytes);
 }
 
-// A name that is no longer than names may be; absent when it is empty.
+// The text cut to the longest name; absent when empty.
 std::optional<std::string> nameFrom(std::optional<std::string> text) {
   if (!text || text->empty()) return std::nullopt;
   return cutToLength(*std::move(text), kLongestName);
 }
 
-// The second text of WM_CLASS, which follows the zero byte of the first.
+// The second text of WM_CLASS, after the first one's zero byte.
 std::optional<std::string> secondTextOf(const std::optional<X11Property>& property) {
   if (!property || property->bitsPerItem != 8) return std::nullopt;
   const auto end = property->bytes.find('\0');

@@ -1,4 +1,4 @@
-// What the properties of an X11 window say.
+// Reads the properties of an X11 window.
 
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace tessum {
 
-// Everything that is asked of an active window.
+// Everything we query about an active window.
 struct X11Window {
   WindowDescription description;
   std::optional<std::string> title;  // never empty, at most kLongestTitle bytes
@@ -21,8 +21,8 @@ struct X11Window {
 // The names of the properties to ask for.
 [[nodiscard]] std::vector<std::uint32_t> windowPropertyNames(const X11Atoms& atoms);
 
-// Reads the properties of `window`, which come in the order of those names. They are another
-// program's and may hold anything; what cannot be read is absent. Any thread.
+// Reads the properties of `window`, given in the order of windowPropertyNames(). Another program
+// sets them and they may hold anything; what cannot be read is absent. Any thread.
 [[nodiscard]] X11Window readWindowProperties(std::uint32_t window, const X11Properties& properties,
                                              const X11Atoms& atoms);
 

@@ -60,30 +60,32 @@ struct FakeCompositor::Offers {
 
   static void makeCommonTimer(wl_client* client, wl_resource* notifier, std::uint32_t id,
                               std::uint32_t milliseconds, wl_resource*) {
-    static const struct ext_idle_notification_v1_interface kRequests{.destroy = destroy};
+    static const struct ext_idle_notification_v1_interface kRequests { .destroy = destroy };
     keepTimer(wl_resource_get_user_data(notifier),
               make(client, ext_idle_notification_v1_interface, 1, id), &kRequests, milliseconds,
               false);
   }
 
   static void bindCommon(wl_client* client, void* self, std::uint32_t version, std::uint32_t id) {
-    static const struct ext_idle_notifier_v1_interface kRequests{
-        .destroy = destroy, .get_idle_notification = makeCommonTimer};
+    static const struct ext_idle_notifier_v1_interface kRequests {
+      .destroy = destroy, .get_idle_notification = makeCommonTimer
+    };
     wl_resource_set_implementation(make(client, ext_idle_notifier_v1_interface, version, id),
                                    &kRequests, self, nullptr);
   }
 
   static void makeKWinTimer(wl_client* client, wl_resource* idle, std::uint32_t id, wl_resource*,
                             std::uint32_t milliseconds) {
-    static const struct org_kde_kwin_idle_timeout_interface kRequests{
-        .release = destroy, .simulate_user_activity = nullptr};
+    static const struct org_kde_kwin_idle_timeout_interface kRequests {
+      .release = destroy, .simulate_user_activity = nullptr
+    };
     keepTimer(wl_resource_get_user_data(idle),
               make(client, org_kde_kwin_idle_timeout_interface, 1, id), &kRequests, milliseconds,
               true);
   }
 
   static void bindKWin(wl_client* client, void* self, std::uint32_t version, std::uint32_t id) {
-    static const struct org_kde_kwin_idle_interface kRequests{.get_idle_timeout = makeKWinTimer};
+    static const struct org_kde_kwin_idle_interface kRequests { .get_idle_timeout = makeKWinTimer };
     wl_resource_set_implementation(make(client, org_kde_kwin_idle_interface, version, id),
                                    &kRequests, self, nullptr);
   }
@@ -137,19 +139,13 @@ void FakeCompositor::run(const std::function<void()>& task) {
 }
 
 void FakeCompositor::introduce(Window& window) {
-  window.resource = make(wl_resource_get_client(manager_),
-                         zwlr_foreign_toplevel_handle_v1_interface, 3, 0);
-  static const struct zwlr_foreign_toplevel_handle_v1_interface kRequests{
-      .set_maximized = nullptr,
-      .unset_maximized = nullptr,
-      .set_minimized = nullptr,
-      .unset_minimized = nullptr,
-      .activate = nullptr,
-      .close = nullptr,
-      .set_rectangle = nullptr,
-      .destroy = destroy,
-      .set_fullscreen = nullptr,
-      .unset_fullscreen = nullptr};
+  window.resource =
+      make(wl_resource_get_client(manager_), zwlr_foreign_toplevel_handle_v1_interface, 3, 0);
+  static const struct zwlr_foreign_toplevel_handle_v1_interface kRequests {
+    .set_maximized = nullptr, .unset_maximized = nullptr, .set_minimized = nullptr,
+    .unset_minimized = nullptr, .activate = nullptr, .close = nullptr, .set_rectangle = nullptr,
+    .destroy = destroy, .set_fullscreen = nullptr, .unset_fullscreen = nullptr
+  };
   wl_resource_set_implementation(window.resource, &kRequests, this, nullptr);
   zwlr_foreign_toplevel_manager_v1_send_toplevel(manager_, window.resource);
   for (const auto& event : window.history) event(window.resource);

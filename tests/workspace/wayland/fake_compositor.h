@@ -15,8 +15,8 @@
 
 namespace tessum {
 
-// It offers the windows of wlroots, and idleness in the way that it is asked for. It runs on a thread
-// of its own, as its client waits for it; XDG_RUNTIME_DIR leads to it while it lives.
+// It offers the windows of wlroots, and idleness in the way that it is asked for. It runs on a
+// thread of its own, as its client waits for it; XDG_RUNTIME_DIR leads to it while it lives.
 class FakeCompositor {
  public:
   static constexpr const char* kDisplay = "fake";

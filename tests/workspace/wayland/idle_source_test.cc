@@ -82,9 +82,9 @@ TEST(IdleSourceWaylandAlone, IsMissingWhereTheCompositorDoesNotTell) {
   const FakeCompositor compositor;
   SystemMainLoop loop;
   const SystemSteadyClock clock;
-  EXPECT_EQ(openWaylandIdleSource(
-                clock, WaylandConnection::open(loop, clock, FakeCompositor::kDisplay)),
-            nullptr);
+  EXPECT_EQ(
+      openWaylandIdleSource(clock, WaylandConnection::open(loop, clock, FakeCompositor::kDisplay)),
+      nullptr);
 }
 
 }  // namespace
