@@ -1,10 +1,9 @@
-// A connection to a message bus of D-Bus, over which programs of the desktop and of the system
-// talk.
+// A connection to a D-Bus message bus, over which desktop and system programs communicate.
 //
-// The main loop drives it and nothing waits: a bus that is missing, slow or silent costs nothing
-// but a look now and then. A connection that is lost is made again, after a second and then twice
-// as late each time, up to a minute. What was asked or subscribed on the old one is over by then;
-// users do it anew each time they are told of a connection, most simply through BusName.
+// The main loop drives it and it never blocks: a missing, slow or silent bus costs only an
+// occasional attempt to connect. A lost connection is retried after a second, then after twice as
+// long each time, up to a minute. Calls and subscriptions end with their connection; users make
+// them again each time they are notified of a connection, most simply through BusName.
 
 #pragma once
 
@@ -31,13 +30,13 @@ struct BusSlotRelease {
   void operator()(sd_bus_slot* slot) const;
 };
 
-// A call or a subscription under way. Without it the handler is not called any more; a handler may
-// drop its own. Null where there is no connection; it may outlive the bus.
+// A pending call or a subscription. Destroying it ensures that the handler is not called again; a
+// handler may destroy its own. Null when there is no connection; it may outlive the bus.
 using BusSlot = std::unique_ptr<sd_bus_slot, BusSlotRelease>;
 
 using BusArgument = std::variant<bool, std::uint32_t, std::uint64_t, std::string>;
 
-// A method to call. Its parts are names as D-Bus writes them.
+// A method to call. Its members are names in D-Bus syntax.
 struct BusCall {
   std::string destination;  // a unique name such as ":1.7", see BusName, or the bus itself
   std::string path;
@@ -46,7 +45,7 @@ struct BusCall {
   std::vector<BusArgument> arguments = {};
 };
 
-// The call that reads a property; the answer holds a BusVariant.
+// The call that reads a property; the reply holds a BusVariant.
 [[nodiscard]] BusCall busProperty(std::string destination, std::string path, std::string interface,
                                   std::string property);
 
@@ -63,23 +62,23 @@ struct BusSignal {
   std::string firstArgument = {};  // a text
 };
 
-// The destination and sender of what the bus itself answers and tells.
+// The bus's own name, as destination and sender.
 inline constexpr char kBusItself[] = "org.freedesktop.DBus";
 
 // One connection. Main thread only. None of the handlers may destroy it.
 class Bus {
  public:
-  // The bus of the user's session, or that of the whole computer. The environment says where each
-  // is: DBUS_SESSION_BUS_ADDRESS, or XDG_RUNTIME_DIR, and DBUS_SYSTEM_BUS_ADDRESS.
+  // The bus of the user's session, or that of the whole computer. The environment gives their
+  // addresses: DBUS_SESSION_BUS_ADDRESS or XDG_RUNTIME_DIR, and DBUS_SYSTEM_BUS_ADDRESS.
   enum class Kind { session, system };
 
   struct Timing {
-    double connectSeconds = 25;  // for a connection to be made; it is tried again afterwards
+    double connectSeconds = 25;  // time limit of an attempt; another one follows
     double firstRetrySeconds = 1;
     double longestRetrySeconds = 60;
   };
 
-  // Names one listener of one bus; never used twice.
+  // Identifies one listener of one bus; never reused.
   enum class ListenerToken : std::uint64_t {};
 
   struct Listener {  // each may be null
@@ -89,28 +88,28 @@ class Bus {
 
   using MessageHandler = std::function<void(const BusMessage&)>;
 
-  // Starts to connect. `loop` must outlive it. Without an address it never will.
+  // Starts to connect. `loop` must outlive it. Without an address it never connects.
   Bus(SystemMainLoop& loop, Kind kind) : Bus(loop, kind, Timing{}) {}
   Bus(SystemMainLoop& loop, Kind kind, Timing timing);
   ~Bus();
   Bus(const Bus&) = delete;
   Bus& operator=(const Bus&) = delete;
 
-  // Tells of each connection and its loss, from the loop, starting with the next one.
+  // Notifies `listener` of each connection and its loss, from the loop, starting with the next one.
   ListenerToken addListener(Listener listener);
 
-  // Ends that. A listener that has been removed is no error.
+  // Does nothing if the listener has already been removed.
   void removeListener(ListenerToken token);
 
   // Whether calls and subscriptions are possible.
   [[nodiscard]] bool isConnected() const { return isConnected_; }
 
-  // Calls a method. `onReply` is called once, with the answer or an error, unless the connection is
-  // lost before. There is no time limit: a program that hangs may answer once it goes on. No
-  // program is started for the call.
+  // Calls a method. `onReply` is called once, with the reply or an error, unless the connection is
+  // lost first. There is no time limit: a program that hangs may reply once it resumes. The call
+  // does not start a program.
   [[nodiscard]] BusSlot call(const BusCall& call, MessageHandler onReply);
 
-  // Calls `onSignal` for each such signal that is sent from now on.
+  // Calls `onSignal` for each matching signal from now on.
   [[nodiscard]] BusSlot subscribe(const BusSignal& signal, MessageHandler onSignal);
 
  private:
@@ -127,13 +126,14 @@ class Bus {
   void processMessages();
   void tell(std::function<void()> Listener::*event);
 
-  // Runs a handler. What it throws goes around the library, which is written in C, to rethrow().
+  // Runs a handler. An exception must not pass through the library, which is written in C, so it is
+  // stored for rethrow().
   void run(const std::function<void()>& task);
   void rethrow();
 
   [[nodiscard]] BusSlot adopt(int result, sd_bus_slot* slot, std::unique_ptr<Handler> handler);
 
-  // Has the loop wait for what the connection waits for.
+  // Makes the loop wait for what the connection waits for.
   void rearm();
   void processAt(std::uint64_t deadline);  // microseconds of the monotonic clock
   void disarm();
@@ -143,10 +143,10 @@ class Bus {
   const Timing timing_;
   std::unique_ptr<sd_bus, Release> bus_;  // null between two attempts
   bool isConnected_ = false;
-  bool hasFailed_ = false;  // the connection is of no use any more
+  bool hasFailed_ = false;  // the connection is no longer usable
   bool isRunningHandler_ = false;
   std::exception_ptr thrown_;  // by a handler
-  double retrySeconds_;        // how long to wait after the next loss
+  double retrySeconds_;        // the delay after the next loss
   SteadyTime connectedAt_;
   int watched_ = -1;  // the descriptor of watch_
   std::optional<SystemMainLoop::WatchToken> watch_;

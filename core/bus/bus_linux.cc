@@ -35,7 +35,7 @@ double secondsUntil(std::uint64_t deadline) {
   return std::max(rest.count(), 0.0);
 }
 
-// In no value is a character that would need quoting.
+// No value contains a character that needs quoting.
 void appendCondition(std::string& rule, const char* key, const std::string& value) {
   if (!value.empty()) rule += std::string(",") + key + "='" + value + "'";
 }
@@ -74,14 +74,14 @@ using Message = std::unique_ptr<sd_bus_message, MessageRelease>;
 
 }  // namespace
 
-// What a slot calls; it goes with the slot.
+// A slot's handler; it is destroyed with the slot.
 struct Bus::Handler {
   Bus& bus;
-  std::string sender;  // empty for the answer to a call, which can be no other's
+  std::string sender;  // empty for a reply, which can only come from the callee
   MessageHandler handle;
 
-  // A message that another program has addressed to this one may look like a signal that was
-  // subscribed. Only the bus sets the sender.
+  // Another program can send this one a message that looks like a subscribed signal, but only the
+  // bus sets the sender.
   static int onMessage(sd_bus_message* message, void* self, sd_bus_error*) {
     const Handler& handler = *static_cast<Handler*>(self);
     const char* sender = sd_bus_message_get_sender(message);
@@ -156,7 +156,7 @@ BusSlot Bus::call(const BusCall& call, MessageHandler onReply) {
   return adopt(result, slot, std::move(handler));
 }
 
-// A bus that refuses a subscription, or leaves it without an answer, is left by the library.
+// The library disconnects from a bus that refuses a subscription or does not reply to it.
 BusSlot Bus::subscribe(const BusSignal& signal, MessageHandler onSignal) {
   if (!isConnected_) return nullptr;
   auto handler = std::make_unique<Handler>(Handler{*this, signal.sender, std::move(onSignal)});
@@ -218,7 +218,7 @@ void Bus::process() {
 
 void Bus::processMessages() {
   for (int i = 0; i < kMessagesPerTurn && !thrown_ && !hasFailed_; ++i) {
-    // A connection that is about to close answers all calls by itself.
+    // A closing connection fails all calls by itself.
     if (sd_bus_is_open(bus_.get()) <= 0) return;
     const int result = sd_bus_process(bus_.get(), nullptr);
     if (result < 0) hasFailed_ = true;
@@ -232,7 +232,7 @@ void Bus::processMessages() {
   }
 }
 
-// A listener may add and remove others, so each is looked up when its turn comes.
+// A listener may add and remove others, so each is looked up just before it is called.
 void Bus::tell(std::function<void()> Listener::*event) {
   std::vector<ListenerToken> tokens;
   for (const auto& [token, listener] : listeners_) tokens.push_back(token);
@@ -262,7 +262,7 @@ void Bus::rearm() {
   if (hasFailed_) return processAt(0);
   const int descriptor = sd_bus_get_fd(bus_.get());
   const auto readiness = readinessFor(sd_bus_get_events(bus_.get()));
-  // Of several addresses each has a descriptor of its own.
+  // When the bus has several addresses, each uses a different descriptor.
   if (watch_ && watched_ == descriptor) {
     loop_.setReadiness(*watch_, readiness);
   } else {

@@ -1,6 +1,6 @@
-// What a message of the bus holds, as values of C++.
+// Reads the values in a message of the bus.
 //
-// A C++ type stands for each type of D-Bus:
+// Each D-Bus type corresponds to a C++ type:
 //
 //   bool                 b        std::vector<T>         aT
 //   std::uint32_t        u        std::tuple<T, U...>    (TU...)
@@ -35,7 +35,7 @@ struct BusObjectPath {
   friend bool operator==(const BusObjectPath&, const BusObjectPath&) = default;
 };
 
-// A value whose type only the message tells. One with another type than T is not read.
+// A variant. It is not read unless its type is T.
 template <typename T>
 struct BusVariant {
   T value{};
@@ -60,14 +60,14 @@ template <typename T>
 // A message that has come in. It is valid while the handler that gets it runs. Main thread only.
 class BusMessage {
  public:
-  // `message` stays the caller's.
+  // The caller keeps ownership of `message`.
   explicit BusMessage(sd_bus_message* message) : message_(message) {}
 
-  // Whether it says that a call has failed.
+  // Whether it reports that a call has failed.
   [[nodiscard]] bool isError() const;
 
-  // All that the message holds. Absent when that is not exactly of these types, or the message is
-  // an error. It may be read any number of times.
+  // All values of the message. Absent when their types differ from these, or the message is an
+  // error. May be called any number of times.
   template <typename... Values>
   [[nodiscard]] std::optional<std::tuple<Values...>> read() const {
     std::tuple<Values...> values;
@@ -76,7 +76,7 @@ class BusMessage {
     return values;
   }
 
-  // The same for a message that holds one value.
+  // As above, for a message with one value.
   template <typename Value>
   [[nodiscard]] std::optional<Value> readOne() const {
     auto values = read<Value>();
@@ -109,10 +109,10 @@ class BusMessage {
     return "(" + (signatureOf(Type<Ts>()) + ...) + ")";
   }
 
-  // Goes to the start of what the message holds, if that has this signature.
+  // Goes to the first value, if the message has this signature.
   [[nodiscard]] bool begin(const std::string& signature) const;
 
-  // Each takes the next value: false when there is none of that type.
+  // Each reads the next value; false when it does not have that type.
   [[nodiscard]] bool take(bool& value) const;
   [[nodiscard]] bool take(std::uint32_t& value) const;
   [[nodiscard]] bool take(std::uint64_t& value) const;
@@ -149,11 +149,11 @@ class BusMessage {
     return std::apply([&](auto&... value) { return (take(value) && ...); }, values);
   }
 
-  // Goes into a container of that kind, and out behind it.
+  // Enters a container of that kind, and leaves it.
   [[nodiscard]] bool enter(char kind, const std::string& contents) const;
   [[nodiscard]] bool leave() const;
 
-  // Whether the container has no more values, or cannot be read any further.
+  // Whether the container has no more values or cannot be read further.
   [[nodiscard]] bool isAtEnd() const;
 
   [[nodiscard]] bool takeText(char type, std::string& text) const;

@@ -1,8 +1,8 @@
-// Who has a well-known name of a bus.
+// Follows the owner of a well-known name on a bus.
 //
-// A service of the desktop is known by a name that programs take and give up. What is asked of a
-// service, and subscribed, begins with the program that has the name now and ends with it: with its
-// end, its successor or the loss of the bus.
+// A desktop service has a well-known name that programs acquire and release. Calls and
+// subscriptions are addressed to the current owner, and end when it exits, a successor takes the
+// name, or the bus is lost.
 
 #pragma once
 
@@ -16,12 +16,12 @@ namespace tessum {
 // Follows one name. Main thread only. The handler must not destroy it.
 class BusName {
  public:
-  // Gets the unique name of the program that has the name, such as ":1.7", or an empty text when
-  // nobody has it or the bus is lost. Called for each change, from the loop; at first nobody has
-  // it. A successor is told in one call, without an empty text before it.
+  // Receives the owner's unique name, such as ":1.7", or an empty text when there is no owner or
+  // the bus is lost. Called from the loop for each change; there is no owner at first. A successor
+  // is reported in one call, without an empty text before it.
   using OwnerHandler = std::function<void(const std::string& owner)>;
 
-  // `bus` must outlive it. Nobody is made to start by it.
+  // `bus` must outlive it. Does not start the service.
   BusName(Bus& bus, std::string name, OwnerHandler onOwner);
   ~BusName();
   BusName(const BusName&) = delete;

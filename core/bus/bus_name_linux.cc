@@ -22,7 +22,7 @@ BusName::~BusName() {
   bus_.removeListener(listener_);
 }
 
-// Changes are subscribed first: none is missed between the answer and the first of them.
+// Subscribes to changes first, so that none is missed before the reply.
 void BusName::ask() {
   changes_ = bus_.subscribe({.sender = kBusItself,
                              .path = kPath,

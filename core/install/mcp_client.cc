@@ -7,11 +7,11 @@ namespace tessum {
 struct MCPClient::Entry {
   std::string_view rawValue;
   bool prefersStdio;
-  std::string_view configSuffix;  // behind the home folder
+  std::string_view configSuffix;  // below the home folder
 };
 
 const MCPClient::Entry& MCPClient::entry() const {
-  // In the order of the cases. That of Continue cannot have its name, which is a keyword.
+  // In the order of the enumerators. Continue's has another name because "continue" is a keyword.
   static constexpr std::array<Entry, 4> kEntries{{
       {"Claude Desktop", true, "/Library/Application Support/Claude/claude_desktop_config.json"},
       {"Cursor", false, "/.cursor/mcp.json"},

@@ -13,7 +13,7 @@
 
 namespace tessum {
 
-// One application of the catalogue, which is closed. Immutable.
+// One application of the fixed catalogue. Immutable.
 class MCPClient {
  public:
   enum class Case { claudeDesktop, cursor, windsurf, continueApp };
@@ -24,19 +24,19 @@ class MCPClient {
   // The application of that raw value, compared exactly; absent for any other text.
   [[nodiscard]] static std::optional<MCPClient> fromRawValue(std::string_view rawValue);
 
-  // Every application, in the order in which a list shows them.
+  // Every application, in display order.
   [[nodiscard]] static const std::array<MCPClient, 4>& allCases();
 
-  // The application's name for programs, and the one to show to people.
+  // The application's name for programs, and its display name.
   [[nodiscard]] std::string_view rawValue() const;
   [[nodiscard]] std::string_view displayName() const;
 
-  // Whether the application is to start the stdio server rather than be given the URL of the HTTP
+  // Whether the application should start the stdio server rather than use the URL of the HTTP
   // endpoint.
   [[nodiscard]] bool prefersStdio() const;
 
-  // The absolute path of the application's configuration file, whether it exists or not. It is
-  // worked out at each call.
+  // The absolute path of the application's configuration file, whether or not it exists. Computed
+  // at each call.
   [[nodiscard]] std::string configPath(const Locations& locations) const;
 
   friend bool operator==(const MCPClient&, const MCPClient&) = default;

@@ -20,7 +20,7 @@ constexpr std::string_view kUsualStdioBinaryPath =
 
 using Object = MCPInstaller::Object;
 
-// The servers that `config` names; none when "mcpServers" is missing or not an object.
+// The servers in `config`; null when "mcpServers" is missing or not an object.
 const Object* serversOf(const Object& config) {
   const auto member = config.find(kServers);
   return member == config.end() ? nullptr : member->second.object();
@@ -105,7 +105,7 @@ std::optional<Object> MCPInstaller::readConfig(const std::string& path) const {
     const json::Value config = json::parse(files_->read(path));
     if (const Object* object = config.object()) return *object;
   } catch (const std::system_error&) {
-    // To all that ask, a file that cannot be read is one that holds no object.
+    // To all callers, a file that cannot be read is one without an object.
   } catch (const json::DecodingError&) {
   }
   return std::nullopt;

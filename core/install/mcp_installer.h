@@ -5,8 +5,8 @@
 //   {"args": [], "command": "/usr/bin/TessumMCP"}
 // or names the HTTP endpoint,
 //   {"url": "http://localhost:7384/mcp"}
-// and an entry takes the whole place of an older one. Every other value is written back as it was
-// read, numbers with the very digits they had; only white space and the order of keys change.
+// and replaces an older entry as a whole. Every other value is written back as it was read, numbers
+// digit for digit; only white space and the order of keys change.
 
 #pragma once
 
@@ -21,7 +21,7 @@
 
 namespace tessum {
 
-// Immutable. Two writers of one file are not coordinated: the last to write wins.
+// Immutable. Two concurrent writers of one file are not coordinated: the last one wins.
 class MCPInstaller {
  public:
   using Object = json::Value::Object;
@@ -32,33 +32,32 @@ class MCPInstaller {
 
   [[nodiscard]] const std::string& serverURL() const { return serverURL_; }
 
-  // The path of the stdio server: the one beside the running program where there is one, else
-  // that of the application's usual place, whether or not anything is there.
+  // The path of the stdio server: the one beside the running program if it exists, else that in the
+  // application's usual location, whether or not it exists.
   [[nodiscard]] std::string stdioBinaryPath() const;
 
   ////////////////////////////////////////////////////////////////////////////////////////////
   // Configuration files, by application or by path.
 
-  // Whether the file holds our entry. A file that cannot be read, or is not a JSON object, holds
-  // none.
+  // Whether the file holds our entry. False for a file that cannot be read or is not a JSON object.
   [[nodiscard]] bool isInstalled(MCPClient client) const;
   [[nodiscard]] bool isInstalledAtPath(const std::string& path) const;
 
-  // Writes our entry, in the form that the application prefers or the one asked for. A missing
-  // file is created with its folders; one that cannot be read, or is not a JSON object, is
-  // replaced by the entry alone. Throws std::system_error when the file cannot be written, which
-  // leaves it as it was.
+  // Writes our entry, in the form that the application prefers or in the requested one. A missing
+  // file is created with its folders; one that cannot be read or is not a JSON object is replaced
+  // by the entry alone. Throws std::system_error when the file cannot be written, and then leaves
+  // it unchanged.
   void install(MCPClient client) const;
   void installToPath(const std::string& path, bool useStdio) const;
 
-  // Removes our entry. The object around it stays, and is put there where it was missing: the
-  // file is written also when it held no entry. A file that cannot be read, or is not a JSON
-  // object, is left alone. Throws as installing does.
+  // Removes our entry. The object around it stays, and is added where it was missing, so the file
+  // is written even when it held no entry. A file that cannot be read or is not a JSON object is
+  // left alone. Throws as installing does.
   void uninstall(MCPClient client) const;
   void uninstallFromPath(const std::string& path) const;
 
   ////////////////////////////////////////////////////////////////////////////////////////////
-  // The parts of the above, on the object that a file holds.
+  // The same operations on a file's object.
 
   // Whether "mcpServers" is an object with a "tessum" of any kind, null included.
   [[nodiscard]] static bool hasTessumEntry(const Object& config);
@@ -70,8 +69,7 @@ class MCPInstaller {
   // `config` without our entry, and with an "mcpServers" object, empty where it was not one.
   [[nodiscard]] static Object removeTessumEntry(Object config);
 
-  // Makes `config` the content of the file at `path`, whose folders are created. Throws
-  // std::system_error.
+  // Writes `config` to the file at `path` and creates its folders. Throws std::system_error.
   void writeConfig(const Object& config, const std::string& path) const;
 
  private:

@@ -1,4 +1,4 @@
-// Tells when a file has changed.
+// Reports when a file has changed.
 
 #pragma once
 
@@ -10,14 +10,14 @@
 
 namespace tessum {
 
-// Watches the file's folder and, where the file is a symbolic link, the folder of the file that it
-// points at: an editor may write to a file or put another in its place. Main thread only.
+// Watches the file's folder and, if the file is a symbolic link, its target's folder: an editor may
+// write to a file or replace it. Main thread only.
 class FileWatcher {
  public:
-  // Calls `onChange` from `loop` when the file at the absolute path `path` may have been made,
-  // written, replaced or removed; often more than once for one change. The file need not exist. Its
-  // folder must: the watch ends when that is removed or moved. Throws std::system_error when the
-  // folder cannot be watched. `loop` must outlive the object.
+  // Calls `onChange` from `loop` when the file at the absolute path `path` may have been created,
+  // written, replaced or removed; often more than once for one change. The file need not exist, but
+  // its folder must: the watch ends when the folder is removed or moved. Throws std::system_error
+  // when the folder cannot be watched. `loop` must outlive the object.
   FileWatcher(MainLoop& loop, const std::string& path, std::function<void()> onChange);
   ~FileWatcher();
   FileWatcher(const FileWatcher&) = delete;

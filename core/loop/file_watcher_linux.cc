@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file that is being written has changed once its writer closes it.
+// A write counts once the writer closes the file.
 constexpr std::uint32_t kEvents =
     IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ONLYDIR;
 
@@ -50,7 +50,7 @@ struct FileWatcher::State {
   State(const State&) = delete;
   State& operator=(const State&) = delete;
 
-  // Watches the folder of `file` for its name. False, with errno set, where that cannot be done.
+  // Watches the folder of `file` for its name. False, with errno set, when that fails.
   bool watch(const fs::path& file) {
     const int folder = inotify_add_watch(inotify.number(), file.parent_path().c_str(), kEvents);
     if (folder < 0) return false;
@@ -58,8 +58,8 @@ struct FileWatcher::State {
     return true;
   }
 
-  // The file that a link points at may be another than before. One that cannot be watched is not
-  // there, or not the user's.
+  // The link's target may have changed. A folder that cannot be watched does not exist or belongs
+  // to another user.
   void watchTarget() {
     std::error_code error;
     const fs::path target = fs::canonical(path, error);
@@ -81,11 +81,11 @@ struct FileWatcher::State {
     }
     if (!hasChanged) return;
     watchTarget();
-    const auto handler = onChange;  // which may end this watcher
+    const auto handler = onChange;  // it may destroy this watcher
     handler();
   }
 
-  // Events that did not fit are taken for one of the file.
+  // An overflow of the event queue counts as a change of the file.
   [[nodiscard]] bool isOfFile(const inotify_event& event, const char* name) const {
     if ((event.mask & IN_Q_OVERFLOW) != 0) return true;
     const auto found = names.find(event.wd);
@@ -96,7 +96,7 @@ struct FileWatcher::State {
   const fs::path path;
   const std::function<void()> onChange;
   const Descriptor inotify;
-  std::map<int, std::set<std::string>> names;  // in each watched folder
+  std::map<int, std::set<std::string>> names;  // by watched folder
   MainLoop::WatchToken token{};
 };
 

@@ -1,5 +1,5 @@
-// A folder's vnode tells of files that come, go and take another's name; a file's own vnode of what
-// is written to it. So both are watched, and the file anew after each event.
+// A folder's vnode reports files that are added, removed and renamed; a file's own vnode reports
+// writes. So we watch both, and open the file again after each event.
 
 #include <fcntl.h>
 #include <sys/event.h>
@@ -45,8 +45,8 @@ struct FileWatcher::State {
   State(const State&) = delete;
   State& operator=(const State&) = delete;
 
-  // Watches what lies at `watched` until its descriptor is closed. False, with errno set, where
-  // that cannot be done.
+  // Watches the file or folder at `watched` until its descriptor is closed. False, with errno set,
+  // when that fails.
   bool watch(const fs::path& watched) {
     Descriptor descriptor(open(watched.c_str(), O_EVTONLY | O_CLOEXEC));
     if (descriptor.number() < 0) return false;
@@ -59,8 +59,8 @@ struct FileWatcher::State {
     return true;
   }
 
-  // The file itself and, where it is a link, the folder of the file that it points at. What cannot
-  // be watched is not there, or not the user's.
+  // The file itself and, if it is a link, its target's folder. What cannot be watched does not
+  // exist or belongs to another user.
   void watchFile() {
     opened.erase(opened.begin() + 1, opened.end());
     std::error_code error;
@@ -77,7 +77,7 @@ struct FileWatcher::State {
     while (kevent(queue.number(), nullptr, 0, &event, 1, &atOnce) > 0) hasChanged = true;
     if (!hasChanged) return;
     watchFile();
-    const auto handler = onChange;  // which may end this watcher
+    const auto handler = onChange;  // it may destroy this watcher
     handler();
   }
 

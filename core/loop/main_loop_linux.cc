@@ -1,5 +1,5 @@
 // The main loop over poll(): it sleeps until the next timer is due or a watched descriptor is
-// ready, one of which is an eventfd that other threads write to. Nothing else wakes it.
+// ready. One of those is an eventfd that other threads write to. Nothing else wakes it.
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -26,7 +26,7 @@ namespace {
 using SteadyClock = std::chrono::steady_clock;
 
 struct Timer {
-  std::optional<SteadyClock::duration> interval;  // absent where it runs once
+  std::optional<SteadyClock::duration> interval;  // absent when it runs once
   SteadyClock::time_point due;
   MainLoop::Task task;
 };
@@ -77,7 +77,7 @@ struct SystemMainLoop::State {
 
   void wake() { eventfd_write(wakeUp.number(), 1); }
 
-  // Rounded up: a loop that wakes too early would turn without anything to do.
+  // Rounded up: a loop that wakes too early would spin until the timer is due.
   [[nodiscard]] int millisecondsToNextTimer() const {
     if (timers.empty()) return -1;
     auto due = SteadyClock::time_point::max();
@@ -86,7 +86,7 @@ struct SystemMainLoop::State {
     return static_cast<int>(std::clamp<std::int64_t>(wait.count(), 0, INT_MAX));
   }
 
-  // The watches whose descriptors have something, after waiting for that, a timer or a wake-up.
+  // Waits for a descriptor, a timer or a wake-up; returns the watches whose descriptors are ready.
   std::vector<WatchToken> wait() {
     std::vector<pollfd> descriptors{{wakeUp.number(), POLLIN, 0}};
     std::vector<WatchToken> tokens;
@@ -110,8 +110,8 @@ struct SystemMainLoop::State {
     return ready;
   }
 
-  // Tasks, timers and watches may end any timer or watch, their own too, so each is looked up
-  // when its turn comes and copied before it runs.
+  // Tasks may end any timer or watch, including their own, so each is looked up just before it
+  // runs, and its task is copied.
 
   void runPosted() {
     std::deque<Task> tasks;

@@ -16,7 +16,7 @@ namespace {
 
 using Task = MainLoop::Task;
 
-// A task on its way to the main queue, and the loop that it belongs to.
+// A task posted to the main queue, and its loop.
 struct PostedTask {
   std::weak_ptr<void> loop;
   Task task;
@@ -34,7 +34,7 @@ struct TimerEnder {
   }
 };
 
-// A task is shared so that it outlives its own end while it runs.
+// Shared so that a task that ends its own timer stays alive while it runs.
 struct Timer {
   std::shared_ptr<const Task> task;
   std::unique_ptr<std::remove_pointer_t<CFRunLoopTimerRef>, TimerEnder> timer;
@@ -45,7 +45,7 @@ void runTimer(CFRunLoopTimerRef, void* info) {
   (*task)();
 }
 
-// `timer` must stay where it is.
+// `timer` must not move.
 void addTimer(Timer& timer, double seconds, CFTimeInterval interval, Task task) {
   timer.task = std::make_shared<const Task>(std::move(task));
   CFRunLoopTimerContext context{0, &timer, nullptr, nullptr, nullptr};
@@ -54,8 +54,8 @@ void addTimer(Timer& timer, double seconds, CFTimeInterval interval, Task task) 
   CFRunLoopAddTimer(CFRunLoopGetMain(), timer.timer.get(), kCFRunLoopDefaultMode);
 }
 
-// A cancelled source runs its handler no more, as both happen on the main thread. What the handler
-// uses goes with the source.
+// A cancelled source does not run its handler again, because both happen on the main thread. The
+// handler's data is destroyed with the source.
 struct SourceEnder {
   void operator()(dispatch_source_t source) const {
     dispatch_source_cancel(source);
@@ -88,7 +88,7 @@ Source makeSource(dispatch_source_type_t type, int descriptor,
 struct Watch {
   int descriptor;
   std::shared_ptr<const Task> task;
-  Source reading;  // null where the watch does not wait for it
+  Source reading;  // null when the watch does not wait for it
   Source writing;
 };
 
@@ -107,7 +107,7 @@ void wait(Watch& watch, SystemMainLoop::Readiness readiness) {
 }  // namespace
 
 struct SystemMainLoop::State {
-  std::map<TimerToken, Timer> timers;  // a map's elements stay where they are
+  std::map<TimerToken, Timer> timers;  // a map's elements do not move
   std::map<WatchToken, Watch> watches;
   std::uint64_t lastToken = 0;
 };

@@ -16,7 +16,7 @@ struct ThreadQueue::State {
   std::thread thread;
   bool isClosing = false;
 
-  // The next task, as soon as there is one; absent when there will be none.
+  // Waits for the next task; absent when there will be none.
   std::optional<Task> next() {
     std::unique_lock lock(mutex);
     changed.wait(lock, [this] { return isClosing || !tasks.empty(); });
@@ -36,7 +36,7 @@ ThreadQueue::~ThreadQueue() {
     state_->isClosing = true;
   }
   state_->changed.notify_one();
-  std::thread& thread = state_->thread;  // no longer replaced, as nobody else may post now
+  std::thread& thread = state_->thread;  // no longer replaced: nobody else may post now
   if (!thread.joinable()) return;
   if (thread.get_id() == std::this_thread::get_id()) {
     thread.detach();

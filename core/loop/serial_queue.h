@@ -14,19 +14,19 @@ class SerialQueue {
 
   virtual ~SerialQueue() = default;
 
-  // The name the queue was made with.
+  // The queue's name, as given to the constructor.
   [[nodiscard]] virtual const std::string& label() const = 0;
 
-  // Runs `task` on the queue after all that were posted before it. Any thread.
+  // Runs `task` on the queue after all tasks posted before it. Any thread.
   virtual void post(Task task) = 0;
 
   // Whether the caller runs on this queue.
   [[nodiscard]] virtual bool isCurrent() const = 0;
 };
 
-// A queue on a thread of its own, which is made for the first task. Every posted task runs:
-// destroying the queue waits for those that are left. Destroyed by one of its own tasks, it does
-// not wait, and they run afterwards.
+// A queue on its own thread, which starts with the first task. Every posted task runs: the
+// destructor waits for the remaining ones. If one of its own tasks destroys the queue, it does not
+// wait and they run afterwards.
 class ThreadQueue final : public SerialQueue {
  public:
   explicit ThreadQueue(std::string label);
@@ -36,7 +36,7 @@ class ThreadQueue final : public SerialQueue {
 
   [[nodiscard]] const std::string& label() const override { return label_; }
 
-  // Throws std::system_error when the system gives no thread; the task is then not posted.
+  // Throws std::system_error when the thread cannot be started; the task is then not posted.
   void post(Task task) override;
 
   [[nodiscard]] bool isCurrent() const override;

@@ -9,14 +9,14 @@
 
 namespace tessum {
 
-// Belongs to main(); made, run and destroyed on the main thread. One per process.
+// Owned by main(); created, run and destroyed on the main thread. One per process.
 class SystemMainLoop final : public MainLoop {
  public:
-  // What a watch waits for. A descriptor that its peer has closed, or that has an error, is ready
+  // What a watch waits for. A descriptor whose peer has closed it, or that has an error, is ready
   // for both.
   enum class Readiness { readable, writable, readableOrWritable };
 
-  // Throws std::system_error when the system has no descriptors left.
+  // Throws std::system_error when no descriptor is available.
   SystemMainLoop();
   ~SystemMainLoop() override;
   SystemMainLoop(const SystemMainLoop&) = delete;
@@ -31,17 +31,17 @@ class SystemMainLoop final : public MainLoop {
   }
   void unwatch(WatchToken token) override;
 
-  // Runs `task` whenever `descriptor` is ready. The descriptor stays the caller's and must stay
-  // open until it is unwatched. Main thread only.
+  // Runs `task` whenever `descriptor` is ready. The caller keeps ownership of the descriptor and
+  // must keep it open until it is unwatched. Main thread only.
   WatchToken watch(int descriptor, Readiness readiness, Task task);
 
-  // Changes what a watch waits for. A watch that has ended is no error. Main thread only.
+  // Changes what a watch waits for. Does nothing if the watch has ended. Main thread only.
   void setReadiness(WatchToken token, Readiness readiness);
 
   // Runs tasks, timers and watches until quit(). Main thread only.
   void run();
 
-  // Lets run() return once the task under way is done; called before run(), it lets the next one
+  // Makes run() return once the current task is done; if called before run(), makes the next run()
   // return at once. Any thread.
   void quit();
 

@@ -1,4 +1,4 @@
-// The wish of the user or the system that the program should end.
+// Requests by the user or the system to end the program.
 
 #pragma once
 
@@ -15,8 +15,8 @@ namespace tessum {
 // a time. Main thread only.
 class TerminationSignals {
  public:
-  // `task` runs on `loop`, which must outlive this object, once for one or more signals. Throws
-  // std::system_error when the system has no descriptors left.
+  // Runs `task` on `loop`, which must outlive this object, once for one or more signals. Throws
+  // std::system_error when no descriptor is available.
   TerminationSignals(SystemMainLoop& loop, std::function<void()> task);
 
   // Gives the signals the effect again that they had before.

@@ -1,7 +1,7 @@
-// Signals reach the main loop through a pipe. A signal handler has a program-wide effect and takes
-// no argument, so the end it writes to is the one global variable of the program. The alternative,
-// signals blocked and read as a descriptor, would hand the blocked signals on to every program
-// started from here.
+// Signals reach the main loop through a pipe. A signal handler is process-wide and takes no context
+// argument, so the pipe's write end is the program's only global variable. The alternative,
+// blocking the signals and reading them from a descriptor, would make every child process inherit
+// the blocked signals.
 
 #include "core/loop/termination_signals.h"
 
@@ -27,7 +27,7 @@ static_assert(std::atomic<int>::is_always_lock_free, "it is used in a signal han
 void noteSignal(int) {
   const int savedError = errno;
   const char byte = 0;
-  // A full pipe already says what there is to say.
+  // A full pipe already wakes the loop.
   static_cast<void>(write(signalPipe, &byte, 1) + 1);
   errno = savedError;
 }

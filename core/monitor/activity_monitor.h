@@ -1,4 +1,4 @@
-// Turns what the user has in front into sessions of the store.
+// Turns what the user has in front into sessions in the store.
 
 #pragma once
 
@@ -15,12 +15,12 @@
 namespace tessum {
 
 // Each activation ends the open session and begins one for the application that became active; a
-// poll every 5 seconds writes the title of the focused window into it. A store that fails is not
-// reported: what could not be written is missing. Belongs to the program that records. Main
+// poll every 5 seconds writes the title of the focused window into it. Failures of the store are
+// not reported; what could not be written is missing. Owned by the program that records. Main
 // thread only.
 class ActivityMonitor {
  public:
-  // Starts nothing. The monitor shares `database`; the rest must outlive it.
+  // Does not start recording. The monitor shares `database`; the other arguments must outlive it.
   ActivityMonitor(std::shared_ptr<SessionWriter> database, const Clock& clock, Workspace& workspace,
                   MainLoop& loop);
 
@@ -29,12 +29,12 @@ class ActivityMonitor {
   ActivityMonitor(const ActivityMonitor&) = delete;
   ActivityMonitor& operator=(const ActivityMonitor&) = delete;
 
-  // Begins to record, with the application that is in front now. Meant to be called once for each
-  // stop(): a second call records everything twice, and what the first one registered then goes on
-  // until the workspace and the loop are gone.
+  // Starts recording with the application that is in front now. Call it once for each stop(): a
+  // second call records everything twice, and the first call's registrations then last until the
+  // workspace and the loop are destroyed.
   void start();
 
-  // Ends recording and closes the open session. Nothing happens when nothing is recorded.
+  // Stops recording and ends the open session. Does nothing when not recording.
   void stop();
 
  private:
@@ -47,13 +47,14 @@ class ActivityMonitor {
   std::optional<std::int64_t> currentActivityID_;  // the open session
   std::optional<Workspace::ObserverToken> observer_;
   std::optional<MainLoop::TimerToken> titlePollTimer_;
-  std::optional<std::string> lastTitle_;  // what the poll saw last
+  std::optional<std::string> lastTitle_;  // the title at the last poll
 
   const Clock& clock_;
   Workspace& workspace_;
   MainLoop& loop_;
 
-  // What is registered holds this weakly: once it is gone, so is the monitor.
+  // Registered handlers hold a weak pointer to this, so that they do nothing once the monitor is
+  // gone.
   const std::shared_ptr<ActivityMonitor*> self_;
 };
 

@@ -1,6 +1,6 @@
 // The presence of the user who has started the program.
 //
-// On Linux these are seen:
+// On Linux it uses:
 //
 //   locked      logind's LockedHint, and another session in front; the ActiveChanged of
 //               org.freedesktop.ScreenSaver and of the screen savers of GNOME, Cinnamon, MATE and
@@ -12,11 +12,11 @@
 //               management. A call of org.freedesktop.ScreenSaver.Inhibit is seen where the desktop
 //               passes it on to one of these, as GNOME and KDE do.
 //
-// Not seen are a screen locker that tells none of these, and what keeps the screen awake by way of
-// the window system: the idle-inhibit protocol of Wayland where the compositor keeps that to
-// itself, XScreenSaverSuspend, and programs that pretend to be input.
+// It does not see a screen locker that notifies none of these, nor programs that keep the screen on
+// through the window system: Wayland's idle-inhibit protocol where the compositor does not forward
+// it, XScreenSaverSuspend, and programs that simulate input.
 //
-// On macOS the lock and the computer's sleep are seen, from the first change on.
+// On macOS it sees the lock and the computer's sleep, from the first change on.
 
 #pragma once
 
@@ -28,8 +28,9 @@
 
 namespace tessum {
 
-// A source driven by `loop`; both arguments must outlive it. Where the system tells nothing it is
-// silent, and where a service comes later it is found. Throws nothing. Main thread only.
+// Creates a source driven by `loop`; both arguments must outlive it. Where the system reports
+// nothing, it calls no handler; it finds services that start later. Throws nothing. Main thread
+// only.
 [[nodiscard]] std::unique_ptr<PresenceSource> openSystemPresence(SystemMainLoop& loop,
                                                                  const SteadyClock& clock);
 

@@ -11,7 +11,7 @@ bool comesBefore(const AwakeReason& a, const AwakeReason& b) {
   return std::tie(a.who, a.why) < std::tie(b.who, b.why);
 }
 
-// `text` is UTF-8 and stays so.
+// `text` is valid UTF-8, and so is the result.
 void shorten(std::string& text) {
   if (text.size() <= AwakeReasons::kLongestText) return;
   std::size_t end = AwakeReasons::kLongestText;

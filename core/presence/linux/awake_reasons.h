@@ -1,4 +1,4 @@
-// What keeps the screen on, of several that list it.
+// Merges the lists of several services that know what keeps the screen on.
 
 #pragma once
 
@@ -11,20 +11,20 @@
 
 namespace tessum {
 
-// What one service lists, each time that it may have changed.
+// Receives one service's list each time it may have changed.
 using AwakeReasonsHandler = std::function<void(std::vector<AwakeReason> reasons)>;
 
 // Main thread only.
 class AwakeReasons {
  public:
-  // As many reasons are told, of so many bytes for each text.
+  // The most reasons that are reported, and the most bytes of each text.
   static constexpr std::size_t kMost = 32;
   static constexpr std::size_t kLongestText = 200;
 
-  // Tells all reasons whenever they change. There are none at first.
+  // Reports all reasons whenever they change. There are none at first.
   explicit AwakeReasons(std::function<void(const std::vector<AwakeReason>&)> onChange);
 
-  // What `source` lists now. Several sources may list the same.
+  // Sets the list of `source`. Several sources may list the same reason.
   void set(const std::string& source, std::vector<AwakeReason> reasons);
 
  private:

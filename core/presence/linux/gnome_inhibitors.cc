@@ -1,5 +1,5 @@
-// The session manager lists its inhibitors as objects, each of which is asked what it is against,
-// who and why.
+// The session manager lists its inhibitors as objects; we query each for its flags, its owner and
+// its reason.
 
 #include "core/presence/linux/gnome_inhibitors.h"
 
@@ -64,7 +64,7 @@ void GnomeInhibitors::askAbout(const std::vector<BusObjectPath>& paths) {
   tellOnceKnown();
 }
 
-// One that goes meanwhile answers with errors, and counts as none.
+// An inhibitor that disappears meanwhile answers with errors, and does not count.
 void GnomeInhibitors::ask(Inhibitor& inhibitor, const std::string& path) {
   const auto call = [&](const char* method, auto take) {
     return session_.call({owner_, path, kInhibitor, method},

@@ -1,5 +1,5 @@
-// What keeps GNOME's session from counting as idle. The session managers of Cinnamon and MATE have
-// the same name and methods.
+// Lists what keeps GNOME's session from becoming idle. The session managers of Cinnamon and MATE
+// have the same name and methods.
 
 #pragma once
 
@@ -15,7 +15,7 @@ namespace tessum {
 // Main thread only.
 class GnomeInhibitors {
  public:
-  // Tells what is there whenever something may have changed. `session` must outlive it.
+  // Reports all inhibitors whenever they may have changed. `session` must outlive it.
   GnomeInhibitors(Bus& session, AwakeReasonsHandler onReasons);
   ~GnomeInhibitors();
 
@@ -34,7 +34,7 @@ class GnomeInhibitors {
   BusSlot added_;
   BusSlot removed_;
   BusSlot question_;
-  std::vector<Inhibitor> inhibitors_;  // that are being asked about
+  std::vector<Inhibitor> inhibitors_;  // that are being queried
   BusName name_;
 };
 

@@ -12,7 +12,7 @@
 namespace tessum {
 namespace {
 
-// What it is against, who, why, the mode, the user and the process.
+// What it inhibits, who, why, the mode, the user and the process.
 using Inhibitor =
     std::tuple<std::string, std::string, std::string, std::string, std::uint32_t, std::uint32_t>;
 
@@ -21,7 +21,7 @@ bool hasIdle(const std::string& what) {
   return (":" + what + ":").find(":idle:") != std::string::npos;
 }
 
-// Another user's video does not show that this one is here. "block-weak" is a way to block, too.
+// Another user's video says nothing about this user. "block-weak" blocks, too.
 std::vector<AwakeReason> idleReasons(const std::vector<Inhibitor>& inhibitors) {
   std::vector<AwakeReason> reasons;
   for (const auto& [what, who, why, mode, user, process] : inhibitors) {
@@ -39,8 +39,8 @@ IdleInhibitors::IdleInhibitors(Bus& system, AwakeReasonsHandler onReasons)
       onReasons_(std::move(onReasons)),
       name_(system, logind::kName, [this](const std::string& owner) { start(owner); }) {}
 
-// logind announces BlockInhibited each time that an inhibitor comes or goes. It has few other
-// properties that change, so which one it was is not looked at.
+// logind announces BlockInhibited each time an inhibitor is added or removed. Few of its other
+// properties change, so we do not check which one did.
 void IdleInhibitors::start(const std::string& owner) {
   owner_ = owner;
   changes_ = nullptr;

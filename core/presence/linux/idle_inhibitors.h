@@ -1,4 +1,4 @@
-// What keeps the computer from counting as idle, of which logind keeps the list.
+// Lists what keeps the computer from becoming idle, according to logind.
 
 #pragma once
 
@@ -13,7 +13,7 @@ namespace tessum {
 // Main thread only.
 class IdleInhibitors {
  public:
-  // Tells what is there whenever something may have changed. `system` must outlive it.
+  // Reports all inhibitors whenever they may have changed. `system` must outlive it.
   IdleInhibitors(Bus& system, AwakeReasonsHandler onReasons);
 
  private:

@@ -1,5 +1,5 @@
-// The list has everything that is inhibited, such as the computer's sleep by a download, and does
-// not say what of it concerns the screen. Whether anything does is asked first.
+// The list holds every inhibition, such as a download that inhibits sleep, and does not say which
+// ones concern the screen. So we first ask whether any does.
 
 #include "core/presence/linux/kde_inhibitions.h"
 

@@ -1,4 +1,4 @@
-// What keeps the screen on in KDE, of which its power management keeps the list.
+// Lists what keeps the screen on in KDE, according to its power management.
 
 #pragma once
 
@@ -13,7 +13,7 @@ namespace tessum {
 // Main thread only.
 class KdeInhibitions {
  public:
-  // Tells what is there whenever something may have changed. `session` must outlive it.
+  // Reports all inhibitions whenever they may have changed. `session` must outlive it.
   KdeInhibitions(Bus& session, AwakeReasonsHandler onReasons);
 
  private:

@@ -15,7 +15,7 @@
 
 namespace tessum {
 
-// All services that tell something, and what they tell together.
+// All services, and the state that they report together.
 class LinuxPresence::Watch {
  public:
   Watch(SystemMainLoop& loop, const SteadyClock& clock, Bus::Timing timing,
@@ -76,7 +76,7 @@ class LinuxPresence::Watch {
             .onShutdownGivenUp = [this] { end(Absence::shuttingDown); }};
   }
 
-  // A shutdown ends the login session, too, which is no news then.
+  // A shutdown also ends the login session; that is reported only once.
   void endSession(Absence absence, PresenceHandlers::Delay delay) {
     const bool hasEnded =
         absences_.count(Absence::shuttingDown) + absences_.count(Absence::loggedOut) > 0;

@@ -1,4 +1,4 @@
-// The presence of the user as the services of a Linux desktop tell it, over both buses.
+// Reports the user's presence from the services of a Linux desktop, over both buses.
 
 #pragma once
 
@@ -24,7 +24,7 @@ class LinuxPresence final : public PresenceSource {
   SystemMainLoop& loop_;
   const SteadyClock& clock_;
   const Bus::Timing timing_;
-  std::unique_ptr<Watch> watch_;  // null before the first
+  std::unique_ptr<Watch> watch_;  // null before the first watch()
 };
 
 }  // namespace tessum

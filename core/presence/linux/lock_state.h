@@ -1,4 +1,4 @@
-// Whether the screen is locked, of several that say so.
+// Combines several reports of whether the screen is locked.
 
 #pragma once
 
@@ -11,23 +11,23 @@
 
 namespace tessum {
 
-// Locked while any source says so. Main thread only.
+// Locked while any source reports a lock. Main thread only.
 class LockState {
  public:
-  // A request to lock counts for this long. By then the locker has said that it locks; one that
-  // never says so would never say that it unlocks.
+  // A request to lock counts for this long. By then the locker has reported the lock; one that
+  // never does would never report the unlocking either.
   static constexpr double kRequestSeconds = 5;
 
-  // Tells of each change; `loop` must outlive it. Unlocked at first.
+  // Reports each change; `loop` must outlive it. Unlocked at first.
   LockState(MainLoop& loop, std::function<void(bool isLocked)> onChange);
   ~LockState();
   LockState(const LockState&) = delete;
   LockState& operator=(const LockState&) = delete;
 
-  // What `source` says. The first that unlocks ends a request, too.
+  // Sets the state of `source`. The first source that unlocks also ends a request.
   void set(const std::string& source, bool isLocked);
 
-  // Somebody wants the screen to be locked, or unlocked.
+  // Handles a request to lock or unlock the screen.
   void requestLock();
   void requestUnlock();
 

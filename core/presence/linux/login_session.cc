@@ -9,7 +9,7 @@
 namespace tessum {
 namespace {
 
-// For the versions of logind that know no "auto", and for programs of no session.
+// For versions of logind without "auto", and for programs outside any session.
 std::string sessionOfEnvironment() {
   const char* id = std::getenv("XDG_SESSION_ID");
   return id != nullptr ? validUtf8(id) : "";
@@ -105,7 +105,8 @@ void LoginSession::ask() {
                                 [this](const BusMessage& reply) { takeState(reply); });
 }
 
-// It is "active" in front, "online" in the background, and "opening" or "closing" for a while.
+// The state is "active" in front, "online" in the background, and "opening" or "closing" during the
+// transition.
 void LoginSession::takeState(const BusMessage& reply) {
   const auto state = reply.readOne<BusVariant<std::string>>();
   if (state) isInFront_ = state->value != "online";

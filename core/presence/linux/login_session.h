@@ -1,11 +1,11 @@
-// The login session of the user, as logind knows it.
+// Follows the user's login session in logind.
 //
-// logind takes calls at /org/freedesktop/login1/session/auto, but sends signals from the session's
-// own path. So the session's id is asked for first, and its path by that.
+// logind accepts calls at /org/freedesktop/login1/session/auto, but sends signals from the
+// session's own path. So we first ask for the session's id, and then for its path.
 //
-// A session that the user has left is "closing" for as long as a program of it runs, this one
-// included, and only then removed. logind does not announce that; but the login screen comes to the
-// front then, which it does announce.
+// A session that the user has left is "closing" while any of its programs runs, this one included,
+// and is removed only then. logind does not announce "closing", but it does announce that the login
+// screen comes to the front.
 
 #pragma once
 
@@ -27,8 +27,8 @@ class LoginSession {
     std::function<void(bool isOver)> onOver;  // false also for the user's next session
   };
 
-  // Tells each state whenever it may have changed. `system` must outlive it. Without logind, the
-  // session is not locked, and as over as it was.
+  // Reports each state whenever it may have changed. `system` must outlive it. When logind
+  // disappears, the session becomes unlocked, and stays over if it was.
   LoginSession(Bus& system, Handlers handlers);
 
  private:

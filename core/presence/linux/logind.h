@@ -1,4 +1,4 @@
-// Names that logind is known by.
+// logind's names on the bus.
 
 #pragma once
 

@@ -20,7 +20,8 @@ void PowerTransitions::start(const std::string& owner) {
       following.changes = nullptr;
       following.question = nullptr;
     }
-    // Who is there to see logind go is awake. The bus goes in a shutdown, though.
+    // If we see logind disappear, the computer is awake. The bus itself disappears in a shutdown,
+    // though.
     set(sleep, false);
     return;
   }
@@ -47,7 +48,7 @@ void PowerTransitions::follow(Transition transition, const char* signal, const c
 void PowerTransitions::set(Transition transition, bool isUnderWay) {
   if (std::exchange(following_[transition].isUnderWay, isUnderWay) == isUnderWay) return;
   if (!isUnderWay) {
-    // Kept longer than logind waits, it would hold up the next sleep, too.
+    // If it were kept longer than logind waits, it would delay the next sleep, too.
     if (const auto given = given_.lock()) static_cast<void>(given->close());
     takeInhibitor();
   }

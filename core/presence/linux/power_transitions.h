@@ -1,8 +1,8 @@
-// The computer's sleep and its end, as logind announces them.
+// Follows logind's announcements of sleep and shutdown.
 //
-// logind waits for those who hold an inhibitor in "delay" mode, up to its InhibitDelayMaxUSec,
-// which is five seconds by default. The inhibitor is a descriptor: closing it lets the computer go
-// on. One is held all the time, and given to the handler when its time has come.
+// logind waits for programs that hold an inhibitor in "delay" mode, up to its InhibitDelayMaxUSec,
+// which is five seconds by default. The inhibitor is a descriptor: closing it lets logind proceed.
+// We always hold one, and hand it to the handler with the announcement.
 
 #pragma once
 
@@ -20,7 +20,7 @@ namespace tessum {
 // Main thread only.
 class PowerTransitions {
  public:
-  using Delay = std::shared_ptr<void>;  // null where there is none; any thread may let it go
+  using Delay = std::shared_ptr<void>;  // null where there is none; any thread may release it
 
   struct Handlers {
     std::function<void(Delay delay)> onSleep;
@@ -54,7 +54,7 @@ class PowerTransitions {
   std::array<Following, kTransitions> following_;
   BusSlot inhibitorQuestion_;
   std::shared_ptr<Descriptor> inhibitor_;  // null where there is none
-  std::weak_ptr<Descriptor> given_;        // the one that a handler has got last
+  std::weak_ptr<Descriptor> given_;        // the one that a handler received last
   BusName name_;
 };
 

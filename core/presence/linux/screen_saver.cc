@@ -22,7 +22,7 @@ ScreenSaver::ScreenSaver(Bus& session, const ScreenSaverKind& kind,
       onActive_(std::move(onActive)),
       name_(session, kind.name, [this](const std::string& owner) { start(owner); }) {}
 
-// Some send their signals from several paths, so these come from any.
+// Some send their signals from several paths, so we accept any path.
 void ScreenSaver::start(const std::string& owner) {
   owner_ = owner;
   changes_ = nullptr;

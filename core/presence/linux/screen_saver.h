@@ -1,5 +1,5 @@
-// A screen saver or locker of the desktop. One that is active hides the screen, whether or not it
-// asks for a password.
+// Follows a screen saver or locker of the desktop. While it is active it hides the screen, whether
+// or not it asks for a password.
 
 #pragma once
 
@@ -13,20 +13,20 @@
 
 namespace tessum {
 
-// How one kind is reached. Its interface is called as its name.
+// How to reach one kind. Its interface has the same name.
 struct ScreenSaverKind {
   std::string name;
-  std::vector<std::string> paths;  // where it may answer, the likelier first
+  std::vector<std::string> paths;  // where it may answer, the most likely first
 };
 
-// Every kind that is known.
+// All known kinds.
 [[nodiscard]] std::span<const ScreenSaverKind> screenSaverKinds();
 
 // Main thread only.
 class ScreenSaver {
  public:
-  // Tells whether it is active, more than once if it says so. One that goes is not. `session` and
-  // `kind` must outlive it.
+  // Reports whether it is active, possibly repeatedly; one that exits is not. `session` and `kind`
+  // must outlive it.
   ScreenSaver(Bus& session, const ScreenSaverKind& kind,
               std::function<void(bool isActive)> onActive);
 

@@ -1,6 +1,6 @@
-// The lock is announced to all programs of the session by name. The computer's sleep is announced
-// to those who have registered for it, and begins once each has allowed it, at most 30 seconds
-// later.
+// The system announces the lock to all programs of the session by a named notification. It
+// announces sleep to the programs that have registered for it, and sleeps once each has allowed it,
+// at most 30 seconds later.
 
 #include "core/presence/system_presence.h"
 
@@ -29,7 +29,7 @@ class RootPort {
   const io_connect_t port_;
 };
 
-// Allows a sleep when it goes.
+// Allows a sleep when it is destroyed.
 class SleepDelay {
  public:
   SleepDelay(std::shared_ptr<const RootPort> rootPort, std::intptr_t change)
@@ -86,7 +86,7 @@ class MacPresence final : public PresenceSource {
                        kCFRunLoopDefaultMode);
   }
 
-  // A delay that is still held keeps the connection.
+  // A delay that is still held keeps the connection open.
   void stop() {
     CFNotificationCenterRemoveEveryObserver(CFNotificationCenterGetDistributedCenter(), this);
     if (!rootPort_) return;
@@ -104,7 +104,7 @@ class MacPresence final : public PresenceSource {
 
   void handlePower(natural_t message, std::intptr_t change) {
     switch (message) {
-      case kIOMessageCanSystemSleep:  // it asks who objects
+      case kIOMessageCanSystemSleep:  // it asks for objections
         rootPort_->allow(change);
         return;
       case kIOMessageSystemWillSleep: {
@@ -125,14 +125,14 @@ class MacPresence final : public PresenceSource {
   PresenceHandlers handlers_;
   bool isLocked_ = false;
   bool isAsleep_ = false;
-  std::shared_ptr<const RootPort> rootPort_;  // null while the computer's sleep is not watched
+  std::shared_ptr<const RootPort> rootPort_;  // null while sleep is not watched
   IONotificationPortRef notifications_ = nullptr;
   io_object_t notifier_ = 0;
 };
 
 }  // namespace
 
-// The main dispatch queue and run loop that drive it are the loop's own.
+// The main dispatch queue and run loop that drive it belong to the loop.
 std::unique_ptr<PresenceSource> openSystemPresence(SystemMainLoop&, const SteadyClock& clock) {
   return std::make_unique<MacPresence>(clock);
 }
