@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 #include "core/base/text.h"
 
@@ -110,7 +111,9 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
     name = localized;
     break;
   }
-  return DesktopEntry{*name, value("StartupWMClass")};
+  auto sandboxId = value("X-Flatpak");
+  if (!sandboxId) sandboxId = value("X-SnapInstanceName");
+  return DesktopEntry{*name, value("StartupWMClass"), std::move(sandboxId)};
 }
 
 std::vector<std::string> dataFolders(std::string_view home, std::string_view others) {
@@ -162,6 +165,13 @@ std::optional<DesktopEntries::Match> DesktopEntries::withId(std::string_view id)
   const auto found = entries_.find(withoutSuffix(id));
   if (found == entries_.end() || !found->second) return std::nullopt;
   return Match{found->first, *found->second};
+}
+
+std::optional<DesktopEntries::Match> DesktopEntries::forSandbox(std::string_view sandboxId) const {
+  for (const auto& [id, entry] : entries_) {
+    if (entry && entry->sandboxId == sandboxId) return Match{id, *entry};
+  }
+  return std::nullopt;
 }
 
 std::optional<DesktopEntries::Match> DesktopEntries::forWindowClass(

@@ -14,8 +14,9 @@ namespace tessum {
 
 // The contents of one desktop entry.
 struct DesktopEntry {
-  std::string name;                           // in the user's language where available
-  std::optional<std::string> startupWMClass;  // class or instance of the application's windows
+  std::string name;                                // in the user's language where available
+  std::optional<std::string> startupWMClass = {};  // class or instance of the application's windows
+  std::optional<std::string> sandboxId = {};       // the application's name for Flatpak or Snap
 
   friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
 };
@@ -52,6 +53,9 @@ class DesktopEntries {
 
   // The entry with that id, which may end in ".desktop"; for a path, its last component.
   [[nodiscard]] std::optional<Match> withId(std::string_view id) const;
+
+  // The first entry of the sandboxed application with that id.
+  [[nodiscard]] std::optional<Match> forSandbox(std::string_view sandboxId) const;
 
   // The entry that claims windows of that instance or class, else one that does when case is
   // ignored, as some compositors tell the class in small letters, else the one whose id equals one

@@ -9,8 +9,15 @@ std::optional<DesktopEntries::Match> findEntry(const WindowDescription& descript
     if (!id) continue;
     if (auto match = entries.withId(*id)) return match;
   }
-  return entries.forWindowClass(description.instance.value_or(""),
-                                description.windowClass.value_or(""));
+  const auto instance = description.instance.value_or("");
+  const auto windowClass = description.windowClass.value_or("");
+  if (auto match = entries.forWindowClass(instance, windowClass)) return match;
+  // A package may hold several applications, and these tell only the package.
+  for (const auto& id : {description.applicationId, description.windowClass}) {
+    if (!id) continue;
+    if (auto match = entries.forSandbox(*id)) return match;
+  }
+  return std::nullopt;
 }
 
 // A process number is valid only on its own machine, so it counts only when the window names this

@@ -26,6 +26,13 @@ TEST(ParseDesktopEntry, TakesNameAndClassOfTheEntryGroup) {
   EXPECT_EQ(parseDesktopEntry(text, {}), (DesktopEntry{"Some Editor", "Editor"}));
 }
 
+TEST(ParseDesktopEntry, TakesTheIdOfTheSandbox) {
+  const std::string text = "[Desktop Entry]\nType=Application\nName=x\n";
+  EXPECT_EQ(parseDesktopEntry(text, {})->sandboxId, std::nullopt);
+  EXPECT_EQ(parseDesktopEntry(text + "X-Flatpak=org.some.Map\n", {})->sandboxId, "org.some.Map");
+  EXPECT_EQ(parseDesktopEntry(text + "X-SnapInstanceName=mail\n", {})->sandboxId, "mail");
+}
+
 TEST(ParseDesktopEntry, PrefersTheUsersLanguage) {
   const std::string text =
       "[Desktop Entry]\nType=Application\nName=Files\nName[de]=Dateien\nName[pt_BR]=Arquivos\n";

@@ -16,6 +16,10 @@ class Identify : public testing::Test {
   Identify() {
     add("org.some.Editor", "Name=Some Editor");
     add("org.some.Player", "Name=Some Player\nStartupWMClass=player");
+    add("mail_mail", "Name=Sandboxed Mail\nX-SnapInstanceName=mail");
+    add("office_sheet", "Name=Sheet\nX-SnapInstanceName=office\nStartupWMClass=office-sheet");
+    add("office_text", "Name=Text\nX-SnapInstanceName=office\nStartupWMClass=office-text");
+    add("renamed", "Name=Sandboxed Map\nX-Flatpak=org.some.Map");
     entries_.refresh();
   }
 
@@ -65,6 +69,20 @@ TEST_F(Identify, TakesTheDesktopEntryThatClaimsTheClass) {
             (RunningApplication{"Some Player", "org.some.Player", std::nullopt}));
   EXPECT_EQ(application({.instance = "org.some.editor"}),
             (RunningApplication{"Some Editor", "org.some.Editor", std::nullopt}));
+}
+
+TEST_F(Identify, TakesTheDesktopEntryOfASandbox) {
+  EXPECT_EQ(application({.applicationId = "mail"}).localizedName, "Sandboxed Mail");
+  EXPECT_EQ(application({.windowClass = "mail"}).bundleIdentifier, "mail_mail");
+  EXPECT_EQ(application({.applicationId = "org.some.Map", .windowClass = "map"}).bundleIdentifier,
+            "renamed");
+}
+
+TEST_F(Identify, TheClassTellsApartTheApplicationsOfASandbox) {
+  EXPECT_EQ(application({.applicationId = "office", .windowClass = "office-text"}).localizedName,
+            "Text");
+  EXPECT_EQ(application({.applicationId = "office", .windowClass = "other"}).localizedName,
+            "Sheet");
 }
 
 TEST_F(Identify, WithoutAnEntryTheIdAndTheClassStandForThemselves) {
