@@ -47,6 +47,19 @@ bool isInstalled(const std::string& extension, const std::vector<std::string>& d
 
 }  // namespace
 
+ShellExtensionReport readShellExtension(const BusDictionary& shell,
+                                        const BusDictionary& extension) {
+  const auto textAt = [](const BusDictionary& values, const char* name) {
+    return cutToLength(valueOf<std::string>(values, name).value_or(""), kLongestName);
+  };
+  ShellExtensionReport report{.shellVersion = textAt(shell, "ShellVersion"),
+                              .error = textAt(extension, "error")};
+  report.allowsExtensions = valueOf<bool>(shell, "UserExtensionsEnabled").value_or(true);
+  const auto state = valueOf<double>(extension, "state");
+  if (state) report.state = *state >= 0 && *state <= kUninstalled ? static_cast<int>(*state) : 0;
+  return report;
+}
+
 std::string shellExtensionFor(std::string_view shellVersion) {
   int version = 0;
   const auto [end, error] =
@@ -131,27 +144,20 @@ void ShellExtension::askForVersion() {
       session_.call(busProperties(owner_, kPath, kExtensions), [this](const BusMessage& reply) {
         const auto properties = reply.readOne<BusDictionary>();
         if (!properties) return askLater();
-        report_.shellVersion = cutToLength(
-            valueOf<std::string>(*properties, "ShellVersion").value_or(""), kLongestName);
-        report_.allowsExtensions =
-            valueOf<bool>(*properties, "UserExtensionsEnabled").value_or(true);
-        askFor(shellExtensionFor(report_.shellVersion));
+        shell_ = *properties;
+        askFor(shellExtensionFor(readShellExtension(shell_, {}).shellVersion));
       });
 }
 
 void ShellExtension::askFor(const std::string& extension) {
-  question_ = session_.call(
-      {owner_, kPath, kExtensions, "GetExtensionInfo", {extension}},
-      [this, extension](const BusMessage& reply) {
-        const auto properties = reply.readOne<BusDictionary>();
-        if (!properties) return askLater();
-        const auto state = valueOf<double>(*properties, "state");
-        report_.state = state ? std::optional(static_cast<int>(*state)) : std::nullopt;
-        report_.error =
-            cutToLength(valueOf<std::string>(*properties, "error").value_or(""), kLongestName);
-        report_.isInstalled = isInstalled(extension, dataFolders_);
-        if (const auto notice = noticeOf(report_)) onNotice_(*notice);
-      });
+  question_ = session_.call({owner_, kPath, kExtensions, "GetExtensionInfo", {extension}},
+                            [this, extension](const BusMessage& reply) {
+                              const auto properties = reply.readOne<BusDictionary>();
+                              if (!properties) return askLater();
+                              auto report = readShellExtension(shell_, *properties);
+                              report.isInstalled = isInstalled(extension, dataFolders_);
+                              if (const auto notice = noticeOf(report)) onNotice_(*notice);
+                            });
 }
 
 }  // namespace tessum

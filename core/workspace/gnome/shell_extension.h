@@ -27,6 +27,11 @@ struct ShellExtensionReport {
   bool isInstalled = false;       // its files are where the shell looks at login
 };
 
+// From the properties of the shell and what it says of the extension, each of which may lack. The
+// files are left for the caller to look for. Any thread.
+[[nodiscard]] ShellExtensionReport readShellExtension(const BusDictionary& shell,
+                                                      const BusDictionary& extension);
+
 // The name of the extension for that version: one that cannot be read is taken for a new one.
 [[nodiscard]] std::string shellExtensionFor(std::string_view shellVersion);
 
@@ -58,7 +63,7 @@ class ShellExtension {
   const std::string owner_;
   const std::vector<std::string> dataFolders_;
   const WorkspaceNoticeHandler onNotice_;
-  ShellExtensionReport report_;
+  BusDictionary shell_;  // its properties
   BusSlot changes_;
   BusSlot lockChanges_;
   BusSlot question_;

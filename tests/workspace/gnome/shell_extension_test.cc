@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace tessum {
 namespace {
 
@@ -11,6 +13,25 @@ TEST(ShellExtensionFor, FitsTheVersionOfTheShell) {
   }
   for (const char* version : {"45", "45.alpha", "48.4", "100", "", "x", "99999999999999"}) {
     EXPECT_EQ(shellExtensionFor(version), "focused-window@tessum") << version;
+  }
+}
+
+TEST(ReadShellExtension, TakesWhatIsThere) {
+  const BusDictionary shell{{"ShellVersion", "43.9"}, {"UserExtensionsEnabled", false}};
+  const auto report = readShellExtension(shell, {{"state", 3.0}, {"error", "x"}, {"other", true}});
+  EXPECT_EQ(report.shellVersion, "43.9");
+  EXPECT_FALSE(report.allowsExtensions);
+  EXPECT_EQ(report.state, 3);
+  EXPECT_EQ(report.error, "x");
+  const auto nothing = readShellExtension({{"ShellVersion", true}}, {{"state", "1"}});
+  EXPECT_EQ(nothing.shellVersion, "");
+  EXPECT_TRUE(nothing.allowsExtensions);
+  EXPECT_EQ(nothing.state, std::nullopt);
+}
+
+TEST(ReadShellExtension, AStateThatNoShellHasIsUnknown) {
+  for (const double state : {-1.0, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
+    EXPECT_EQ(readShellExtension({}, {{"state", state}}).state, 0);
   }
 }
 
