@@ -190,12 +190,13 @@ void Table::addRow(std::vector<Cell> cells) {
 
 std::string Table::text(const Paper& paper) const {
   constexpr std::size_t kGap = 2;
-  constexpr std::size_t kWidest = 60;  // of a column that others follow: names come from anywhere
+  constexpr std::size_t kWidestColumn =
+      60;  // of a column that others follow: names come from anywhere
   std::vector<std::size_t> widths(alignments_.size());
   for (const auto& row : rows_) {
     for (std::size_t i = 0; i < row.size(); ++i) {
       widths[i] = std::max(widths[i], displayWidth(row[i].text));
-      if (i + 1 < row.size()) widths[i] = std::min(widths[i], kWidest);
+      if (i + 1 < row.size()) widths[i] = std::min(widths[i], kWidestColumn);
     }
   }
   std::size_t before = 0;  // columns in front of the last cell

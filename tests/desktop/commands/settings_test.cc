@@ -120,6 +120,18 @@ TEST_F(SettingsCommand, EditingChecksWhatTheEditorLeaves) {
   EXPECT_EQ(readFile(path_), "nonsense");
 }
 
+TEST_F(SettingsCommand, TheEditorGetsNoFileThatIsOpenHere) {
+  const std::string editor = user_.file("editor");
+  const std::string list = user_.file("list");
+  writeFile(editor, "#!/bin/sh\nls /dev/fd/ > '" + list + "'\n");
+  fs::permissions(editor, fs::perms::owner_all);
+  user_.set("EDITOR", editor);
+  ChildProcess shell("sh", {.arguments = {"-c", "\"$0\" settings edit 7</dev/null", hostProgram()},
+                            .environment = user_.environment()});
+  EXPECT_EQ(shell.finish(), kSuccess);
+  EXPECT_EQ(readFile(list), "0\n1\n2\n3\n") << "3 is the folder that is being listed";
+}
+
 TEST_F(SettingsCommand, AnEditorThatFailsIsAnError) {
   user_.set("EDITOR", "false");
   EXPECT_EQ(user_.run({"settings", "edit"}).status, 1);
