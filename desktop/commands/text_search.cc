@@ -14,7 +14,9 @@ TextTest holding(const std::string& part) {
   options.set_never_capture(true);
   const auto pattern = std::make_shared<const re2::RE2>(part, options);
   if (!pattern->ok()) throw std::invalid_argument("the text is too long to look for");
-  return [pattern](std::string_view text) { return re2::RE2::PartialMatch(text, *pattern); };
+  return [pattern](std::string_view text) {
+    return pattern->Match(text, 0, text.size(), re2::RE2::UNANCHORED, nullptr, 0);
+  };
 }
 
 }  // namespace tessum

@@ -190,8 +190,8 @@ void Table::addRow(std::vector<Cell> cells) {
 
 std::string Table::text(const Paper& paper) const {
   constexpr std::size_t kGap = 2;
-  constexpr std::size_t kWidestColumn =
-      60;  // of a column that others follow: names come from anywhere
+  // Of a column that others follow: names come from anywhere.
+  constexpr std::size_t kWidestColumn = 60;
   std::vector<std::size_t> widths(alignments_.size());
   for (const auto& row : rows_) {
     for (std::size_t i = 0; i < row.size(); ++i) {
