@@ -1,4 +1,4 @@
-// What the commands of the host program share.
+// Definitions that the host program's commands share.
 
 #pragma once
 
@@ -12,10 +12,10 @@ namespace tessum {
 
 // Exit statuses that scripts can rely on.
 inline constexpr int kSuccess = 0;
-inline constexpr int kFailure = 1;  // it was tried and failed; standard error says why
+inline constexpr int kFailure = 1;  // the command failed; standard error says why
 inline constexpr int kUsage = 2;    // the command line or the settings were wrong
 
-// The world outside, made by main() and lent to the commands, and the outcome they leave there.
+// The interfaces to the system, owned by main(), and the exit status that the command sets.
 struct Host {
   const Clock& clock;
   const Calendar& calendar;

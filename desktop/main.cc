@@ -1,4 +1,4 @@
-// Tessum: records what is in front, and everything that a person does with the history.
+// Tessum, the host program: records what is in front, and lets a person use the history.
 
 #include <CLI/CLI.hpp>
 

@@ -6,7 +6,7 @@ namespace {
 std::string fileReadBy(MCPClient client, const Locations& locations) {
   if (client == MCPClient::claudeDesktop) return claudeDesktopFile(locations);
   // Continue reads every JSON file of this folder, and no longer the servers of its config.json;
-  // to make that file where there was none even keeps it from setting itself up.
+  // creating that file even prevents its first-time setup.
   if (client == MCPClient::continueApp) {
     return locations.homeFolder() + "/.continue/mcpServers/tessum.json";
   }

@@ -1,7 +1,7 @@
-// Where the assistant applications really read their configuration.
+// The configuration files that the assistant applications actually read.
 //
-// The catalogue has one place for each application on every system. Two of them read another one
-// by now, and an entry is worth something only where it is read.
+// The catalogue has one path for each application on every system. Two applications have since
+// moved theirs, and only an entry in a file that is read has an effect.
 
 #pragma once
 
@@ -14,7 +14,7 @@
 namespace tessum {
 
 // Every file that may hold our entry for `client`: first the one that the application reads, then
-// that of the catalogue where it is another.
+// the catalogue's if it differs.
 [[nodiscard]] std::vector<std::string> clientFiles(MCPClient client, const Locations& locations);
 
 // The file that Claude Desktop reads on this system.

@@ -16,7 +16,7 @@ ConfigFile lookAt(const Files& files, const std::string& path) {
   } catch (const std::system_error& error) {
     if (error.code() != std::errc::no_such_file_or_directory) throw;
   } catch (const json::DecodingError&) {
-    // Not JSON at all: no object either.
+    // Not JSON, so not an object.
   }
   return config;
 }
@@ -27,7 +27,7 @@ const json::Value* tessumEntry(const ConfigFile::Object& config) {
 }
 
 std::string keepCopy(const Files& files, const std::string& path, const std::string& bytes) {
-  // Its ending keeps applications that read every JSON file of a folder away from the copy.
+  // With this extension, applications that read every JSON file of a folder ignore the copy.
   std::string copy = path + ".before-tessum";
   for (int number = 2; files.exists(copy); ++number) {
     copy = path + ".before-tessum-" + std::to_string(number);

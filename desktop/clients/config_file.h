@@ -1,5 +1,5 @@
-// The configuration file of an assistant application, as it is found. Files of other applications
-// are due some care: what is there is looked at before anything is written.
+// Reads an assistant application's configuration file and backs it up. The file belongs to another
+// application, so we check its content before we write anything.
 
 #pragma once
 
@@ -15,21 +15,21 @@ namespace tessum {
 struct ConfigFile {
   using Object = json::Value::Object;
 
-  std::optional<std::string> bytes;  // absent where there is no file
-  std::optional<Object> object;      // absent where the file holds anything else
+  std::optional<std::string> bytes;  // absent when there is no file
+  std::optional<Object> object;      // absent when the file holds anything else
 
-  // Whether there is something that a new file would destroy.
+  // Whether the file has content that writing our entry would destroy.
   [[nodiscard]] bool isDamaged() const { return bytes && !bytes->empty() && !object; }
 };
 
-// Throws std::system_error when there is a file at `path` that cannot be read.
+// Reads the file at `path`, if it exists. Throws std::system_error when it cannot be read.
 [[nodiscard]] ConfigFile lookAt(const Files& files, const std::string& path);
 
-// Our entry in `config`; null where there is none. Owned by `config`.
+// Our entry in `config`; null when there is none. Owned by `config`.
 [[nodiscard]] const json::Value* tessumEntry(const ConfigFile::Object& config);
 
-// Writes `bytes`, which were found at `path`, to a new file beside it and gives that one's path.
-// Throws std::system_error.
+// Writes `bytes`, the content of the file at `path`, to a new file beside it and returns the new
+// file's path. Throws std::system_error.
 [[nodiscard]] std::string keepCopy(const Files& files, const std::string& path,
                                    const std::string& bytes);
 

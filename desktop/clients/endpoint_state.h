@@ -1,4 +1,4 @@
-// What answers at the port of our HTTP endpoint.
+// Finds out what listens on the port of our HTTP endpoint.
 
 #pragma once
 
@@ -12,7 +12,7 @@ enum class EndpointState {
   taken     // another program
 };
 
-// Asks, and may wait a few seconds for an answer. Any thread.
+// Sends a request, and may wait a few seconds for the response. Any thread.
 [[nodiscard]] EndpointState endpointState();
 
 // The URL of our endpoint on its usual port.

@@ -9,14 +9,14 @@
 
 namespace tessum {
 
-// Our entry as a file has it.
+// The state of our entry in a file.
 struct EntryReport {
   std::string form;     // "stdio", "HTTP" or "unknown"
-  std::string problem;  // why it would not work now; empty where nothing is known to be wrong
+  std::string problem;  // why it would not work now; empty when no problem is known
 };
 
-// Looks at an entry: at the program that it starts, or at the endpoint that it names. May wait a
-// few seconds for an answer from the endpoint, which is asked only when it is our own.
+// Checks the program that the entry starts, or the endpoint that it names. May wait a few seconds
+// for the endpoint, to which it connects only if it is our own.
 [[nodiscard]] EntryReport checkEntry(const json::Value& entry);
 
 }  // namespace tessum

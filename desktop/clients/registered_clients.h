@@ -1,4 +1,4 @@
-// Which assistant applications know of Tessum.
+// The assistant applications that Tessum is registered with.
 
 #pragma once
 
@@ -9,8 +9,8 @@
 
 namespace tessum {
 
-// The registered ones, by the names to show. A file that cannot be read registers nobody here; the
-// doctor says why.
+// Their display names. A file that cannot be read counts as not registered; the doctor reports the
+// reason.
 [[nodiscard]] std::vector<std::string> registeredClients(const Host& host);
 
 }  // namespace tessum

@@ -1,5 +1,5 @@
-// Command-line arguments that several commands read in the same way. What cannot be read is thrown
-// as a CLI::ValidationError, so it ends the program with the status of a wrong command line.
+// Command-line arguments that several commands share. An invalid one throws CLI::ValidationError,
+// which ends the program with the status of a wrong command line.
 
 #pragma once
 
@@ -15,14 +15,14 @@ class App;
 
 namespace tessum {
 
-// Adds the argument DATE, today unless it is given. `name` must live as long as `command`.
+// Adds the argument DATE, which defaults to today. `name` must live as long as `command`.
 void addDayArgument(CLI::App& command, std::string& name);
 
 // A moment of the local day that `name` names.
 [[nodiscard]] Date dayArgument(const std::string& name, const Host& host);
 
-// From the beginning of the local day `from` to the end of the day `to`; an empty name leaves that
-// side open.
+// From the start of the local day `from` to the end of the day `to`; an empty name leaves that side
+// open.
 [[nodiscard]] DayRange daysArgument(const std::string& from, const std::string& to,
                                     const Host& host);
 

@@ -24,7 +24,7 @@
 namespace tessum {
 namespace {
 
-// What install and uninstall are to work on.
+// The arguments of install and uninstall.
 struct Targets {
   std::vector<std::string> names;
   bool all = false;
@@ -45,7 +45,7 @@ std::string shown(std::string_view text) {
   return printable(validUtf8(text));
 }
 
-// Says something beside the results.
+// Prints a remark, apart from the results.
 void note(const std::string& text) {
   std::fprintf(stderr, "%s\n", text.c_str());
 }
@@ -122,15 +122,14 @@ void listClients(const Host& host) {
     for (const std::string& file : files) addRow(table, host, client, file, file == files.front());
   }
   Paper paper = standardOutputPaper();
-  paper.columns = 0;  // a path that is cut is no use to anyone
+  paper.columns = 0;  // never cut a path
   print(table.text(paper));
 }
 
 ////////////////////////////////////////////////////////////////////////////////////////////////
 // install and uninstall
 
-// Does `work` on one file. One that cannot be read or written does not keep the others from being
-// done.
+// Does `work` on one file. If the file cannot be read or written, the others are still done.
 template <typename Work>
 void attempt(Host& host, Work work) {
   try {
@@ -145,9 +144,8 @@ MCPInstaller installerFor(const Host& host) {
   return {usualEndpointURL(), host.files, host.locations};
 }
 
-// `config` with our entry. A person is not given one that no application could use, so this throws
-// std::runtime_error where the stdio server is missing. The entry itself is looked at, as it was
-// worked out for this very file.
+// `config` with our entry. Throws std::runtime_error when the stdio server is missing, because no
+// application could use that entry. We check the entry itself because it was made for this file.
 ConfigFile::Object withEntry(const ConfigFile& config, bool useStdio, const Host& host) {
   auto edited =
       installerFor(host).setTessumEntry(config.object.value_or(ConfigFile::Object()), useStdio);

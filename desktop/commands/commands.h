@@ -1,5 +1,5 @@
-// The commands of the host program. Each function adds one or a few to `app`; a command that is
-// chosen runs while `app` parses and leaves its outcome in `host`, which must outlive the parsing.
+// The commands of the host program. Each function adds one or a few to `app`. The chosen command
+// runs while `app` parses and sets the exit status in `host`, which must outlive the parsing.
 
 #pragma once
 

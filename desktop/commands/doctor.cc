@@ -44,8 +44,8 @@ void examine(Host& host) {
   print(text);
 }
 
-// When `session` ends: after the time given or where the next one began, whichever comes first;
-// without a time, where the recorder was last known to live.
+// When `session` ends: after the given time or when the next session began, whichever comes first;
+// without a time, when the recorder was last known to run.
 std::optional<Date> endOf(History& history, const Activity& session,
                           const std::optional<double>& seconds, const RecorderState& recorder) {
   if (!seconds) return endOfLeftOpen(history, session, recorder);

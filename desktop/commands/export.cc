@@ -24,7 +24,7 @@ struct ExportOptions {
   bool isRaw = false;
 };
 
-// Text on its way to standard output, written in large pieces.
+// A buffer that writes text to standard output in large pieces.
 class Writer {
  public:
   void add(std::string_view text) {
@@ -60,7 +60,7 @@ std::string csvField(std::string_view text, bool isRaw) {
   return field + '"';
 }
 
-// Thousandths of a second are more than anyone measured.
+// A millisecond is finer than anything we measure.
 std::string secondsText(double seconds) {
   return json::numberText(std::round(seconds * 1000) / 1000);
 }

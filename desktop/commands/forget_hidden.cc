@@ -36,13 +36,13 @@ bool losesTitle(const Replacement& replacement) {
                      [&](const Activity& piece) { return piece.title != title; });
 }
 
-// Adds what happens to `count` sessions, unless there are none.
+// Adds one of the changes, unless it affects no sessions.
 void addPart(std::string& text, const std::string& verb, std::int64_t count) {
   if (count == 0) return;
   text += (text.empty() ? "" : ", ") + verb + " " + counted(count, "session");
 }
 
-// What is about to happen, as the rest of a sentence.
+// The rest of a sentence that says what will change.
 std::string description(const std::vector<Replacement>& replacements) {
   const auto count = [&](const auto& isMeant) {
     return std::count_if(replacements.begin(), replacements.end(), isMeant);

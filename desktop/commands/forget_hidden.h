@@ -1,4 +1,4 @@
-// The part of the command `forget` that follows the rules of the settings.
+// The command `forget --hidden`.
 
 #pragma once
 
@@ -6,8 +6,8 @@
 
 namespace tessum {
 
-// Takes out of the history what the rules of the settings hide, after asking unless `isSure`.
-// Throws SettingsError, NoHistory and DatabaseError.
+// Deletes from the history what the rules of the settings hide; asks first unless `isSure`. Throws
+// SettingsError, NoHistory and DatabaseError.
 void forgetHidden(Host& host, bool isSure);
 
 }  // namespace tessum

@@ -21,8 +21,8 @@ struct NoteOptions {
   bool ends = false;
 };
 
-// Deletes the open notes that began at `start` or later, as nothing would be left of them, and
-// gives sentences that say so.
+// Deletes the open notes that began at `start` or later, because the new note replaces them
+// completely. Returns sentences that say so.
 std::string replaceNotesBegunFrom(Date start, const Host& host) {
   History history(historyPath(host.locations), History::Access::write);
   std::string text;

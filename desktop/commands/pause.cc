@@ -16,10 +16,10 @@
 namespace tessum {
 namespace {
 
-// A longer pause is one without end.
+// A longer pause should have no end time.
 constexpr double kLongestPause = 366 * 86400.0;
 
-// What the words behind `pause` say: nothing, a duration, or "until" and a time of day.
+// The arguments of `pause`: none, a duration, or "until" and a time of day.
 Pause pauseArgument(const std::vector<std::string>& words, Date now) {
   if (words.empty()) return {};
   if (words.front() != "until") {

@@ -9,7 +9,7 @@
 namespace tessum {
 namespace {
 
-// Of the texts of the options, which are empty where they are not given.
+// Parses the options' texts; an empty one was not given.
 RecordingOptions recordingOptions(const std::string& awayAfter, const std::string& titles) {
   RecordingOptions options;
   if (!awayAfter.empty()) options.awayAfter = parseAwayAfter(awayAfter);

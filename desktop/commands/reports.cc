@@ -31,7 +31,7 @@ void addPlainOption(CLI::App& command, ReportOptions& options, const std::string
                    "print the text that assistants get from " + tool + ", with times in UTC");
 }
 
-// The report of an assistant's tool, made by the same engine.
+// The text of an assistant's tool, from the same engine.
 std::string toolText(const Host& host, const char* tool, const ToolArguments& arguments) {
   auto database = std::make_shared<Database>(historyPath(host.locations), host.calendar);
   MCPServer server(std::move(database), limits::kDefaultPort, host.clock, host.calendar);
@@ -40,7 +40,7 @@ std::string toolText(const Host& host, const char* tool, const ToolArguments& ar
 
 using Report = std::string (*)(const DayHistory&, const Paper&);
 
-// Prints `report` of the day, or what `tool` says of it.
+// Prints `report` for the day, or the text of `tool`.
 void showDay(const Host& host, const ReportOptions& options, Report report, const char* tool) {
   const Date day = dayArgument(options.day, host);
   History history(historyPath(host.locations), History::Access::read);

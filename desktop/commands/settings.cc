@@ -69,7 +69,7 @@ void showSettings(const Host& host) {
     add("category", category.name + ":" + patternText(category.windows), category.line);
   }
   Paper paper = standardOutputPaper();
-  paper.columns = 0;  // a pattern that is cut is no use to anyone
+  paper.columns = 0;  // never cut a pattern
   print(printable(path) + (host.files.exists(path) ? "" : ", which does not exist") + "\n\n" +
         table.text(paper));
 }
@@ -100,7 +100,7 @@ struct TryOptions {
   std::string title;
 };
 
-// What would be written of the window, as the beginning of a sentence.
+// The start of a sentence that says what is recorded of the window.
 std::string keptText(Kept kept, const std::string& app, const std::string& title) {
   switch (kept) {
     case Kept::all:

@@ -1,4 +1,4 @@
-// The program's standard output and input, as the commands use them.
+// The commands' access to standard output and input.
 
 #pragma once
 
@@ -9,8 +9,8 @@
 
 namespace tessum {
 
-// Standard output as paper: on a terminal as wide as that, with colour unless the user's variable
-// NO_COLOR is set or the terminal has none; otherwise endless and plain.
+// Standard output as paper: a terminal's width, with colour unless NO_COLOR is set or the terminal
+// has none; otherwise unlimited and plain.
 [[nodiscard]] Paper standardOutputPaper();
 
 // Writes `text` to standard output, all of it, before returning. Throws std::system_error.

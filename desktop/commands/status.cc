@@ -106,7 +106,7 @@ void showStatus(const Host& host) {
   add("Clients", clientsText(host));
   add("Endpoint", endpointText());
   Paper paper = standardOutputPaper();
-  paper.columns = 0;  // a path that is cut is no use to anyone
+  paper.columns = 0;  // never cut a path
   print(table.text(paper));
 }
 

@@ -21,7 +21,7 @@ void complain(std::string_view text) {
   std::fprintf(stderr, "Tessum: %.*s", static_cast<int>(text.size()), text.data());
 }
 
-// Writes over the line under the cursor.
+// Overwrites the current line.
 void showOnTerminal(std::string_view text) {
   constexpr std::string_view kEraseLine = "\r\033[K";
   std::fprintf(stderr, "%.*s%.*s", static_cast<int>(kEraseLine.size()), kEraseLine.data(),
@@ -31,7 +31,7 @@ void showOnTerminal(std::string_view text) {
 int runUpdate(const Locations& locations, bool downloads) {
   SystemMainLoop loop;
   int status = kFailure;
-  // An interrupt ends the command in order, so that no part of a download is left behind.
+  // An interrupt ends the command in an orderly way and leaves no partial download behind.
   const TerminationSignals signals(loop, [&] { loop.quit(); });
   Updater updater(loop, locations);
   UpdateDialogue::Output output{.tell = print, .complain = complain, .showProgress = {}};

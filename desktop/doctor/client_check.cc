@@ -1,4 +1,4 @@
-// The doctor's look at the assistant applications and the HTTP endpoint.
+// Checks the assistant applications and the HTTP endpoint.
 
 #include <string>
 #include <system_error>

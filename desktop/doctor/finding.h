@@ -1,4 +1,4 @@
-// What the doctor finds, and where it looks.
+// The doctor's checks and their results.
 
 #pragma once
 
@@ -9,15 +9,15 @@
 
 namespace tessum {
 
-// One thing that was looked at.
+// The result of one check.
 struct Finding {
   std::string text;
-  std::string remedy;  // how to mend it; empty where nothing is wrong
+  std::string remedy;  // how to fix it; empty when nothing is wrong
 
   [[nodiscard]] bool isProblem() const { return !remedy.empty(); }
 };
 
-// Each looks at one thing and changes nothing. What cannot be looked at is a finding too.
+// Each check changes nothing. A check that cannot run is a finding, too.
 [[nodiscard]] std::vector<Finding> checkFolder(const Host& host);
 [[nodiscard]] std::vector<Finding> checkHistory(const Host& host);
 [[nodiscard]] std::vector<Finding> checkWorkspace();

@@ -1,4 +1,4 @@
-// The doctor's look at the history and its folder.
+// Checks the history and its folder.
 
 #include <unistd.h>
 
@@ -16,7 +16,7 @@
 namespace tessum {
 namespace {
 
-// The folder itself or, where it is missing, the nearest one above it that is there.
+// The folder itself or, if it is missing, the nearest existing one above it.
 std::filesystem::path nearestExisting(std::filesystem::path path) {
   std::error_code ignored;
   while (path.has_relative_path() && !std::filesystem::exists(path, ignored)) {
@@ -29,7 +29,7 @@ std::string countText(std::size_t count) {
   return counted(count, "session was", "sessions were");
 }
 
-// Those left open by a recorder that was cut off, and those whose end could not be written.
+// Sessions left open by a recorder that crashed, and sessions whose end could not be written.
 std::vector<Finding> openSessionFindings(const Host& host, History& history) {
   constexpr auto kRemedy =
       "\"Tessum doctor --close-open\" ends them, where it is known when, or after a time that you "

@@ -4,7 +4,8 @@
 
 namespace tessum {
 
-// Whether this program has it; always so on systems without such a permission. Asks nobody.
+// Whether this program has it; always true on systems without such a permission. Does not ask the
+// user.
 [[nodiscard]] bool mayReadTitles();
 
 }  // namespace tessum

@@ -1,4 +1,4 @@
-// The doctor's look at the desktop, through the eyes of the recorder.
+// Checks what the recorder can see of the desktop.
 
 #include <optional>
 #include <string>

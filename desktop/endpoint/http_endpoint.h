@@ -27,7 +27,7 @@ class HTTPEndpoint {
   HTTPEndpoint(const std::string& databasePath, std::uint16_t port, OpenTo openTo,
                const Clock& clock, const Calendar& calendar);
 
-  // Where clients of this computer find it.
+  // The URL for clients on this computer.
   [[nodiscard]] std::string url() const { return server_.endpointURL(); }
 
  private:

@@ -60,7 +60,8 @@ void Away::noteKeptAwake(bool isKeptAwake, Moment when) {
   update(when);
 }
 
-// Since when nothing has been touched, if that is for long enough. Looks again when it may be.
+// Since when there has been no input, if that is long enough. Otherwise sets a timer to check
+// again.
 std::optional<Moment> Away::untouchedSince(Moment now) {
   if (timer_) loop_.invalidateTimer(*timer_);
   timer_.reset();

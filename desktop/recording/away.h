@@ -1,4 +1,4 @@
-// Whether the user is away, from what is known of input, lock and sleep.
+// Decides from input, lock and sleep whether the user is away.
 
 #pragma once
 
@@ -10,27 +10,27 @@
 
 namespace tessum {
 
-// The user is away while the screen is locked, while the computer sleeps, and once nothing has been
-// touched for long enough, unless something keeps the screen awake: a video or a call. Without
-// input the time away counts from the last input or, when that is later, from when nothing kept the
-// screen awake any more. Main thread only.
+// The user is away while the screen is locked, while the computer sleeps, and once there has been
+// no input for long enough, unless something such as a video or a call keeps the screen awake. Time
+// away without input counts from the last input or, if later, from when nothing kept the screen
+// awake any more. Main thread only.
 class Away {
  public:
-  // Told once for each time away; `since` may lie before other calls.
+  // Called once for each time away; `since` may be earlier than other calls.
   struct Handlers {
     std::function<void(Moment since)> onAway;
     std::function<void(Moment when)> onBack;
   };
 
-  // Without input for `seconds` the user is away; absent means never. `loop` and `clock` must
+  // The user is away after `seconds` without input; absent means never. `loop` and `clock` must
   // outlive the object.
   Away(MainLoop& loop, const SteadyClock& clock, std::optional<double> seconds, Handlers handlers);
   ~Away();
   Away(const Away&) = delete;
   Away& operator=(const Away&) = delete;
 
-  // Without input for `seconds` the user is away from now on; absent means never. Who is away
-  // without input by the limit before is back, until the next noteIdle().
+  // Changes the limit; absent means never. A user who is away by the old limit is back, until the
+  // next noteIdle().
   void setLimit(std::optional<double> seconds);
 
   void noteIdle(Moment lastInput);
@@ -40,7 +40,7 @@ class Away {
   void noteWakeUp(Moment when);
   void noteKeptAwake(bool isKeptAwake, Moment when);
 
-  // Since when the user has been away; absent while not.
+  // Since when the user has been away; absent while present.
   [[nodiscard]] std::optional<Moment> since() const { return awaySince_; }
 
  private:
@@ -58,7 +58,7 @@ class Away {
   bool isKeptAwake_ = false;
   Moment keptAwakeUntil_;
   std::optional<Moment> awaySince_;
-  std::optional<MainLoop::TimerToken> timer_;  // for the time after something kept it awake
+  std::optional<MainLoop::TimerToken> timer_;  // runs after something stopped keeping it awake
 };
 
 }  // namespace tessum

@@ -8,7 +8,7 @@
 namespace tessum {
 namespace {
 
-// A timer that is set again by then is no worse, and its time never too far for the loop.
+// Renewing the timer this often does no harm, and keeps its times within the loop's range.
 constexpr double kLongestWait = 86400;
 
 Window windowOf(const Front& front) {

@@ -1,4 +1,4 @@
-// Keeps out of the recording what is not to be written down.
+// Filters out what must not be recorded.
 
 #pragma once
 
@@ -17,14 +17,14 @@ namespace tessum {
 // Applies the rules of the settings and the pause at the present time. Main thread only.
 class FrontFilter {
  public:
-  // Calls `onChange` from `loop` when time alone may change what passes: a schedule begins or ends,
-  // or the pause ends. `wall` and `loop` must outlive the object.
+  // Calls `onChange` from `loop` when the passage of time may change the result: a schedule begins
+  // or ends, or the pause ends. `wall` and `loop` must outlive the object.
   FrontFilter(const Clock& wall, MainLoop& loop, std::function<void()> onChange);
   ~FrontFilter();
   FrontFilter(const FrontFilter&) = delete;
   FrontFilter& operator=(const FrontFilter&) = delete;
 
-  // Neither calls `onChange`.
+  // These do not call `onChange`.
   void obey(std::vector<HideRule> rules);
   void pause(const std::optional<Pause>& pause) { pause_ = pause; }
 
@@ -32,10 +32,10 @@ class FrontFilter {
 
   struct Passed {
     std::optional<Front> front;
-    Kept kept = Kept::all;  // how much of what was there
+    Kept kept = Kept::all;  // how much of the original
   };
 
-  // What may be written of `front` now.
+  // What may be recorded of `front` now.
   [[nodiscard]] Passed pass(const std::optional<Front>& front);
 
  private:

@@ -41,7 +41,7 @@ void FrontSessions::changeTitle(const std::optional<std::string>& text, Moment s
   dropNext();
   if (text == title_.text) return;
   if (isFirst_ && !title_.text) {
-    title_ = {text, since};  // a window that got its title only now
+    title_ = {text, since};  // a window that has just got its title
     return feed_.retitle(*text);
   }
   next_ = {text, since};
@@ -53,7 +53,7 @@ void FrontSessions::changeTitle(const std::optional<std::string>& text, Moment s
   }
 }
 
-// Whether the latest title, which was there up to `now`, has lasted; if so, it gets its session.
+// Whether the latest title, shown until `now`, has lasted long enough; if so, begins its session.
 void FrontSessions::decide(Moment now) {
   const bool hasLasted =
       titles_ == Titles::each && secondsBetween(latest().since, now) >= kSettledSeconds;
@@ -67,7 +67,7 @@ void FrontSessions::decide(Moment now) {
   isFirst_ = false;
 }
 
-// The application is left at `when`.
+// The application stops being in front at `when`.
 void FrontSessions::finishTitles(Moment when) {
   if (!application_) return;
   decide(when);

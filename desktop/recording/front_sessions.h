@@ -1,10 +1,9 @@
-// Makes sessions of what is in front.
+// Turns what is in front into sessions.
 //
-// A session is a stretch of one application with one title. A title that changes within an
-// application begins a new session once it has lasted five seconds, counted from when it appeared:
-// titles that go sooner, such as those of spinners and loading pages, join the session before them.
-// Before an application's first title has lasted that long there is no such session, so it gives
-// its time to the title that follows it.
+// A session is a stretch of time with one application and one title. A new title begins a new
+// session once it has lasted five seconds, and that session starts when the title appeared. The
+// time of shorter titles, such as those of spinners and loading pages, goes to the previous
+// session. If an application's first title is too short, its time goes to the title that follows.
 
 #pragma once
 
@@ -23,24 +22,24 @@ namespace tessum {
 // Main thread only.
 class FrontSessions {
  public:
-  // How long a title lasts at least that has a session of its own.
+  // The shortest time for which a title gets its own session.
   static constexpr double kSettledSeconds = 5;
 
-  // All but `titles` must outlive the object.
+  // All arguments but `titles` must outlive the object.
   FrontSessions(MonitorFeed& feed, const WallTimeline& timeline, MainLoop& loop, Titles titles);
   ~FrontSessions();
   FrontSessions(const FrontSessions&) = delete;
   FrontSessions& operator=(const FrontSessions&) = delete;
 
-  // What becomes of titles from now on.
+  // Changes how titles are recorded from now on.
   void setTitles(Titles titles) { titles_ = titles; }
 
-  // What is in front since `since`, which may lie before the last call: what began after it then
-  // never was.
+  // Sets what is in front since `since`. If that is before the last call, what began after it is
+  // deleted.
   void show(const std::optional<Front>& front, Moment since);
 
-  // Stores the title that an activation has by now, while none of its titles lasts. To be called
-  // every few seconds.
+  // Stores the current title of an activation none of whose titles has lasted yet. Call every few
+  // seconds.
   void storeLatestTitle();
 
  private:
@@ -64,8 +63,8 @@ class FrontSessions {
 
   std::optional<RunningApplication> application_;  // absent while nothing is in front
   Title title_;                                    // of the open session
-  bool isFirst_ = false;                           // of its activation, and has not lasted yet
-  std::optional<Title> next_;                      // the title since then, which has not lasted yet
+  bool isFirst_ = false;                           // the first of its activation, not settled yet
+  std::optional<Title> next_;                      // a newer title, not settled yet
   std::optional<MainLoop::TimerToken> timer_;
 };
 

@@ -3,16 +3,16 @@
 namespace tessum {
 namespace {
 
-// A session longer than that is not made by a guess.
+// We never guess that a session lasted longer than this.
 constexpr double kLongestGuess = 2 * 3600;
 
-// A sign of life is given at least as often while a recorder runs.
+// A running recorder touches its lock's file at least this often.
 constexpr double kLongestSilence = 60;
 
-// Sessions and their recorder's own beginning are timed one after the other.
+// Allows for the time between reading the clock for the recorder's start and for its sessions.
 constexpr double kSlack = 1;
 
-// Whether `recorder` can have begun `session`, and was not there any more when the next one began.
+// Whether `recorder` may have begun `session` and had stopped when the next one began.
 bool isOf(const RecorderState& recorder, const Activity& session, const std::optional<Date>& next) {
   if (!recorder.lastSign) return false;
   const bool isTooEarly =

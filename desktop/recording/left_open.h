@@ -1,4 +1,4 @@
-// Sessions that a recorder could not end.
+// Ends sessions that a recorder could not end.
 
 #pragma once
 
@@ -12,14 +12,14 @@
 
 namespace tessum {
 
-// When `session`, which has been left open, ended: where its recorder was last known to live, if
-// `recorder`, the last one that ran, is the one; or where the next session began, if that was
-// within two hours. Absent when neither is known: a guess could make a night one long session.
-// Never before it began. Throws DatabaseError.
+// When `session`, which was left open, ended: when its recorder was last known to run, if it was
+// `recorder`, the last one that ran; or when the next session began, if that was within two hours.
+// Absent when neither is known: a guess could turn a night into one long session. Never before the
+// session began. Throws DatabaseError.
 [[nodiscard]] std::optional<Date> endOfLeftOpen(History& history, const Activity& session,
                                                 const RecorderState& recorder);
 
-// Ends every open session of which that is known, and returns them. Throws DatabaseError.
+// Ends every open session whose end is known, and returns those. Throws DatabaseError.
 std::vector<Activity> endLeftOpen(History& history, const RecorderState& recorder);
 
 }  // namespace tessum

@@ -1,9 +1,9 @@
-// What the monitor is shown of the desktop.
+// Feeds the monitor with a filtered view of the desktop.
 //
-// The monitor follows a desktop by itself: it takes the clock's time when it is told of an
-// activation, and looks for a title every five seconds. The recorder knows more: when something
-// happened, which title belongs to it, and what is not to be recorded at all. So the monitor gets a
-// workspace, a clock and a loop that show it just that, one step after another.
+// The monitor follows a desktop by itself: it reads the clock at each activation, and polls the
+// title every five seconds. The recorder knows more: when something happened, which title belongs
+// to it, and what must not be recorded. So it gives the monitor a workspace, a clock and a loop
+// that show exactly that, one step after another.
 
 #pragma once
 
@@ -17,23 +17,23 @@
 
 namespace tessum {
 
-// The monitor that writes to `sessions`, with the desktop in front of it. Main thread only.
+// A monitor that writes to `sessions`, and the desktop it sees. Main thread only.
 class MonitorFeed {
  public:
   explicit MonitorFeed(std::shared_ptr<SessionWriter> sessions);
 
-  // Ends the session before, and begins one. A title is never empty.
+  // Ends the open session, if any, and begins another. A title is never empty.
   void begin(const RunningApplication& application, const std::optional<std::string>& title,
              Date when);
 
-  // Gives the open session another title. There is no absent one: a session keeps what it has.
+  // Changes the open session's title. A session cannot lose its title.
   void retitle(const std::string& title);
 
-  // Ends the open session, if there is one.
+  // Ends the open session, if any.
   void end(Date when);
 
  private:
-  // The clock stands still between two steps.
+  // The clock does not advance between two steps.
   struct StoppedClock final : Clock {
     [[nodiscard]] Date now() const override { return date; }
     Date date;
@@ -52,7 +52,7 @@ class MonitorFeed {
     std::optional<std::string> title;
   };
 
-  // Keeps the task of the one timer, the look for a title, which is run when there is one.
+  // Keeps the task of the only timer, the poll for a title, and runs it when there is a title.
   struct TitleLoop final : MainLoop {
     void post(Task task) override { task(); }
     TimerToken startTimer(double, Task task) override;

@@ -22,24 +22,24 @@
 namespace tessum {
 namespace {
 
-// How long a lock on the database is waited for when recording begins and ends.
+// How long to wait for a lock on the database when recording begins and ends.
 constexpr double kLockPatienceSeconds = 5;
 
-// How often the lock's file is touched: the sign of life by which a session that a crash leaves
-// open is ended later. With the interval of the tick it is never a minute old.
+// How often the lock's file is touched, to record that the recorder is running: after a crash, the
+// open session ends at that time. With the tick's interval it is never a minute old.
 constexpr double kTouchSeconds = 30;
 
 void say(const std::string& text) {
   std::fprintf(stderr, "Tessum: %s\n", text.c_str());
 }
 
-// What goes well is of interest only while a person watches.
+// Progress is of interest only on a terminal.
 void sayToPerson(const std::string& text) {
   if (isatty(STDERR_FILENO) != 0) say(text);
 }
 
-// Writing to a display that has gone away is to fail, not to end the program. A handler and not
-// SIG_IGN, which programs started from here would keep.
+// Writing to a display that has gone away must fail, not end the program. We install a handler
+// instead of SIG_IGN, which child processes would inherit.
 void surviveBrokenPipes() {
   signal(SIGPIPE, [](int) {});
 }
@@ -69,8 +69,8 @@ void sayWhatWasLeftOpen(const std::vector<Activity>& ended) {
       clockText(end) + " now.");
 }
 
-// The path of a database that is there, takes sessions, and has none open. One that takes nothing,
-// for being read-only or damaged, has to be found out before anything is recorded.
+// The path of a database that exists, accepts sessions, and has none open. A read-only or damaged
+// database must be detected before recording begins.
 std::string preparedDatabase(const Host& host, const RecorderState& before) {
   std::string path = historyPath(host.locations);
   const auto deadline =
@@ -89,8 +89,8 @@ std::string preparedDatabase(const Host& host, const RecorderState& before) {
   }
 }
 
-// What keeps the user from being away, as far as the settings let it be said: a reason may be the
-// name of a film.
+// What keeps the user from being away, as far as the settings allow it to be shown: a reason may be
+// the name of a film.
 std::vector<std::string> sayable(const std::vector<AwakeReason>& reasons,
                                  const std::vector<HideRule>& rules, Date now) {
   std::vector<std::string> texts;
@@ -218,7 +218,7 @@ void Recorder::tick() {
   if (secondsBetween(lastTouch_, steady_.now()) >= kTouchSeconds) touchLock();
 }
 
-// A recorder of a desktop that is gone would only keep the next one from starting, so it ends.
+// Once its desktop is gone, a recorder would only prevent the next one from starting, so it ends.
 void Recorder::handle(const WorkspaceNotice& notice) {
   state_.notice = notice.text + (notice.remedy.empty() ? "" : " " + notice.remedy);
   say(state_.notice);

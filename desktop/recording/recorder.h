@@ -1,4 +1,4 @@
-// The recording program: what is in front goes into the history until it is told to end.
+// The recording program: it records what is in front into the history until it is told to end.
 
 #pragma once
 
@@ -25,17 +25,17 @@
 
 namespace tessum {
 
-// The parts of the program, in the order in which they need each other. Main thread only.
+// Owns the parts of the program, in the order of their dependencies. Main thread only.
 class Recorder {
  public:
-  // Reads the settings, which yield to `options`. Creates the data folder and the database where
-  // they are missing, and ends the sessions that a recorder before could not end. Throws
+  // Reads the settings, which `options` override. Creates the data folder and the database if
+  // missing, and ends the sessions that an earlier recorder could not end. Throws
   // std::system_error, std::runtime_error when another recorder uses the data folder,
   // SettingsError, WorkspaceUnavailable and DatabaseError.
   Recorder(const Host& host, const RecordingOptions& options);
 
-  // Looks for a newer version, now and every six hours while it records, and says in one line when
-  // one appears.
+  // Checks for a newer version now and every six hours while recording, and prints one line when
+  // there is one.
   void watchForReleases();
 
   // Also answers assistants over HTTP, from a process of its own, and prints where. Throws what
@@ -62,13 +62,13 @@ class Recorder {
   const RecordingOptions options_;
   RecordingSettings settings_;
   const std::string folder_;
-  const RecorderState before_;            // what the last recorder said of itself
+  const RecorderState before_;            // the last recorder's state
   const std::shared_ptr<FileLock> lock_;  // shared with the queue, which writes to its file
   SystemMainLoop loop_;
   const SystemSteadyClock steady_{};
   TerminationSignals signals_;
   const std::string database_;
-  ThreadQueue queue_;  // for all that is written to the disk
+  ThreadQueue queue_;  // for all writes to the disk
   const std::shared_ptr<SessionJournal> journal_;
   std::vector<AwakeReason> awake_;
   Moment lastTouch_;

@@ -10,7 +10,7 @@
 namespace tessum {
 namespace {
 
-// Sessions and the recorder's own beginning are timed one after the other.
+// Allows for the time between reading the clock for the recorder's start and for its sessions.
 constexpr double kSlack = 1;
 
 void readText(const std::string& text, RecorderState& state) {
@@ -50,7 +50,7 @@ RecorderState recorderState(const Locations& locations) {
   try {
     readText(file->content, state);
   } catch (const json::DecodingError&) {
-    // The recorder is only just starting, or it was killed before it said anything.
+    // The recorder has just started, or was killed before it wrote its state.
   }
   return state;
 }

@@ -1,4 +1,4 @@
-// What the recorder says of itself, for other processes.
+// The recorder's state, which it publishes for other processes.
 
 #pragma once
 
@@ -14,7 +14,7 @@ namespace tessum {
 
 struct RecorderState {
   bool isRecording = false;
-  bool hasEnded = false;  // the last recorder ended by itself, and was not cut off
+  bool hasEnded = false;  // the last recorder ended normally, without a crash
 
   // What follows is of the last recorder when none runs.
   std::optional<Date> since = {};       // when it began; absent where no recorder ever ran
@@ -25,18 +25,18 @@ struct RecorderState {
   std::vector<std::string> awake = {};  // what keeps the user from being away, as a person reads it
 };
 
-// The file whose lock a recorder holds for as long as it runs. It holds what stateText() gives.
+// The file that a recorder locks while it runs. Its content is stateText().
 [[nodiscard]] std::string recorderFile(const Locations& locations);
 
-// What a recorder says of itself as the content of its file.
+// The content of that file.
 [[nodiscard]] std::string stateText(const RecorderState& state);
 
-// Looks at that file; nothing is created and no lock is taken. Throws std::system_error when it is
-// there but cannot be looked at.
+// Reads that file; creates nothing and takes no lock. Throws std::system_error when it exists but
+// cannot be read.
 [[nodiscard]] RecorderState recorderState(const Locations& locations);
 
-// The one of `openSessions`, which come oldest first, that the recorder is in the middle of;
-// absent when it does not run or has none. The others were left open.
+// The one of `openSessions`, oldest first, that the recorder is recording; absent when it is not
+// running or has none. The others were left open.
 [[nodiscard]] std::optional<Activity> currentSession(const RecorderState& state,
                                                      const std::vector<Activity>& openSessions);
 

@@ -5,7 +5,7 @@
 namespace tessum {
 namespace {
 
-// The clocks for this are read one after the other.
+// Allows for the time between reading the two clocks.
 constexpr double kShortestSleep = 1;  // seconds
 
 }  // namespace
@@ -48,8 +48,8 @@ void Recording::show(const std::optional<Front>& front, Moment since) {
   update(since);
 }
 
-// Shows the sessions what is to be written since `since`. A session never holds time for which its
-// title is hidden and time for which it is not: sessions give each other the time of short titles.
+// Passes on what may be recorded since `since`. Hidden and visible time never share a session,
+// because sessions exchange the time of short titles.
 void Recording::update(Moment since) {
   followClock();
   auto [front, kept] = filter_.pass(front_);
@@ -93,8 +93,8 @@ void Recording::tick() {
   lastTick_ = now;
 }
 
-// Ends the session that lasted while the clock was set by the time before, so that none ends before
-// it began or lasts longer than it did. Whether the clock was set.
+// If the clock was set, ends the open session by the old time, so that no session ends before it
+// began or is too long. Returns whether the clock was set.
 bool Recording::followClock() {
   if (!timeline_.wasSet()) return false;
   sessions_.show(std::nullopt, steady_.now());

@@ -1,4 +1,4 @@
-// What is recorded: what is in front, while the user is there.
+// Decides what is recorded: what is in front, while the user is present.
 
 #pragma once
 
@@ -23,44 +23,44 @@ struct RecordingSettings {
   std::vector<HideRule> hide = {};
 };
 
-// Turns what the desktop and the session tell into sessions of the monitor. Main thread only.
+// Turns events of the desktop and the login session into sessions of the monitor. Main thread only.
 class Recording {
  public:
   // How often tick() is to be called, in seconds.
   static constexpr double kTickSeconds = 5;
 
-  // `onChange` is called whenever awaySince() has changed, and when a schedule of the settings or
-  // the pause may have begun or ended by itself. All but `settings` must outlive the object.
+  // Calls `onChange` whenever awaySince() has changed, and when a schedule of the settings or the
+  // pause may have begun or ended by itself. All arguments but `settings` must outlive the object.
   Recording(std::shared_ptr<SessionWriter> sessions, const Clock& wall, const SteadyClock& steady,
             MainLoop& loop, const RecordingSettings& settings, std::function<void()> onChange);
   Recording(const Recording&) = delete;
   Recording& operator=(const Recording&) = delete;
 
-  // Follows other settings from now on.
+  // Changes the settings.
   void obey(const RecordingSettings& settings);
 
-  // Begins or, where it is absent, ends a pause. It also ends by itself.
+  // Begins a pause, or ends it when absent. A pause also ends by itself.
   void pause(const std::optional<Pause>& pause);
 
   [[nodiscard]] bool isPaused() const { return filter_.isPaused(); }
 
-  // What is in front, and since when.
+  // Reports what is in front, and since when.
   void show(const std::optional<Front>& front, Moment since);
 
-  // What keeps the user away, or not.
+  // Events that tell whether the user is away.
   [[nodiscard]] Away& away() { return away_; }
 
-  // The computer went to sleep at `when`, and is awake again.
+  // Reports that the computer went to sleep at `when`, or woke up.
   void noteSleep(Moment when);
   void noteWakeUp(Moment when);
 
-  // Finds out what nobody tells: a clock that was set, and a sleep that was not announced.
+  // Detects what is not announced: a clock that was set, and an unannounced sleep.
   void tick();
 
-  // Ends the open session. To be called once, at the end.
+  // Ends the open session. Call once, at the end.
   void stop();
 
-  // Since when the user has been away; absent while not.
+  // Since when the user has been away; absent while present.
   [[nodiscard]] std::optional<Date> awaySince() const;
 
  private:
@@ -80,7 +80,7 @@ class Recording {
   Kept kept_ = Kept::all;  // of what is in front
   std::optional<Date> awaySince_;
   Moment lastTick_;
-  double asleep_;  // seconds of sleep that are known of
+  double asleep_;  // seconds of sleep known so far
 };
 
 }  // namespace tessum

@@ -1,4 +1,4 @@
-// What the command line says of recording.
+// The command line's options for recording.
 
 #pragma once
 
@@ -9,13 +9,13 @@
 
 namespace tessum {
 
-// Each wins over the settings; absent is what the settings decide.
+// Each overrides the settings; when absent, the settings decide.
 struct RecordingOptions {
   std::optional<AwayAfter> awayAfter = {};
   std::optional<Titles> titles = {};
 };
 
-// What holds for a recording.
+// The settings with `options` applied.
 [[nodiscard]] RecordingSettings recordingSettings(const Settings& settings,
                                                   const RecordingOptions& options);
 

@@ -14,7 +14,7 @@
 namespace tessum {
 namespace {
 
-// Sessions that are stored and still remembered, as an end that is told late may lie before them.
+// How many stored sessions to remember: a late report may end a session before they began.
 constexpr std::size_t kRemembered = 1000;
 
 constexpr std::size_t kMostAtOnce = 1000;
@@ -23,7 +23,7 @@ constexpr auto kRetryAtTheEnd = std::chrono::milliseconds(20);
 
 }  // namespace
 
-// A write under way. `changes` are the queue's until `result` is there.
+// A write in progress. `changes` belong to the queue until `result` is set.
 struct SessionJournal::Batch {
   struct Result {
     std::vector<std::int64_t> rowIDs;
@@ -86,7 +86,7 @@ SessionJournal::Entry* SessionJournal::find(std::int64_t id) {
   return found == entries_.end() || found->id != id ? nullptr : &*found;
 }
 
-// The latest sessions, as far as they reach beyond `end`.
+// Shortens or deletes the latest sessions that reach beyond `end`.
 void SessionJournal::takeBack(Date end) {
   for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
     if (!entry->session) continue;
@@ -107,8 +107,8 @@ void SessionJournal::markUnsaved(Entry& entry) {
   postWrite();
 }
 
-// All changes of one turn of the loop are written at once: a session is stored with its title, and
-// in one transaction with the end of the session before it.
+// All changes of one turn of the loop are written together: a session is stored with its title, in
+// the same transaction as the end of the previous session.
 void SessionJournal::postWrite() {
   if (retry_ || batch_ || std::exchange(isWritePosted_, true)) return;
   loop_.post([weak = std::weak_ptr(self_)] {
@@ -144,7 +144,7 @@ void SessionJournal::takeResult() {
   if (result.failure) return handleFailure(*result.failure);
   for (std::size_t i = 0; i < batch->ids.size(); ++i) {
     Entry* const entry = find(batch->ids[i]);
-    if (entry == nullptr) continue;  // lost meanwhile
+    if (entry == nullptr) continue;  // dropped meanwhile
     entry->rowID = result.rowIDs[i] == 0 ? std::nullopt : std::optional(result.rowIDs[i]);
     if (!std::exchange(entry->isInBatch, false)) continue;
     entry->isUnsaved = false;

@@ -1,10 +1,9 @@
-// What the recorder knows should be in the database, and what is there by now.
+// Keeps sessions in memory until they are stored.
 //
-// The monitor writes as if every write succeeded at once. The journal keeps each session in memory
-// until it is stored: a queue of its own writes what has changed in one transaction that waits for
-// no lock, and a write that fails is tried again until it succeeds. So the main thread waits for
-// neither a lock nor a disk, and a lock that another program holds delays a session but does not
-// lose it.
+// To the monitor, every write succeeds at once. The journal keeps each session in memory until it
+// is stored: a separate queue writes the changes in one transaction that does not wait for locks,
+// and a failed write is retried until it succeeds. So the main thread never waits for a lock or a
+// disk, and a lock held by another program delays a session but does not lose it.
 
 #pragma once
 
@@ -25,17 +24,17 @@ namespace tessum {
 // The only writer of sessions to its database. Main thread only.
 class SessionJournal final : public SessionWriter {
  public:
-  // Unsaved sessions are kept up to this number; beyond it the oldest are lost, and said to be.
+  // The most unsaved sessions that are kept; beyond it the oldest are dropped, and reported.
   static constexpr std::size_t kMostUnsaved = 20'000;
 
-  // A write that failed is tried again after this many seconds.
+  // Seconds before a failed write is retried.
   static constexpr double kRetrySeconds = 0.25;
 
-  // How many seconds a write may fail before it is said.
+  // Seconds for which writes may fail before it is reported.
   static constexpr double kPatienceSeconds = 5;
 
-  // `path` is that of the database, which must be there; `say` gets sentences for a person. `loop`
-  // and `queue` must outlive the journal, and `loop` the tasks of `queue`.
+  // The database at `path` must exist; `say` receives sentences for a person. `loop` and `queue`
+  // must outlive the journal, and `loop` the tasks of `queue`.
   SessionJournal(std::string path, MainLoop& loop, SerialQueue& queue,
                  std::function<void(const std::string&)> say);
   ~SessionJournal() override;
@@ -46,15 +45,15 @@ class SessionJournal final : public SessionWriter {
   std::int64_t insert(const Activity& activity) override;
   void updateTitle(std::int64_t id, const std::string& title) override;
 
-  // An end before the session's beginning means that it never was: its row goes, and an earlier
-  // session that had lasted longer ends there as well.
+  // An end before the session's start deletes the session, and an earlier session that lasted
+  // longer ends there, too.
   void updateEndTime(std::int64_t id, Date end) override;
 
-  // Holds `token` until everything so far is written.
+  // Keeps `token` until everything so far is written.
   void holdUntilWritten(std::shared_ptr<void> token);
 
-  // Writes what is left, for `seconds` at most; false when something could not be written, which is
-  // then said. Nothing may be written afterwards.
+  // Writes the remaining changes, for `seconds` at most; if some could not be written, reports that
+  // and returns false. No calls may follow.
   [[nodiscard]] bool finish(double seconds);
 
  private:
@@ -62,9 +61,9 @@ class SessionJournal final : public SessionWriter {
   struct Entry {
     std::int64_t id = 0;
     std::optional<std::int64_t> rowID;
-    std::optional<Activity> session;  // absent for one that never was
+    std::optional<Activity> session;  // absent for a deleted one
     bool isUnsaved = true;
-    bool isInBatch = false;  // unchanged since the batch under way took it
+    bool isInBatch = false;  // unchanged since the current batch took it
   };
 
   [[nodiscard]] Entry* find(std::int64_t id);
@@ -81,23 +80,23 @@ class SessionJournal final : public SessionWriter {
   SerialQueue& queue_;
   const std::function<void(const std::string&)> say_;
 
-  // Unsaved sessions, and the latest of the others, in the order of their beginning.
+  // Unsaved sessions and the latest stored ones, in the order of their start.
   std::deque<Entry> entries_;
   std::int64_t lastID_ = 0;
   std::size_t unsaved_ = 0;
   std::size_t lost_ = 0;
 
-  std::shared_ptr<Batch> batch_;  // the write under way; null when there is none
+  std::shared_ptr<Batch> batch_;  // the write in progress; null when there is none
   bool isWritePosted_ = false;
   std::optional<MainLoop::TimerToken> retry_;
   int failures_ = 0;  // in a row
   bool hasComplained_ = false;
   std::vector<std::shared_ptr<void>> held_;
 
-  // The queue's alone.
+  // Used by the queue only.
   const std::shared_ptr<class SessionStore> store_;
 
-  // What is posted holds this weakly: once it is gone, so is the journal.
+  // Posted tasks hold a weak pointer to this, so that they do nothing once the journal is gone.
   const std::shared_ptr<SessionJournal*> self_;
 };
 

@@ -14,7 +14,7 @@ SettingsFollower::SettingsFollower(const Host& host, MainLoop& loop, Handlers ha
     : host_(host), loop_(loop), handlers_(std::move(handlers)) {
   watch(settings_, settingsPath(host.locations), [this] { readSettingsLater(); });
   watch(pause_, pausePath(host.locations), [this] { readPause(); });
-  readSettingsLater();  // which may have changed just before
+  readSettingsLater();  // they may have just changed
   readPause();
 }
 

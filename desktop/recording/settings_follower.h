@@ -1,4 +1,4 @@
-// Keeps a recording to the settings and the pause as they change.
+// Follows changes of the settings and the pause while recording.
 
 #pragma once
 
@@ -17,19 +17,19 @@ namespace tessum {
 // Main thread only.
 class SettingsFollower {
  public:
-  // A file is read once it has not changed for so many seconds: an editor may take away the old
-  // file before it makes the new one, and no rule may fail to hold meanwhile.
+  // A file is read once it has not changed for this many seconds: an editor may remove the old file
+  // before it creates the new one, and the rules must stay in force meanwhile.
   static constexpr double kQuietSeconds = 0.25;
 
   struct Handlers {
     std::function<void(const Settings&)> onSettings;
-    std::function<void(const std::optional<Pause>&)> onPause;  // absent: it was ended
-    std::function<void(const std::string&)> say;               // gets sentences for a person
+    std::function<void(const std::optional<Pause>&)> onPause;  // absent when it has ended
+    std::function<void(const std::string&)> say;               // receives sentences for a person
   };
 
-  // Calls `handlers` for the pause there is, before this returns, and from `loop` for what changes.
-  // Settings that are not understood are not passed on but said. Makes the folder of the settings
-  // where it is missing. `host` and `loop` must outlive the object.
+  // Calls `handlers` for the current pause before this returns, and from `loop` for changes.
+  // Reports invalid settings instead of passing them on. Creates the settings' folder if missing.
+  // `host` and `loop` must outlive the object.
   SettingsFollower(const Host& host, MainLoop& loop, Handlers handlers);
   ~SettingsFollower();
   SettingsFollower(const SettingsFollower&) = delete;

@@ -1,4 +1,4 @@
-// The wall clock's time of moments on the steady time line.
+// Converts steady moments to wall-clock time.
 
 #pragma once
 
@@ -10,8 +10,8 @@ namespace tessum {
 // Main thread only.
 class WallTimeline {
  public:
-  // A smaller difference between the clocks is no change: whoever corrects the time gradually does
-  // so in steps far below it.
+  // A smaller difference between the clocks does not count as a change: gradual corrections use far
+  // smaller steps.
   static constexpr double kSmallestStep = 1;  // seconds
 
   // Both must outlive the object.
@@ -20,10 +20,10 @@ class WallTimeline {
   // Whether the wall clock has been set, forward or back, since the last adopt().
   [[nodiscard]] bool wasSet() const;
 
-  // Follows the wall clock as it is now.
+  // Adopts the wall clock's current time.
   void adopt();
 
-  // What the wall clock showed at `moment` if it was not set since then.
+  // What the wall clock showed at `moment`, assuming it was not set since.
   [[nodiscard]] Date dateOf(Moment moment) const;
 
  private:
@@ -31,7 +31,7 @@ class WallTimeline {
 
   const Clock& wall_;
   const SteadyClock& steady_;
-  Date start_;  // of the steady time line
+  Date start_;  // where the steady clock is 0
 };
 
 }  // namespace tessum
