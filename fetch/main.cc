@@ -1,14 +1,13 @@
-// TessumFetch: fetches what lies at an HTTPS address for the program that starts it.
+// TessumFetch: fetches an HTTPS URL for the program that starts it.
 //
 //   TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]
 //
-// The body goes to standard output; what is known of it, and how the transfer ended, goes to
-// standard error, in the form of core/fetch/fetch_parts.h. The arguments are described as settings
-// in core/fetch/fetch_program_client.h. The program ends when nobody reads its standard error any
-// more.
+// The body goes to standard output; its size and the outcome go to standard error, in the format of
+// core/fetch/fetch_parts.h. core/fetch/fetch_program_client.h describes the arguments, as settings.
+// The program ends when the reader of its standard error closes.
 //
-// It is a program of its own so that libcurl, with some thirty libraries that it brings, is in
-// memory only for as long as a transfer takes, and never in the process that records.
+// It is a separate program so that libcurl and the some thirty libraries it needs are in memory
+// only during a transfer, and never in the process that records.
 
 #include <curl/curl.h>
 #include <poll.h>
@@ -35,8 +34,8 @@ using SteadyClock = std::chrono::steady_clock;
 
 constexpr long kMostRedirects = 20;
 
-// libcurl hands out a body in records of TLS, 16 KiB at most. Records that come without a pause are
-// gathered and handed on in larger pieces, since each piece wakes the reader.
+// libcurl delivers a body in TLS records of at most 16 KiB. Records that arrive without a pause are
+// combined into larger pieces, because each piece wakes the reader.
 constexpr std::size_t kLargestPiece = std::size_t{256} << 10;
 static_assert(kLargestPiece + CURL_MAX_WRITE_SIZE <= kLargestFetchPart);
 
@@ -70,7 +69,7 @@ void set(CURL* easy, CURLoption option, T value) {
   TESSUM_CHECK(curl_easy_setopt(easy, option, value) == CURLE_OK, "libcurl lacks an option");
 }
 
-// The options that replace these two are unknown to the libcurl of macOS 13.0.
+// The libcurl of macOS 13.0 does not have the options that replace these two.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 void allowOnlyHttps(CURL* easy) {
@@ -88,7 +87,7 @@ class Transfer {
     TESSUM_CHECK(multi_ != nullptr && easy_ != nullptr, "libcurl gives no handle");
     CURL* const easy = easy_.get();
     set(easy, CURLOPT_URL, url);
-    set(easy, CURLOPT_PATH_AS_IS, 1L);  // a tag or a name may hold "/../"
+    set(easy, CURLOPT_PATH_AS_IS, 1L);  // a tag or a name may contain "/../"
     allowOnlyHttps(easy);
     set(easy, CURLOPT_FOLLOWLOCATION, 1L);
     set(easy, CURLOPT_MAXREDIRS, kMostRedirects);
@@ -110,7 +109,7 @@ class Transfer {
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
 
-  // Fetches the address, and writes the head, the body and how it ended.
+  // Fetches the URL, and writes the head, the body and the outcome.
   void run() {
     const CURLcode result = perform();
     if (!handOn()) {
@@ -131,7 +130,7 @@ class Transfer {
       const auto left = std::chrono::ceil<std::chrono::milliseconds>(lastActivity_ + patience_ -
                                                                      SteadyClock::now());
       if (left.count() <= 0) return CURLE_OPERATION_TIMEDOUT;
-      curl_waitfd reader{STDERR_FILENO, 0, 0};  // wakes the poll when the reader goes
+      curl_waitfd reader{STDERR_FILENO, 0, 0};  // wakes the poll when the reader closes
       int ready = 0;
       curl_multi_poll(multi_.get(), &reader, 1,
                       gathered_.empty() ? static_cast<int>(left.count()) : 0, &ready);
@@ -145,7 +144,7 @@ class Transfer {
     int left = 0;
     const CURLMsg* const message = curl_multi_info_read(multi_.get(), &left);
     TESSUM_CHECK(message != nullptr && message->msg == CURLMSG_DONE, "libcurl ended nothing");
-    // libcurl takes an answer that breaks off within its headers for an empty one.
+    // libcurl treats a response that is cut off within its headers as an empty one.
     const CURLcode result = message->data.result;
     return result == CURLE_OK && !hasHeaders_ ? CURLE_PARTIAL_FILE : result;
   }
@@ -165,12 +164,12 @@ class Transfer {
     auto* const transfer = static_cast<Transfer*>(self);
     transfer->gathered_.append(bytes, size * count);
     if (transfer->gathered_.size() >= kLargestPiece && !transfer->handOn()) return 0;
-    transfer->lastActivity_ = SteadyClock::now();  // only now: handing on may wait for the disk
+    transfer->lastActivity_ = SteadyClock::now();  // only now: writing may wait for the disk
     return size * count;
   }
 
-  // Tells the head, unless that was done, and hands on the part of the body that was gathered.
-  // False when that cannot be written.
+  // Writes the head, unless already written, and the gathered part of the body. False when that
+  // fails.
   bool handOn() {
     if (!hasToldHead_) tellHead();
     hasToldHead_ = true;
@@ -209,9 +208,9 @@ class Transfer {
   const std::unique_ptr<CURLM, MultiCloser> multi_{curl_multi_init()};
   const std::unique_ptr<CURL, EasyCloser> easy_{curl_easy_init()};
   SteadyClock::time_point lastActivity_ = SteadyClock::now();
-  bool hasHeaders_ = false;  // whether those of the last answer are complete
+  bool hasHeaders_ = false;  // whether the last response's are complete
   bool hasToldHead_ = false;
-  std::string gathered_;  // the part of the body that was not handed on yet
+  std::string gathered_;  // the part of the body not written yet
   int writeError_ = 0;    // why the body cannot be written; 0 when it can
 };
 
@@ -220,7 +219,7 @@ int run(int count, char** arguments) {
     std::fputs("usage: TessumFetch URL IDLE-SECONDS [AUTHORITIES-FILE]\n", stderr);
     return 2;
   }
-  std::signal(SIGXFSZ, SIG_IGN);  // so that a file that may not grow is an error
+  std::signal(SIGXFSZ, SIG_IGN);  // so that exceeding a file size limit is an error
   TESSUM_CHECK(curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK, "libcurl cannot be used");
   Transfer(arguments[1], std::strtod(arguments[2], nullptr), arguments[3]).run();
   curl_global_cleanup();

@@ -20,7 +20,7 @@ json::PaddedView withoutCarriageReturn(json::PaddedView line) {
 }  // namespace
 
 std::optional<json::PaddedView> LineReader::next() {
-  std::size_t searched = 0;  // how many of the leftover bytes hold no line feed
+  std::size_t searched = 0;  // how many of the leftover bytes have no line feed
   for (;;) {
     const json::PaddedView left = leftover();
     const auto lineFeed = left.text().find('\n', searched);

@@ -9,11 +9,11 @@
 
 namespace tessum {
 
-// Reads lines of any length, without a copy: a line stays in the buffer it was read into.
-// Not thread-safe.
+// Reads lines of any length without copying: a line stays in the buffer it was read into. Not
+// thread-safe.
 class LineReader {
  public:
-  // Reads from `descriptor`, which stays the caller's.
+  // Reads from `descriptor`, which the caller keeps.
   explicit LineReader(int descriptor) : descriptor_(descriptor) {}
 
   // The next line without its line break, "\n" or "\r\n"; the last one need not have any. Absent
@@ -28,7 +28,7 @@ class LineReader {
 
   int descriptor_;
   json::PaddedBuffer buffer_;
-  std::size_t begin_ = 0;  // of what has not been returned yet
+  std::size_t begin_ = 0;  // start of the bytes not returned yet
   std::size_t end_ = 0;
 };
 

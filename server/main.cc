@@ -1,7 +1,7 @@
-// TessumMCP: the server that an assistant starts and talks to, one message a line.
+// TessumMCP: the server that an assistant starts and talks to, one message per line.
 //
-// Nothing is caught here: when the start fails, or input or output breaks, the process ends with
-// the error's description on standard error and never with the status of success.
+// Nothing is caught here: when startup, input or output fails, the process ends with the error's
+// description on standard error and never with a successful status.
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-// The reports for people, in local time.
+// Text reports for people, in local time.
 
 #pragma once
 
@@ -14,34 +14,34 @@
 
 namespace tessum {
 
-// What one day holds, each list with the oldest first.
+// The history of one day; each list is ordered oldest first.
 struct DayHistory {
   DayRange day;
-  std::vector<Activity> sessions;  // begun on the day
+  std::vector<Activity> sessions;  // that began on the day
   std::vector<Annotation> notes;   // that overlap it
-  Date now;                        // up to which open sessions and notes are counted
+  Date now;                        // open sessions and notes count up to here
 };
 
-// Reads the local day that holds `day`.
+// Reads the local day that contains `day`.
 [[nodiscard]] DayHistory readDay(History& history, const Host& host, Date day);
 
-// Seconds from `start` to `end`, or to `now` where there is none; never negative, whatever other
-// programs have written.
+// Seconds from `start` to `end`, or to `now` when absent; never negative, whatever other programs
+// have written.
 [[nodiscard]] double secondsUntil(Date now, Date start, const std::optional<Date>& end);
 
-// Those of `session`.
+// As above, for `session`.
 [[nodiscard]] double secondsUntil(Date now, const Activity& session);
 
-// The total of each application, the largest first; equal ones in the order of their names.
+// The total of each application, largest first; ties are ordered by name.
 [[nodiscard]] std::vector<AppUsageSummary> usageOf(std::span<const Activity> sessions, Date now);
 
-// Each report is a heading and a line for each record, or a sentence where there are none, with a
-// line feed at the end.
+// Each report is a heading and a line for each entry, or a sentence when there are none. Each ends
+// in a line feed.
 [[nodiscard]] std::string dayReport(const DayHistory& history, const Paper& paper);
 [[nodiscard]] std::string usageReport(const DayHistory& history, const Paper& paper);
 [[nodiscard]] std::string notesReport(const DayHistory& history, const Paper& paper);
 
-// The newest first, as it is found.
+// Newest first, in the order of `sessions`.
 [[nodiscard]] std::string searchReport(std::span<const Activity> sessions, Date now,
                                        const Paper& paper);
 

@@ -15,7 +15,7 @@ struct Range {
   char32_t last;
 };
 
-// Marks, joiners and selectors, in the order of their code points.
+// Marks, joiners and selectors, ordered by code point.
 constexpr Range kNarrowest[] = {
     {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A}, {0x064B, 0x065F},
     {0x0900, 0x0902}, {0x093C, 0x093C}, {0x0941, 0x0948}, {0x094D, 0x094D}, {0x0E31, 0x0E31},
@@ -23,7 +23,7 @@ constexpr Range kNarrowest[] = {
     {0x2060, 0x2064}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}, {0xE0100, 0xE01EF},
 };
 
-// East Asian wide and fullwidth characters and pictures, in the order of their code points.
+// East Asian wide and fullwidth characters and pictographs, ordered by code point.
 constexpr Range kWidest[] = {
     {0x1100, 0x115F},   {0x231A, 0x231B},   {0x23E9, 0x23EC},   {0x23F0, 0x23F0},
     {0x23F3, 0x23F3},   {0x25FD, 0x25FE},   {0x2614, 0x2615},   {0x2648, 0x2653},
@@ -63,7 +63,7 @@ struct Character {
   std::string_view bytes;
 };
 
-// The first character of valid UTF-8 that is not empty.
+// The first character of `text`, which is valid UTF-8 and not empty.
 Character firstCharacter(std::string_view text) {
   const auto lead = static_cast<unsigned char>(text.front());
   if (lead < 0x80) return {lead, text.substr(0, 1)};
@@ -199,11 +199,11 @@ std::string Table::text(const Paper& paper) const {
       if (i + 1 < row.size()) widths[i] = std::min(widths[i], kWidestColumn);
     }
   }
-  std::size_t before = 0;  // columns in front of the last cell
+  std::size_t before = 0;  // columns before the last cell
   for (std::size_t i = 0; i < widths.size(); ++i) {
     before += kGap + (i + 1 < widths.size() ? widths[i] : 0);
   }
-  constexpr std::size_t kLeast = 8;  // on narrow paper lines are long rather than empty
+  constexpr std::size_t kLeast = 8;  // on narrow paper lines are too long rather than empty
   if (paper.columns > 0) {
     const std::size_t rest = paper.columns > before ? paper.columns - before : 0;
     widths.back() = std::min(widths.back(), std::max(rest, kLeast));
@@ -211,7 +211,7 @@ std::string Table::text(const Paper& paper) const {
 
   std::string out;
   for (const auto& row : rows_) {
-    std::size_t pending = kGap;  // blanks that are written once something follows them
+    std::size_t pending = kGap;  // blanks, written only if something follows them
     for (std::size_t i = 0; i < row.size(); ++i) {
       // Without an end of the line, a cell that is too wide moves the rest of its own row alone.
       const std::string cell = paper.columns > 0 ? shortened(row[i].text, widths[i]) : row[i].text;

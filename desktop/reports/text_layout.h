@@ -1,4 +1,4 @@
-// Text laid out in columns for people, by the width that a terminal gives each character.
+// Lays out text in columns, using the width that terminals give each character.
 
 #pragma once
 
@@ -10,19 +10,19 @@
 
 namespace tessum {
 
-// What the reports are written on.
+// The medium that reports are written to.
 struct Paper {
-  std::size_t columns = 0;  // 0 where lines may be as long as they like
+  std::size_t columns = 0;  // 0 means no limit
   bool hasColour = false;
 };
 
-// The columns that valid UTF-8 `text` takes up: none for marks that sit on the character before
-// them, two for East Asian wide characters and pictures, one for all others.
+// The columns that `text`, which is valid UTF-8, takes up: none for combining marks, two for East
+// Asian wide characters and pictographs, one for all others.
 [[nodiscard]] std::size_t displayWidth(std::string_view text);
 
-// `text` on one line and harmless to a terminal: line breaks and tabs become blanks, other control
-// characters, and those that turn the direction of writing, U+FFFD. A window's title comes from
-// anywhere: printed as it is, it could move the cursor or give the terminal commands.
+// `text` on one line and safe for a terminal: line breaks and tabs become blanks; other control
+// characters and those that change the writing direction become U+FFFD. A window title is
+// untrusted: printed unchanged, it could move the cursor or send the terminal commands.
 [[nodiscard]] std::string printable(std::string_view text);
 
 // `text` with each of its lines made printable; the lines stay as they are divided, by line feeds
@@ -32,20 +32,20 @@ struct Paper {
 // `text` cut to at most `columns`, ending in an ellipsis where something was cut.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
 
-// "1 session", "3 sessions"; `many` where the plural is not `one` with an "s".
+// "1 session", "3 sessions"; pass `many` when the plural is not `one` with an "s".
 [[nodiscard]] std::string counted(std::int64_t count, const std::string& one,
                                   const std::string& many = "");
 
-// A bar for `share` of `columns`, in eighths of a column; any share above 0 shows.
+// A bar for `share` of `columns`, in eighths of a column; any share above 0 is visible.
 [[nodiscard]] std::string bar(double share, std::size_t columns);
 
-// How a text is set off on paper that has colour; on other paper all look the same.
+// How text is emphasized on paper that has colour; without colour all look the same.
 enum class Tone { plain, strong, faint, accent, good, bad };
 
 [[nodiscard]] std::string toned(std::string_view text, Tone tone, const Paper& paper);
 
-// Rows of cells in columns as wide as their widest cell. The last column takes the rest of the
-// line and is cut where the paper ends. Not thread-safe.
+// Rows of cells in columns as wide as their widest cell. The last column takes the rest of the line
+// and is cut at the paper's width. Not thread-safe.
 class Table {
  public:
   enum class Alignment { left, right };
@@ -59,7 +59,7 @@ class Table {
   // Each row has one cell for each column.
   void addRow(std::vector<Cell> cells);
 
-  // Each row as a line that is indented by two blanks, without blanks at its end.
+  // Each row as a line, indented by two blanks and without trailing blanks.
   [[nodiscard]] std::string text(const Paper& paper) const;
 
  private:

@@ -12,8 +12,7 @@
 namespace tessum {
 namespace {
 
-// Nothing may be fetched, whatever a title holds: the policy holds even if a text got through as
-// markup.
+// The policy forbids all loading, even if a title were to get through as markup.
 constexpr char kHead[] = R"(<!DOCTYPE html>
 <html lang="en">
 <head>
@@ -66,7 +65,7 @@ footer { margin-top: 14px; color: var(--faint); font-size: 13px; }
 
 constexpr std::size_t kColours = 10;
 
-// Measures of the drawing, in its own units.
+// Dimensions of the drawing, in its own units.
 constexpr double kWidth = 1200;
 constexpr double kTotalsRight = 1154;
 constexpr double kAxisHeight = 26;
@@ -75,8 +74,8 @@ constexpr double kAllHeight = 46;
 constexpr double kRowHeight = 30;
 constexpr double kBarHeight = 18;
 constexpr double kGap = 12;
-constexpr double kLeastSpan = 0.8;   // a shorter one could not be seen
-constexpr double kNoteColumn = 7.6;  // of a usual character of a note
+constexpr double kLeastSpan = 0.8;   // a shorter span would be invisible
+constexpr double kNoteColumn = 7.6;  // the width of an average character of a note
 
 std::string escaped(std::string_view text) {
   std::string out;
@@ -104,7 +103,7 @@ std::string escaped(std::string_view text) {
   return out;
 }
 
-// `value` with one digit behind the point.
+// `value` with one decimal.
 std::string number(double value) {
   const auto tenths = static_cast<long>(std::lround(value * 10));
   std::string text = std::to_string(tenths / 10);
@@ -132,7 +131,7 @@ std::string spanText(Date start, const std::optional<Date>& end, Date now) {
          durationText(seconds, DurationForm::longForm);
 }
 
-// The applications of a day in the order of their totals. Those behind the last colour share a row.
+// The applications of a day, ordered by total. Those beyond the last colour share a row.
 class Rows {
  public:
   explicit Rows(const DayHistory& history) : summaries_(usageOf(history.sessions, history.now)) {}
@@ -174,7 +173,7 @@ class Rows {
   std::vector<AppUsageSummary> summaries_;
 };
 
-// Draws from the top down and keeps what it drew.
+// Draws from the top down and collects the markup.
 class Drawing {
  public:
   explicit Drawing(const DayHistory& history)
@@ -219,7 +218,7 @@ class Drawing {
               box(left + 1, top, std::max(width - 2, kLeastSpan), kNoteHeight) + "><title>" + tip +
               "</title></rect>\n";
       if (width < 24) continue;
-      // A drawing inside the drawing cuts off what is still too wide.
+      // The nested drawing clips text that is still too wide.
       const auto columns = static_cast<std::size_t>((width - 14) / kNoteColumn);
       out_ += "<svg pointer-events=\"none\"" + box(left + 8, top, width - 14, kNoteHeight) + ">" +
               "<text class=\"note-text\" x=\"0\"" + measure("y", kNoteHeight / 2) + ">" +

@@ -9,10 +9,9 @@
 
 namespace tessum {
 
-// The day as one HTML page that needs nothing else: above, the notes; below them all sessions on
-// one line, then a line for each application with its total beside it. Every span tells its title,
-// its times and its length when it is pointed at. The page follows the reader's choice of light or
-// dark, loads nothing and runs no script.
+// The day as one self-contained HTML page: the notes at the top, then all sessions on one line,
+// then a line for each application with its total. Pointing at a span shows its title, times and
+// length. The page follows the reader's light or dark preference, loads nothing and runs no script.
 [[nodiscard]] std::string timelinePage(const DayHistory& history);
 
 // The file of the page that is opened in the browser.

@@ -19,7 +19,7 @@ TimelineScale::TimelineScale(const DayHistory& history)
     include(history, session.startTime, session.endTime.value_or(history.now));
   }
   for (const Annotation& note : history.notes) {
-    // A note can go on for days; where it begins on this one it is shown.
+    // Only a note's start counts: a note can last for days.
     include(history, note.startedAt, note.startedAt);
   }
   if (start_.secondsSince1970 > end_.secondsSince1970) {

@@ -1,4 +1,4 @@
-// Where each moment of a day lies in the drawing of its timeline.
+// Maps moments of a day to positions in the timeline's drawing.
 
 #pragma once
 
@@ -9,25 +9,24 @@
 
 namespace tessum {
 
-// The left and right edge of the part of the drawing that shows time, in the drawing's own units.
+// The left and right edges of the plot, in the drawing's own units.
 inline constexpr double kPlotLeft = 172;
 inline constexpr double kPlotRight = 1050;
 
-// The part of the day that is drawn. Hours are as long as they took: on a day when the clock is
-// changed one is missing or drawn twice.
+// The part of the day that is drawn. On a day with a clock change, one hour is missing or drawn
+// twice.
 class TimelineScale {
  public:
-  // From the full hour before what happened first to the one after what happened last, and at least
-  // four hours; working hours where nothing happened.
+  // From the full hour before the first event to the full hour after the last one, at least four
+  // hours; working hours when there are no events.
   explicit TimelineScale(const DayHistory& history);
 
-  // Between kPlotLeft and kPlotRight; a date before or after the part that is drawn lies on its
-  // edge.
+  // Between kPlotLeft and kPlotRight; a date outside the drawn part lies on its edge.
   [[nodiscard]] double x(Date date) const;
 
   [[nodiscard]] bool contains(Date date) const;
 
-  // The full hours from the left to the right edge.
+  // The full hours, from left to right.
   [[nodiscard]] std::vector<Date> hours() const;
 
  private:

@@ -1,4 +1,4 @@
-// Points in time as the clock on the wall showed them.
+// Converts points in time to local time.
 
 #pragma once
 
@@ -20,20 +20,20 @@ struct WallTime {
   int second = 0;
 };
 
-// What the wall showed at `date`. The zone is looked up at each call; a moment too far away for
-// the system's calendar becomes the nearest that is not. Any thread.
+// The local time at `date`. Looks up the zone at each call; a date outside the system's calendar
+// becomes the nearest one inside. Any thread.
 [[nodiscard]] WallTime wallTime(Date date);
 
 [[nodiscard]] std::string clockText(Date date);     // 09:15
 [[nodiscard]] std::string dateText(Date date);      // 2025-03-04
 [[nodiscard]] std::string longDateText(Date date);  // Tuesday, 4 March 2025
 
-// The first moment after `now` at which the wall shows `minute`, counted from midnight. Where the
-// zone leaves out that time of day, it is the moment of the leap.
+// The first moment after `now` whose local time is `minute`, counted from midnight. If the zone
+// skips that time, the moment of the clock change.
 [[nodiscard]] Date nextTimeOfDay(int minute, Date now);
 
-// A moment of the local day that a person names: 2025-03-04, today or yesterday. Absent for any
-// other text and for dates that do not exist.
+// A moment of the local day named by a person: 2025-03-04, today or yesterday. Absent for any other
+// text and for dates that do not exist.
 [[nodiscard]] std::optional<Date> namedDay(const std::string& name, const Clock& clock,
                                            const Calendar& calendar);
 

@@ -10,7 +10,7 @@
 namespace tessum {
 namespace {
 
-// The years 1 and 9999 in UTC, with a day's distance to stay within them in every zone.
+// The years 1 to 9999 in UTC, less a day at each end so that every zone stays within them.
 constexpr double kEarliest = -62135510400.0;
 constexpr double kLatest = 253402214400.0;
 
@@ -25,7 +25,7 @@ constexpr double kSecondsOfDay = 86400;
 tm localTime(Date date) {
   const double seconds = std::isnan(date.secondsSince1970) ? 0 : date.secondsSince1970;
   const auto at = static_cast<time_t>(std::floor(std::clamp(seconds, kEarliest, kLatest)));
-  tzset();  // localtime_r need not look the zone up again
+  tzset();  // localtime_r need not look up the zone itself
   tm local{};
   localtime_r(&at, &local);
   return local;
@@ -35,15 +35,14 @@ double secondsAheadOfUtc(Date date) {
   return static_cast<double>(localTime(date).tm_gmtoff);
 }
 
-// How many seconds the wall needs from what it shows at `date` to the time of day `seconds`, if
-// nobody sets it.
+// Seconds from the local time at `date` to the next time of day `seconds`, ignoring clock changes.
 double secondsUntil(double seconds, Date date) {
   const tm local = localTime(date);
   const double shown = local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
   return seconds >= shown ? seconds - shown : seconds - shown + kSecondsOfDay;
 }
 
-// The first whole second after `start`, up to `end`, at which the zone is as it is at `end`.
+// The first whole second after `start`, up to `end`, with the same zone offset as `end`.
 Date changeOfZone(Date start, Date end) {
   const double after = secondsAheadOfUtc(end);
   while (secondsBetween(start, end) > 1) {

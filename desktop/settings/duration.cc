@@ -12,8 +12,8 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// Whether `text` is a number, or numbers that are each followed by one of the units h, m and s, in
-// that order.
+// Whether `text` is a number, or numbers each followed by one of the units h, m and s, in that
+// order.
 bool isPlainDuration(std::string_view text) {
   if (!text.empty() && std::all_of(text.begin(), text.end(), isDigit)) return true;
   std::string_view units = "hms";

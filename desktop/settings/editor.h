@@ -6,9 +6,9 @@
 
 namespace tessum {
 
-// Opens the file at `path` in the program that the variable EDITOR names, vi without one, with this
-// program's terminal, and waits for its end. The variable may hold options. False when the editor
-// failed. Throws std::system_error when nothing can be started.
+// Opens the file at `path` in the program named by the variable EDITOR, or else in vi, on this
+// program's terminal, and waits until it exits. The variable may include options. False when the
+// editor failed. Throws std::system_error when it cannot be started.
 [[nodiscard]] bool editFile(const std::string& path);
 
 }  // namespace tessum

@@ -36,7 +36,7 @@ int startHere(pid_t& process, const char* program, char* const* arguments) {
 }  // namespace
 
 bool editFile(const std::string& path) {
-  // The shell divides the variable into the program and its options.
+  // The shell splits the variable into the program and its options.
   std::string name = "sh";
   std::string option = "-c";
   std::string script = "exec ${EDITOR:-vi} \"$1\"";

@@ -1,4 +1,4 @@
-// What rules leave of sessions that were written down before there were such rules.
+// Applies rules to sessions that were recorded before the rules existed.
 
 #pragma once
 
@@ -9,9 +9,9 @@
 
 namespace tessum {
 
-// What `rules` leave of `session`, in the order of time: a piece for each stretch in which they
-// leave the same. Just the session where they leave it as it is, nothing where they hide it. Of a
-// session without an end its beginning decides.
+// What `rules` keep of `session`, in order of time: a piece for each stretch with the same outcome.
+// The session itself when they keep all of it, nothing when they hide it. A session without an end
+// is judged by its start.
 [[nodiscard]] std::vector<Activity> leftOf(const Activity& session,
                                            const std::vector<HideRule>& rules);
 

@@ -8,8 +8,8 @@ namespace tessum {
 namespace {
 
 re2::RE2::Options options() {
-  re2::RE2::Options options(re2::RE2::Quiet);  // else patterns reach standard error
-  options.set_never_capture(true);             // which is faster
+  re2::RE2::Options options(re2::RE2::Quiet);  // else it writes patterns to standard error
+  options.set_never_capture(true);             // faster
   return options;
 }
 

@@ -1,4 +1,4 @@
-// Regular expressions of the settings.
+// Regular expressions in the settings.
 
 #pragma once
 
@@ -13,21 +13,21 @@ class RE2;
 
 namespace tessum {
 
-// Looks through a text in time that grows with its length and not faster, whatever the pattern:
-// titles come from anywhere. Immutable.
+// Searches in time linear in the text's length, whatever the pattern, because titles are untrusted.
+// Immutable.
 class Pattern {
  public:
-  // How many bytes of text are searched. A pattern of thousands of letters can take seconds for a
-  // title of a million, which nobody reads.
+  // The longest text that is searched, in bytes. A pattern of thousands of letters can take seconds
+  // on a title of a million, which nobody reads.
   static constexpr std::size_t kMostBytes = 1024;
 
-  // Throws std::invalid_argument that says what is wrong with `text`.
+  // Throws std::invalid_argument that says what is wrong with the pattern `text`.
   explicit Pattern(const std::string& text);
 
   [[nodiscard]] const std::string& text() const;
 
-  // Whether some part of `text`, which is UTF-8, is as the pattern says. A longer text than
-  // kMostBytes counts as such: what is not known to be harmless is hidden.
+  // Whether the pattern matches some part of `text`, which is UTF-8. A text longer than kMostBytes
+  // counts as a match: when in doubt, a title is hidden.
   [[nodiscard]] bool isIn(std::string_view text) const;
 
  private:

@@ -18,7 +18,7 @@ Pause readPause(const std::string& text) {
     const json::Value document = json::parse(text);
     if (const auto until = json::Field(document).optional("until")) pause.until = {until->real()};
   } catch (const json::DecodingError&) {
-    // It has no end then.
+    // The pause then has no end.
   }
   return pause;
 }

@@ -1,4 +1,4 @@
-// What is written down of a window, and to which category it belongs.
+// Decides what is recorded of a window, and to which category it belongs.
 
 #pragma once
 
@@ -13,14 +13,14 @@
 
 namespace tessum {
 
-// What the rules look at. Texts are UTF-8; absent is what is not known.
+// The properties that rules match. Texts are UTF-8; unknown ones are absent.
 struct Window {
   std::optional<std::string_view> app;         // the application's name
-  std::optional<std::string_view> identifier;  // its lasting name
+  std::optional<std::string_view> identifier;  // its permanent name
   std::optional<std::string_view> title;
 };
 
-// Windows for which each present pattern holds.
+// The windows that match every present pattern.
 struct WindowPattern {
   std::optional<Pattern> app;  // in the name or the identifier
   std::optional<Pattern> title;
@@ -28,14 +28,14 @@ struct WindowPattern {
 
 [[nodiscard]] bool matches(const WindowPattern& pattern, const Window& window);
 
-// What is written down.
+// What is recorded.
 enum class Kept {
   all,
   app,     // the application, without the title
   nothing  // as if nothing were in front
 };
 
-// Hides windows: those of its pattern, during its schedule.
+// Hides matching windows during its schedule.
 struct HideRule {
   WindowPattern windows;
   std::optional<Schedule> schedule;  // absent means always
@@ -56,14 +56,15 @@ struct Rules {
 
 struct Verdict {
   Kept kept = Kept::all;
-  const HideRule* rule = nullptr;  // the one that decides, of those that were asked; null for all
+  const HideRule* rule = nullptr;  // the deciding one of the given rules; null when all is kept
 };
 
-// What is kept of `window` at `time`: the least that any rule leaves, by the first of those rules.
+// What is kept of `window` at `time`: the least that any rule keeps, with the first rule that does
+// so.
 [[nodiscard]] Verdict judge(const std::vector<HideRule>& rules, const Window& window,
                             const WallTime& time);
 
-// The first category that `window` belongs to; null when there is none.
+// The first category that `window` belongs to; null when none matches.
 [[nodiscard]] const Category* categoryOf(const Rules& rules, const Window& window);
 
 // The first moment after `now` at which the schedule of a rule may begin or end; absent when no

@@ -10,8 +10,8 @@
 
 namespace tessum {
 
-// From one time of day up to, but not including, another, in minutes after midnight. One that ends
-// before it begins ends on the day after.
+// From one time of day up to, but not including, another, in minutes after midnight. If the end is
+// before the beginning, it is on the next day.
 struct Hours {
   int begin = 0;
   int end = 24 * 60;
@@ -23,7 +23,7 @@ struct Hours {
 using Weekdays = std::bitset<7>;
 inline constexpr Weekdays kEveryDay{0x7F};
 
-// Hours on days of the week. Hours over midnight belong to the day on which they begin.
+// Hours on days of the week. Hours that cross midnight belong to the day on which they begin.
 struct Schedule {
   Hours hours;
   Weekdays days = kEveryDay;
@@ -36,10 +36,10 @@ struct Schedule {
 // The first moment after `now` at which the schedule may begin or end.
 [[nodiscard]] Date nextEdge(const Schedule& schedule, Date now);
 
-// Minutes after midnight of a text such as 09:15 or 9:15; 24:00 is one as well.
+// Minutes after midnight of a text such as 09:15 or 9:15; 24:00 is allowed.
 [[nodiscard]] std::optional<int> parseTimeOfDay(std::string_view text);
 
-// Hours such as 18:00-08:00. Absent for any other text, and for hours that end as they begin.
+// Hours such as 18:00-08:00. Absent for any other text, and when beginning and end are equal.
 [[nodiscard]] std::optional<Hours> parseHours(std::string_view text);
 
 // The day of the week, 0 for Sunday, of a text such as "mon".

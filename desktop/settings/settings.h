@@ -1,4 +1,4 @@
-// What the user can set, in one file that Tessum reads.
+// The user's settings, which Tessum reads from one file.
 
 #pragma once
 
@@ -10,25 +10,25 @@
 
 namespace tessum {
 
-// How long nothing is touched before the user is away.
+// How long there is no input before the user counts as away.
 struct AwayAfter {
   std::optional<double> seconds = 300;  // absent means never
 
   friend bool operator==(const AwayAfter&, const AwayAfter&) = default;
 };
 
-// What becomes of titles.
+// How titles are recorded.
 enum class Titles {
   each,  // one session for each title
   last,  // one session for each activation, with its last title
   none   // no titles
 };
 
-// A value, and where it comes from.
+// A value and its origin.
 template <typename T>
 struct Setting {
   T value;
-  int line = 0;  // of the file; 0 where the file does not set it
+  int line = 0;  // of the file; 0 when the file does not set it
 };
 
 struct Settings {
@@ -37,11 +37,11 @@ struct Settings {
   Rules rules = {};
 };
 
-// Of a duration of up to a day, or "never". Absent for any other text.
+// Parses a duration of up to a day, or "never". Absent for any other text.
 [[nodiscard]] std::optional<AwayAfter> parseAwayAfter(std::string_view text);
 [[nodiscard]] std::string awayAfterText(const AwayAfter& awayAfter);
 
-// Of the enumerators' names. Absent for any other text.
+// Parses an enumerator's name. Absent for any other text.
 [[nodiscard]] std::optional<Titles> parseTitles(std::string_view text);
 [[nodiscard]] std::string titlesText(Titles titles);
 

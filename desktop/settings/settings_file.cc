@@ -8,7 +8,7 @@
 namespace tessum {
 namespace {
 
-// The text of the file; absent when there is none.
+// The file's text; absent when it does not exist.
 std::optional<std::string> readText(const std::string& path, const Files& files) {
   try {
     return files.read(path);

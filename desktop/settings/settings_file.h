@@ -1,4 +1,4 @@
-// Where the settings lie.
+// The settings file.
 
 #pragma once
 
@@ -14,12 +14,11 @@ namespace tessum {
 // The path of the settings; the file need not exist.
 [[nodiscard]] std::string settingsPath(const Locations& locations);
 
-// The settings in force; without a file, the usual ones. Throws SettingsError, with the path in it,
-// when the file cannot be read or understood.
+// The settings in force; the defaults without a file. Throws SettingsError, which includes the
+// path, when the file cannot be read or is invalid.
 [[nodiscard]] Settings loadSettings(const Locations& locations, const Files& files);
 
-// Settings to begin with: what there is, each with a remark, and private windows of browsers
-// hidden.
+// A template: every setting with a comment, and a rule that hides browsers' private windows.
 [[nodiscard]] std::string_view settingsTemplate();
 
 }  // namespace tessum

@@ -32,7 +32,7 @@ std::string inQuotes(std::string_view text) {
   return "\"" + shortened(printable(validUtf8(text)), kColumns) + "\"";
 }
 
-// A key that a table may have, and what becomes of its value.
+// A key that a table may have, and its handler.
 struct Key {
   std::string_view name;
   std::function<void(const toml::node&)> read;

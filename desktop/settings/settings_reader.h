@@ -10,14 +10,14 @@
 
 namespace tessum {
 
-// What is wrong with settings, and where, as a person reads it.
+// Says what is wrong with the settings, and where, for a person.
 class SettingsError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Throws SettingsError at whatever is not understood, unknown keys included: a rule with a slip of
-// the pen would else hide nothing.
+// Throws SettingsError for anything invalid, including unknown keys; otherwise a misspelled rule
+// would hide nothing.
 [[nodiscard]] Settings readSettings(std::string_view text);
 
 }  // namespace tessum

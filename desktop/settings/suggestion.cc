@@ -6,10 +6,10 @@
 namespace tessum {
 namespace {
 
-constexpr std::size_t kLongestWord = 64;  // no longer one is like any of ours
+constexpr std::size_t kLongestWord = 64;  // longer ones resemble none of ours
 constexpr std::size_t kMostEdits = 2;
 
-// How many letters have to be added, removed or changed to make `b` of `a`.
+// How many letters must be added, removed or changed to turn `a` into `b`.
 std::size_t edits(std::string_view a, std::string_view b) {
   std::vector<std::size_t> row(b.size() +
                                1);  // of the letters of `a` so far, for each start of `b`

@@ -1,4 +1,4 @@
-// Words that were meant.
+// Suggestions for misspelled words.
 
 #pragma once
 
@@ -8,8 +8,8 @@
 
 namespace tessum {
 
-// "; did you mean "title"?" with the one of `words` that is nearest to `word`, or an empty text
-// when none is near.
+// "; did you mean "title"?" with the one of `words` closest to `word`, or an empty text when none
+// is close.
 [[nodiscard]] std::string suggestion(std::string_view word,
                                      const std::vector<std::string_view>& words);
 

@@ -10,19 +10,19 @@
 
 namespace tessum {
 
-// Opens a downloaded disk image if the system checks the programs in it before they run, and no
-// other file. The name of a download comes from the network, so it must end in ".dmg" and hold no
-// character that makes it look like another name. Main thread only.
+// Opens a downloaded disk image if the system checks its programs before they run; opens no other
+// file. The name of a download comes from the network, so it must end in ".dmg" and contain no
+// character that could disguise it. Main thread only.
 class DownloadOpener final : public UrlOpener {
  public:
   using Quarantine = std::function<bool(const std::string& path)>;
 
-  // `mark` marks an image for the check; then `system`, which must outlive this object, opens it.
+  // `mark` marks an image for that check; then `system`, which must outlive this object, opens it.
   explicit DownloadOpener(const UrlOpener& system, Quarantine mark = quarantine);
 
   void open(const std::string& url) const override;
 
-  // Whether the file at `url` was the last one that open() handed to the system.
+  // Whether the file at `url` is the last one that open() passed to the system.
   [[nodiscard]] bool hasOpened(const std::string& url) const { return opened_ == url; }
 
  private:

@@ -2,7 +2,7 @@
 
 namespace tessum {
 
-// There is no such check here.
+// Linux has no such check.
 bool quarantine(const std::string&) {
   return false;
 }

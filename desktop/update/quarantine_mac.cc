@@ -7,8 +7,8 @@
 
 namespace tessum {
 
-// The attribute that browsers set on a download: flags, the time in seconds since 1970, both in
-// hexadecimal, the name of the program, and the number of an event, which is left out.
+// The attribute that browsers set on a download: flags and the time in seconds since 1970, both in
+// hexadecimal, the program's name, and an event number, which we leave empty.
 bool quarantine(const std::string& path) {
   char value[64];
   const int size = std::snprintf(value, sizeof value, "0081;%08llx;Tessum;",

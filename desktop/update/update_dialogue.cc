@@ -14,7 +14,7 @@
 namespace tessum {
 namespace {
 
-// The tag comes from the network, and a long one would fill the screen.
+// The tag comes from the network; a long one would fill the screen.
 constexpr std::size_t kLongestVersion = 40;
 
 std::string versionText(const ReleaseInfo& release) {
@@ -102,7 +102,7 @@ std::string progressText(double fraction) {
 
 void announceReleases(UpdateChecker& checker, Say say) {
   const std::string running = checker.appVersion().value_or("");
-  // Shared, because each state is delivered to a copy of the observer.
+  // Shared because each state is delivered to a copy of the observer.
   const auto announced = std::make_shared<std::string>();
   checker.setOnStateChange([running, announced, say = std::move(say)](const UpdateState& state) {
     const auto* found = std::get_if<update_state::Available>(&state);

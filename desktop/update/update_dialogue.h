@@ -1,4 +1,4 @@
-// What the host program tells a person about new releases.
+// Tells a person about new releases.
 
 #pragma once
 
@@ -11,10 +11,10 @@
 
 namespace tessum {
 
-// Shows a person one line of text, which ends in a line feed.
+// Prints one line of text, which ends in a line feed.
 using Say = std::function<void(std::string_view line)>;
 
-// The command "update": one check and, if asked for, the download of what it found. Main thread
+// The command "update": one check and, if requested, the download of the new release. Main thread
 // only.
 class UpdateDialogue {
  public:
@@ -22,12 +22,12 @@ class UpdateDialogue {
     Say tell;      // results
     Say complain;  // failures
 
-    // Shows `text` in place of the text before; an empty function where nobody watches.
+    // Shows `text` in place of the previous text; an empty function when output is not a terminal.
     std::function<void(std::string_view text)> showProgress;
   };
 
-  // Takes the observer's place at `checker`, whose opener is `opener`; both must outlive this
-  // object. `onEnd` is called once, with the exit status.
+  // Becomes the observer of `checker`, whose opener is `opener`; both must outlive this object.
+  // `onEnd` is called once, with the exit status.
   UpdateDialogue(UpdateChecker& checker, const DownloadOpener& opener, bool downloads,
                  Output output, std::function<void(int status)> onEnd);
   ~UpdateDialogue();
@@ -52,15 +52,14 @@ class UpdateDialogue {
   const Output output_;
   const std::function<void(int)> onEnd_;
   std::string version_;   // the running one
-  std::string progress_;  // as it is shown
+  std::string progress_;  // as last shown
 };
 
-// The progress of a download as one line of text, such as "[████      ]  40 %".
+// A download's progress as one line of text, such as "[████      ]  40 %".
 [[nodiscard]] std::string progressText(double fraction);
 
-// Checks now and every six hours, and says in one line that a release is newer than the running
-// version, once for each release. Says nothing of failures. Takes the observer's place at
-// `checker`. Main thread only.
+// Checks now and every six hours, and prints one line for each release that is newer than the
+// running version. Does not report failures. Becomes the observer of `checker`. Main thread only.
 void announceReleases(UpdateChecker& checker, Say say);
 
 }  // namespace tessum

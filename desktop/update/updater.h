@@ -1,4 +1,4 @@
-// The update checker with the parts of this system around it.
+// The update checker with its real dependencies.
 
 #pragma once
 
@@ -15,7 +15,7 @@
 
 namespace tessum {
 
-// Asks for nothing before the checker is told to. Main thread only.
+// Sends no request until the checker is told to. Main thread only.
 class Updater {
  public:
   // Both must outlive the updater.
@@ -29,8 +29,8 @@ class Updater {
   [[nodiscard]] const DownloadOpener& opener() const { return opener_; }
 
  private:
-  // The path of TessumFetch, which is installed at a fixed place relative to this program. Empty
-  // when the place of this program is not known.
+  // The path of TessumFetch, which is installed at a fixed path relative to this program. Empty
+  // when this program's path is unknown.
   [[nodiscard]] static std::string fetchProgram(const Locations& locations) {
     const auto program = locations.executablePath();
     if (!program) return {};
