@@ -31,8 +31,7 @@ int runCommand(int argc, char** argv) {
   app.set_version_flag("--version", "Tessum " + SystemAppInfo().version().value_or("unknown"),
                        "print the version and exit");
   app.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return "Tessum: " + printable(validUtf8(error.what())) +
-           "\nRun with --help for what can be given.\n";
+    return "Tessum: " + printable(validUtf8(error.what())) + "\nRun with --help for usage.\n";
   });
   app.footer(
       "\"Tessum COMMAND --help\" has examples. The exit status is 0 on success, 1 when the\n"

@@ -24,9 +24,9 @@ std::string remedy(const DatabaseError& error) {
     case SQLITE_BUSY:
       return "Another program is using the history. Try again; if that does not help, end it.";
     case SQLITE_READONLY:
-      return "Give yourself the right to write to the history and its folder.";
+      return "Give yourself write access to the history and its folder.";
     case SQLITE_CANTOPEN:
-      return "Give yourself the right to read and write the history and its folder.";
+      return "Give yourself read and write access to the history and its folder.";
     case SQLITE_FULL:
       return "Make room on the disk.";
     case SQLITE_IOERR:
@@ -48,7 +48,7 @@ void History::Close::operator()(sqlite3* db) const noexcept {
 History::History(const std::string& path, Access access) {
   std::error_code ignored;
   if (std::filesystem::status(path, ignored).type() == std::filesystem::file_type::not_found) {
-    throw NoHistory("there is no history yet at " + path + "; \"Tessum record\" begins one");
+    throw NoHistory("there is no history yet at " + path + "; \"Tessum record\" starts one");
   }
   sqlite3* db = nullptr;
   const int flags = access == Access::read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;

@@ -10,14 +10,14 @@
 namespace tessum {
 
 void addBackupCommand(CLI::App& app, Host& host) {
-  auto* command = app.add_subcommand("backup", "Copy the history, also while it is being written");
+  auto* command = app.add_subcommand("backup", "Copy the history, even while recording");
   const auto path = std::make_shared<std::string>();
-  command->add_option("FILE", *path, "where the copy goes; a file that exists is left as it is")
+  command->add_option("FILE", *path, "the new copy; an existing file is never overwritten")
       ->type_name("")
       ->required();
   command->footer(
-      "The copy is checked before it is called done. To go back to it, stop recording and put it\n"
-      "in the place of the history, which \"Tessum status\" shows.\n\n"
+      "The command checks the copy. To restore it, stop recording and put it in the place of the\n"
+      "history; \"Tessum status\" shows where that is.\n\n"
       "Examples:\n"
       "  Tessum backup tessum.db\n"
       "  Tessum backup \"$HOME/tessum-$(date +%F).db\"");

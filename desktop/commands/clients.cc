@@ -172,8 +172,8 @@ void install(const Target& target, bool useStdio, const Host& host) {
   }
   if (target.client == MCPClient::claudeDesktop) {
     note(
-        "Claude Desktop writes its file anew while it runs: if it is running, quit it, repeat this "
-        "command, and then start it.");
+        "Claude Desktop rewrites its file while it runs. If it is running, quit it, repeat this "
+        "command, and start it again.");
   }
 }
 
@@ -182,7 +182,7 @@ void installAll(const std::vector<Target>& targets, bool useStdio, Host& host) {
     attempt(host, [&] { install(target, useStdio, host); });
   }
   if (!useStdio) {
-    note("\"Tessum record --http\" must be running whenever an application is to find Tessum.");
+    note("Applications find Tessum only while \"Tessum record --http\" is running.");
   }
 }
 
@@ -230,7 +230,7 @@ void addClientCommands(CLI::App& app, Host& host) {
   auto* clients =
       app.add_subcommand("clients", "Show which assistant applications Tessum is registered with");
   clients->footer(
-      "An entry works now when the program that it starts is there, or when the endpoint that it\n"
+      "An entry works now when the program that it starts exists, or when the endpoint that it\n"
       "names answers.\n\n"
       "Example:\n"
       "  Tessum clients");
@@ -244,11 +244,11 @@ void addClientCommands(CLI::App& app, Host& host) {
   const auto options = std::make_shared<InstallOptions>();
   addTargets(*installing, options->targets);
   installing->add_flag("--http", options->http,
-                       "point at the endpoint of \"Tessum record --http\", instead of having the "
-                       "application start TessumMCP");
+                       "use the endpoint of \"Tessum record --http\" instead of starting "
+                       "TessumMCP");
   installing->footer(
-      "Only the entry \"tessum\" is written; all else in the file keeps its value. A file that is\n"
-      "no JSON object is copied first.\n\n"
+      "Only the entry \"tessum\" is written; the rest of the file keeps its values. A file that\n"
+      "is not a JSON object is copied first.\n\n"
       "Examples:\n"
       "  Tessum install cursor windsurf\n"
       "  Tessum install \"Claude Desktop\"\n"

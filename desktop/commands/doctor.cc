@@ -89,7 +89,7 @@ void mend(const Host& host) {
 }  // namespace
 
 void addDoctorCommand(CLI::App& app, Host& host) {
-  auto* command = app.add_subcommand("doctor", "Look for what would keep things from working");
+  auto* command = app.add_subcommand("doctor", "Find out what keeps Tessum from working");
   const auto duration = std::make_shared<std::string>();
   auto* close = command
                     ->add_option("--close-open", *duration,

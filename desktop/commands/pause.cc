@@ -26,7 +26,8 @@ Pause pauseArgument(const std::vector<std::string>& words, Date now) {
     if (words.size() > 1) throw CLI::ValidationError("say how long, or until when, not both");
     const double seconds = durationArgument(words.front());
     if (seconds > kLongestPause) {
-      throw CLI::ValidationError("a pause lasts a year at most, or without a time until resume");
+      throw CLI::ValidationError(
+          "a pause lasts at most a year; without a time, it lasts until resume");
     }
     return {movedBy(now, seconds)};
   }
@@ -48,7 +49,7 @@ void resume(const Host& host) {
   endPause(host.locations);
   const bool isRecording = recorderState(host.locations).isRecording;
   print(std::string(wasPaused ? "The pause has ended." : "There is no pause.") +
-        (isRecording ? "" : " No recorder runs; \"Tessum record\" begins.") + "\n");
+        (isRecording ? "" : " No recorder is running; \"Tessum record\" starts one.") + "\n");
 }
 
 }  // namespace
@@ -64,8 +65,8 @@ void addPauseCommands(CLI::App& app, Host& host) {
       ->type_name("")
       ->expected(0, -1);
   pauseCommand->footer(
-      "A recorder that runs stops writing at once and goes on by itself. The pause holds for one\n"
-      "that is started meanwhile as well.\n\n"
+      "A running recorder stops writing at once and resumes by itself. The pause also applies to\n"
+      "a recorder that is started during it.\n\n"
       "Examples:\n"
       "  Tessum pause\n"
       "  Tessum pause 30m\n"

@@ -18,7 +18,7 @@ namespace tessum {
 namespace {
 
 std::string lineText(int line) {
-  return line == 0 ? "as usual" : "line " + std::to_string(line);
+  return line == 0 ? "default" : "line " + std::to_string(line);
 }
 
 std::string patternText(const WindowPattern& windows) {
@@ -78,10 +78,10 @@ void check(const Host& host) {
   const Settings settings = loadSettings(host.locations, host.files);
   const std::string path = printable(settingsPath(host.locations));
   if (!host.files.exists(settingsPath(host.locations))) {
-    print(path + " does not exist, so everything is as usual.\n");
+    print(path + " does not exist, so the defaults apply.\n");
     return;
   }
-  print(path + " is understood: " + counted(settings.rules.hide.size(), "rule") + ", " +
+  print(path + " is valid: " + counted(settings.rules.hide.size(), "rule") + ", " +
         counted(settings.rules.categories.size(), "category", "categories") + ".\n");
 }
 
@@ -104,13 +104,13 @@ struct TryOptions {
 std::string keptText(Kept kept, const std::string& app, const std::string& title) {
   switch (kept) {
     case Kept::all:
-      return "Written: " + app + (title.empty() ? "" : " – " + title);
+      return "Recorded: " + app + (title.empty() ? "" : " – " + title);
     case Kept::app:
-      return "Written: " + app + (title.empty() ? "" : ", without the title");
+      return "Recorded: " + app + (title.empty() ? "" : ", without the title");
     case Kept::nothing:
       break;
   }
-  return "Nothing is written";
+  return "Nothing is recorded";
 }
 
 void tryRules(const Host& host, const TryOptions& options) {
@@ -137,11 +137,10 @@ void tryRules(const Host& host, const TryOptions& options) {
 }  // namespace
 
 void addSettingsCommand(CLI::App& app, Host& host) {
-  auto* command = app.add_subcommand("settings", "What is set, and where it is set");
+  auto* command = app.add_subcommand("settings", "Show what is set, and where");
   command->footer(
-      "The settings are one file, which need not be there. A recorder that runs obeys as soon as "
-      "it\n"
-      "is saved.\n\n"
+      "The settings are one file, which need not exist. A running recorder follows it as soon as\n"
+      "it is saved.\n\n"
       "Examples:\n"
       "  Tessum settings\n"
       "  Tessum settings edit\n"
@@ -149,10 +148,10 @@ void addSettingsCommand(CLI::App& app, Host& host) {
       "  Tessum settings try Firefox \"News - Private Browsing\"");
   auto* editCommand = command->add_subcommand("edit", "Open the file in the editor of $EDITOR");
   editCommand->callback([&host] { edit(host); });
-  auto* checkCommand = command->add_subcommand("check", "Whether the file is understood");
+  auto* checkCommand = command->add_subcommand("check", "Check that the file is valid");
   checkCommand->callback([&host] { check(host); });
   auto* tryCommand =
-      command->add_subcommand("try", "What would be written of a window, now, and why");
+      command->add_subcommand("try", "Show what would be recorded of a window now, and why");
   const auto options = std::make_shared<TryOptions>();
   tryCommand->add_option("APP", options->app, "the application's name or identifier")
       ->type_name("")

@@ -90,7 +90,7 @@ void showStatus(const Host& host) {
     if (recorder.awaySince) add("Away", sinceText(*recorder.awaySince, now));
     if (!recorder.awake.empty()) add("Kept awake", "by " + joined(recorder.awake));
   } else {
-    add("Recording", "no; \"Tessum record\" begins", Tone::bad);
+    add("Recording", "no; \"Tessum record\" starts it", Tone::bad);
   }
   if (const auto pause = pauseAt(now, host.locations, host.files)) {
     add("Paused", pauseText(*pause, now), Tone::bad);
@@ -113,7 +113,7 @@ void showStatus(const Host& host) {
 }  // namespace
 
 void addStatusCommand(CLI::App& app, Host& host) {
-  auto* command = app.add_subcommand("status", "Whether it records, and into what");
+  auto* command = app.add_subcommand("status", "Show whether Tessum is recording, and where");
   command->footer(
       "Example:\n"
       "  Tessum status");

@@ -25,9 +25,9 @@ std::vector<Finding> checkClientFile(const Host& host, MCPClient client, const s
     const ConfigFile config = lookAt(host.files, file);
     if (config.isDamaged()) {
       return {{name + ": " + file +
-                   " is not plain JSON, so the application cannot be registered "
-                   "without losing it.",
-               "Mend the file; comments and commas behind the last value are not plain JSON."}};
+                   " is not plain JSON, so registering the application would "
+                   "replace it.",
+               "Fix the file; comments and trailing commas are not plain JSON."}};
     }
     const json::Value* entry = config.object ? tessumEntry(*config.object) : nullptr;
     if (entry == nullptr) return {};
@@ -62,9 +62,9 @@ std::vector<Finding> checkEndpoint() {
     case EndpointState::taken:
       break;
   }
-  return {{"Another program has taken the port " + port +
-               ", so that \"Tessum record --http\" "
-               "cannot answer there.",
+  return {{"Another program uses port " + port +
+               ", so \"Tessum record --http\" "
+               "cannot.",
            "End that program; \"ss -ltnp\" shows which it is."}};
 }
 

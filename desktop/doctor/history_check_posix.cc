@@ -56,7 +56,7 @@ std::vector<Finding> openSessionFindings(const Host& host, History& history) {
                             dateText(unwritten.front().startTime) + ".",
                         kRemedy});
   }
-  if (findings.empty()) findings.push_back({"Every session of the past has ended.", ""});
+  if (findings.empty()) findings.push_back({"No session was left open.", ""});
   return findings;
 }
 
@@ -67,12 +67,12 @@ std::vector<Finding> checkFolder(const Host& host) {
   const auto existing = nearestExisting(folder);
   std::error_code ignored;
   if (!std::filesystem::is_directory(existing, ignored)) {
-    return {{existing.string() + " is in the place of a folder.",
-             "Move it away, so that the folder " + folder + " can be made."}};
+    return {{existing.string() + " is not a folder.",
+             "Move it away so that the folder " + folder + " can be created."}};
   }
   if (access(existing.c_str(), R_OK | W_OK | X_OK) != 0) {
     return {{"The folder " + existing.string() + " cannot be written to.",
-             "Give yourself the right to: chmod u+rwx \"" + existing.string() + "\""}};
+             "Give yourself write access: chmod u+rwx \"" + existing.string() + "\""}};
   }
   std::vector<Finding> findings{{"The folder " + folder + " can be written to.", ""}};
   for (const std::string& path : filesOpenToOthers(folder)) {
@@ -94,13 +94,13 @@ std::vector<Finding> checkHistory(const Host& host) {
     if (!damage.empty()) return findings;
     if (access(path.c_str(), W_OK) != 0) {
       findings.push_back({"The history " + path + " is read-only.",
-                          "Give yourself the right to write: chmod u+w \"" + path + "\""});
+                          "Give yourself write access: chmod u+w \"" + path + "\""});
     } else {
       findings.push_back({"The history " + path + " is sound.", ""});
     }
     for (auto& finding : openSessionFindings(host, history)) findings.push_back(finding);
   } catch (const NoHistory&) {
-    findings.push_back({"There is no history yet; \"Tessum record\" begins one.", ""});
+    findings.push_back({"There is no history yet; \"Tessum record\" starts one.", ""});
   } catch (const DatabaseError& error) {
     findings.push_back({"The history " + path + ": " + error.description(), remedy(error)});
   } catch (const std::system_error& error) {

@@ -19,18 +19,18 @@ std::optional<std::string> readText(const std::string& path, const Files& files)
 }
 
 constexpr std::string_view kTemplate =
-    R"(# Settings of Tessum. A recorder that runs obeys as soon as this file is saved.
-# Lines that begin with "#" say nothing; those that show a setting say what holds without it.
-# Patterns are regular expressions and stand in single quotes: 'Editor' finds every text with that
-# in it, '^Editor$' that text alone, '(?i)editor' capital or small letters.
+    R"(# Settings of Tessum. A running recorder follows them as soon as this file is saved.
+# Lines that begin with "#" have no effect. Those that show a setting show its default.
+# Patterns are regular expressions in single quotes: 'Editor' matches any text that contains it,
+# '^Editor$' that text alone, and '(?i)editor' ignores case.
 
 [record]
-# away-after = "5m"    # without input for so long you are away; or "never"
+# away-after = "5m"    # how long without input until you are away; or "never"
 # titles = "each"      # a session for each title; or "last" of each activation, or "none"
 
-# What a rule hides is never written down.
+# What a rule hides is never recorded.
 
-# Private windows of browsers say so in their titles. The application is kept, the title is not.
+# Browsers name private windows in the title. This keeps the application but not the title.
 [[hide]]
 title = '(?i)private browsing|incognito|inprivate'
 keep = "app"
@@ -39,7 +39,7 @@ keep = "app"
 # app = '^KeePassXC$'          # in the application's name or its identifier
 
 # [[hide]]
-# between = "18:00-08:00"      # a range over midnight belongs to the day on which it begins
+# between = "18:00-08:00"      # hours that cross midnight belong to the day they begin on
 # days = ["mon", "tue", "wed", "thu", "fri"]
 
 # [[hide]]

@@ -133,7 +133,7 @@ class X11FrontSource final : public FrontSource {
     handler_(front, since);
     if (front || manager_.isThere() || connection_.isLost()) return;
     notice_(
-        {"No window manager says which window is active; recording goes on when one does.", false});
+        {"No window manager reports the active window; recording continues when one does.", false});
   }
 
   void lose() {

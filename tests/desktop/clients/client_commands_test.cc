@@ -52,7 +52,7 @@ TEST_F(ClientCommands, InstallAllRegistersEveryApplicationWhereItReads) {
                             kCataloguedContinueFile),
             std::string::npos)
       << run.errors;
-  EXPECT_NE(run.errors.find("Claude Desktop writes its file anew while it runs"), std::string::npos)
+  EXPECT_NE(run.errors.find("Claude Desktop rewrites its file while it runs"), std::string::npos)
       << run.errors;
 }
 

@@ -23,10 +23,10 @@ TEST_F(PauseCommand, LastsUntilItIsEnded) {
   EXPECT_EQ(fs::status(path()).permissions(), fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_TRUE(contains(user_.run({"status"}).output, "until \"Tessum resume\""));
   EXPECT_EQ(user_.run({"resume"}).output,
-            "The pause has ended. No recorder runs; \"Tessum record\" begins.\n");
+            "The pause has ended. No recorder is running; \"Tessum record\" starts one.\n");
   EXPECT_FALSE(fs::exists(path()));
   EXPECT_EQ(user_.run({"resume"}).output,
-            "There is no pause. No recorder runs; \"Tessum record\" begins.\n");
+            "There is no pause. No recorder is running; \"Tessum record\" starts one.\n");
 }
 
 TEST_F(PauseCommand, LastsForATimeOrUntilOne) {

@@ -31,8 +31,8 @@ TEST_F(SettingsCommand, ShowsWhatHoldsWithoutAFile) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.output, path_ +
                                 ", which does not exist\n\n"
-                                "  away-after  5m    as usual\n"
-                                "  titles      each  as usual\n");
+                                "  away-after  5m    default\n"
+                                "  titles      each  default\n");
   EXPECT_FALSE(fs::exists(path_));
 }
 
@@ -44,7 +44,7 @@ TEST_F(SettingsCommand, ShowsWhereEachValueComesFrom) {
   const Outcome outcome = user_.run({"settings"});
   EXPECT_EQ(outcome.output, path_ +
                                 "\n\n"
-                                "  away-after  5m                                   as usual\n"
+                                "  away-after  5m                                   default\n"
                                 "  titles      last                                 line 2\n"
                                 "  hide        app 'Vault' between 18:00 and 08:00  line 3\n"
                                 "  hide        title 'x' on sun sat, keeps the app  line 6\n"
@@ -53,11 +53,11 @@ TEST_F(SettingsCommand, ShowsWhereEachValueComesFrom) {
 
 TEST_F(SettingsCommand, ChecksTheFile) {
   EXPECT_EQ(user_.run({"settings", "check"}).output,
-            path_ + " does not exist, so everything is as usual.\n");
+            path_ + " does not exist, so the defaults apply.\n");
   write("[[hide]]\napp='x'\n");
   const Outcome good = user_.run({"settings", "check"});
   EXPECT_EQ(good.status, 0);
-  EXPECT_EQ(good.output, path_ + " is understood: 1 rule, 0 categories.\n");
+  EXPECT_EQ(good.output, path_ + " is valid: 1 rule, 0 categories.\n");
 }
 
 TEST_F(SettingsCommand, AFileThatIsNotUnderstoodEndsEveryCommandThatNeedsIt) {
@@ -85,19 +85,19 @@ TEST_F(SettingsCommand, TriesTheRules) {
       "[[hide]]\ntitle='Private'\nkeep='app'\n[[hide]]\napp='^Vault$'\n"
       "[[category]]\nname='Web'\napp='Browser'\n");
   EXPECT_EQ(user_.run({"settings", "try", "Browser", "News"}).output,
-            "Written: Browser – News; no rule hides it.\nCategory: Web; line 6\n");
+            "Recorded: Browser – News; no rule hides it.\nCategory: Web; line 6\n");
   EXPECT_EQ(user_.run({"settings", "try", "Browser", "News - Private"}).output,
-            "Written: Browser, without the title; line 1 decides: title 'Private', keeps the app\n"
+            "Recorded: Browser, without the title; line 1 decides: title 'Private', keeps the app\n"
             "Category: Web; line 6\n");
   EXPECT_EQ(user_.run({"settings", "try", "Vault"}).output,
-            "Nothing is written; line 4 decides: app '^Vault$'\n");
+            "Nothing is recorded; line 4 decides: app '^Vault$'\n");
   EXPECT_EQ(user_.run({"settings", "try"}).status, 2);
 }
 
 TEST_F(SettingsCommand, TryingSaysThatRecordingIsPaused) {
   ASSERT_EQ(user_.run({"pause"}).status, 0);
   EXPECT_EQ(user_.run({"settings", "try", "Mail"}).output,
-            "Written: Mail; no rule hides it.\n"
+            "Recorded: Mail; no rule hides it.\n"
             "Nothing at all is recorded until \"Tessum resume\".\n");
 }
 
@@ -105,7 +105,7 @@ TEST_F(SettingsCommand, EditingBeginsWithATemplateThatNobodyElseCanRead) {
   user_.set("EDITOR", "true");
   const Outcome outcome = user_.run({"settings", "edit"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.output, path_ + " is understood: 1 rule, 0 categories.\n");
+  EXPECT_EQ(outcome.output, path_ + " is valid: 1 rule, 0 categories.\n");
   EXPECT_EQ(fs::status(path_).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 

@@ -22,7 +22,7 @@ TEST(Doctor, FindsTheRecordSound) {
   EXPECT_TRUE(
       contains(outcome.output, "ok   The folder " + user.dataFolder() + " can be written to."));
   EXPECT_TRUE(contains(outcome.output, "ok   The history " + user.historyPath() + " is sound."));
-  EXPECT_TRUE(contains(outcome.output, "ok   Every session of the past has ended."));
+  EXPECT_TRUE(contains(outcome.output, "ok   No session was left open."));
 }
 
 TEST(Doctor, FindsNothingWrongWithARecordThatIsYetToCome) {
@@ -48,7 +48,7 @@ TEST(Doctor, FindsAFileInThePlaceOfTheFolder) {
   writeFile(user.file("data"), "");
   const Outcome outcome = user.run({"doctor"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_TRUE(contains(outcome.output, "is in the place of a folder"));
+  EXPECT_TRUE(contains(outcome.output, "is not a folder"));
 }
 
 TEST(Doctor, FindsARecordThatIsReadOnlyOrCannotBeRead) {
@@ -60,7 +60,7 @@ TEST(Doctor, FindsARecordThatIsReadOnlyOrCannotBeRead) {
   const Outcome outcome = user.runWithoutPowers({"doctor"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(contains(outcome.output, sqliteText(SQLITE_CANTOPEN)));
-  EXPECT_TRUE(contains(outcome.output, "Give yourself the right to read"));
+  EXPECT_TRUE(contains(outcome.output, "Give yourself read and write access"));
 }
 
 TEST(Doctor, FindsALock) {
@@ -100,7 +100,7 @@ TEST(Doctor, FindsAnAssistantsFileThatIsNotPlainJson) {
   const Outcome outcome = user.run({"doctor"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(contains(outcome.output, "BAD  Cursor: " + file + " is not plain JSON"));
-  EXPECT_TRUE(contains(outcome.output, "Mend the file; comments and commas behind the last value"));
+  EXPECT_TRUE(contains(outcome.output, "Fix the file; comments and trailing commas"));
   EXPECT_EQ(readFile(file), content);
 }
 
@@ -129,7 +129,7 @@ TEST(Doctor, FindsThePortTaken) {
   server.answerWith("HTTP/1.1 200 OK\r\n\r\nsomething else");
   const Outcome outcome = user.run({"doctor"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_TRUE(contains(outcome.output, "BAD  Another program has taken the port 7384"));
+  EXPECT_TRUE(contains(outcome.output, "BAD  Another program uses port 7384"));
   EXPECT_TRUE(contains(outcome.output, "ss -ltnp"));
 }
 

@@ -165,7 +165,7 @@ TEST(Record, WaitsForAWindowManagerAndOutlivesIt) {
   Recorder recorder(desktop);
   ASSERT_TRUE(eventually([&] {
     return recorder.process().errors() ==
-           "Tessum: No window manager says which window is active; recording goes on when one "
+           "Tessum: No window manager reports the active window; recording continues when one "
            "does.\n";
   }));
   desktop.startWindowManager();

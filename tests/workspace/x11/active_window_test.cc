@@ -8,7 +8,7 @@ namespace {
 using Told = std::vector<std::string>;
 
 const char kNoManager[] =
-    "No window manager says which window is active; recording goes on when one does.";
+    "No window manager reports the active window; recording continues when one does.";
 
 TEST_F(X11FrontTest, WithoutAWindowManagerNothingIsInFront) {
   const auto window = desktop_.addWindow("App");
