@@ -25,8 +25,8 @@ void requireSameAnswers(const char* what) {
   exit(1);
 }
 
-/* Where an answer tells the time of the day, the two may fall into different seconds: then they
- * are asked again. */
+/* Answers that contain the current time may fall into different seconds; both servers are then
+ * asked again. */
 void compareAnswers(struct Server* tessum, struct Server* limit, const char* what,
                     const char* request) {
   int attempt;

@@ -1,11 +1,11 @@
-/* TessumMCP and its limit, which get the same requests over copies of one history. */
+/* Sends TessumMCP and its limit the same requests, over copies of one history. */
 
 #ifndef BENCHMARKS_CONTENDERS_H_
 #define BENCHMARKS_CONTENDERS_H_
 
 #include "benchmarks/server_process.h"
 
-/* A program, and the folder that it finds its data in. */
+/* A program and its data folder. */
 struct Contender {
   const char* program;
   const char* data;
@@ -20,7 +20,7 @@ extern struct Answer limitAnswer;
 
 struct Server startContender(const struct Contender* contender);
 
-/* Asks both. Ends the program unless they answer the same, byte for byte. */
+/* Asks both. Ends the program unless the answers are the same, byte for byte. */
 void compareAnswers(struct Server* tessum, struct Server* limit, const char* what,
                     const char* request);
 

@@ -1,4 +1,4 @@
-// How long the functions behind an answer take. The store is one year of an invented history.
+// Measures the functions behind an answer over one year of an invented history.
 
 #include <benchmark/benchmark.h>
 
@@ -28,7 +28,7 @@ namespace {
 
 const SystemCalendar kCalendar;
 
-// A store in a folder of its own, which goes with it.
+// A store in its own folder, which is removed with it.
 class YearOfHistory {
  public:
   YearOfHistory() : folder_(std::filesystem::temp_directory_path() / "tessum-benchmark-XXXXXX") {
@@ -56,7 +56,7 @@ class YearOfHistory {
   std::unique_ptr<Database> database_;
 };
 
-// One for all: it takes a second to make.
+// Shared by all, because creating it takes a second.
 Database& yearOfHistory() {
   static YearOfHistory history;
   return history.database();

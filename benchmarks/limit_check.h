@@ -4,7 +4,8 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-/* Ends the limit server with a message unless `isGood`. In the header, as each row is checked. */
+/* Ends the limit server with a message unless `isGood`. In the header, because each row is checked.
+ */
 static inline void check(int isGood, const char* what) {
   if (isGood) return;
   fprintf(stderr, "limit-server: %s\n", what);

@@ -1,4 +1,4 @@
-/* What the limit server is given: its database, its requests, and the few members that it reads of
+/* The limit server's input: its database, its requests, and the few members that it reads from
  * them. */
 
 #ifndef BENCHMARKS_LIMIT_REQUEST_H_
@@ -6,13 +6,13 @@
 
 #include <stddef.h>
 
-/* Where the environment says that the database is. */
+/* The path of the database, from the environment. */
 const char* databasePath(void);
 
-/* The next request of standard input, which must come alone; null at the end of input. */
+/* The next request from standard input, which must come alone; null at the end of input. */
 const char* nextRequest(void);
 
-/* What follows `mark` in the line; null where the line does not hold it. */
+/* What follows `mark` in the line; null when the line does not contain it. */
 const char* after(const char* line, const char* mark);
 
 /* The number that follows `mark`, or `otherwise`. */

@@ -1,10 +1,10 @@
-/* The limit that TessumMCP is measured against: how fast can these answers be at all?
+/* The limit that TessumMCP is measured against: how fast can these answers possibly be?
  *
  * A plain C program that runs the same SQL statements through SQLite's C API, prepared for each
- * request as the server does it, and writes byte for byte the same answers: from the columns
- * straight into one buffer that is reused from request to request, and that is written at once.
- * No records, no allocation for a row, no check of the texts' encoding, and of a request no more
- * is read than the few members that the measured ones have. It is no server to use.
+ * request as the server does, and writes the same answers byte for byte: from the columns straight
+ * into one buffer, which is reused for each request and written at once. It makes no records, does
+ * not allocate for a row, does not check encodings, and reads only the few request members that the
+ * measurements use. It is not a usable server.
  */
 
 #include <sqlite3.h>
@@ -19,8 +19,8 @@
 #include "benchmarks/limit_request.h"
 #include "benchmarks/limit_texts.h"
 
-/* The buffer. An answer's head holds the number of its rows, which is known only after them: the
- * rows begin behind a gap, and the head is put right before them. */
+/* The buffer. An answer's head contains the number of rows, which is known only after them, so the
+ * rows begin after a gap and the head is then written right before them. */
 
 enum { kHeadRoom = 256 };
 
@@ -183,7 +183,7 @@ static void runToEnd(sqlite3_stmt* statement) {
   sqlite3_finalize(statement);
 }
 
-/* Ends the statement, whose rows are sessions, and returns how many there were. */
+/* Writes the rows of the statement, which are sessions, and ends it. Returns their number. */
 static int appendActivities(sqlite3_stmt* statement) {
   int count = 0;
   for (; sqlite3_step(statement) == SQLITE_ROW; ++count) {
@@ -232,7 +232,7 @@ static void appendAnnotations(sqlite3_stmt* statement) {
 
 /* Answers. */
 
-/* Puts the head before the rows, and returns where the answer begins. */
+/* Writes the head before the rows, and returns the start of the answer. */
 static size_t finishActivities(int id, int count) {
   char head[kHeadRoom];
   int size;

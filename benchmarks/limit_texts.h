@@ -1,4 +1,4 @@
-/* What the limit server sends to SQLite, and the fixed parts of its answers. */
+/* The limit server's SQL statements, and the fixed parts of its answers. */
 
 #ifndef BENCHMARKS_LIMIT_TEXTS_H_
 #define BENCHMARKS_LIMIT_TEXTS_H_

@@ -1,13 +1,13 @@
-/* measure: TessumMCP beside its limit, over one history.
+/* measure: TessumMCP against its limit, over one history.
  *
  *   measure NAME TESSUM_MCP LIMIT_SERVER TESSUM_DATA LIMIT_DATA
  *
  * The two data folders hold copies of one history; annotations are written to both. Both servers
- * get the same requests in turns, so that whatever else the computer does hits them alike, and the
- * medians are compared: by the clock on the wall, which the goals mean, and of the processor's time
- * alone, which depends less on what else runs. The answers must be the same, byte for byte. The
- * table goes to standard output as rows of Markdown. The status is 0 also where a goal is missed: a
- * busy computer misses them, too.
+ * get the same requests in turn, so that other load on the computer affects both alike. We compare
+ * the medians of elapsed time, which the goals refer to, and of processor time, which depends less
+ * on other load. The answers must be the same, byte for byte. The table goes to standard output as
+ * rows of Markdown. The status is 0 even when a goal is missed, because a busy computer misses
+ * them, too.
  */
 
 #include <stdio.h>
@@ -30,7 +30,7 @@ static const char* timeText(char* out, size_t size, double microseconds) {
   return format(out, size, "%.2f ms", microseconds / 1000);
 }
 
-/* Microseconds by the clock on the wall, and of the server's processor time alone. */
+/* Microseconds of elapsed time, and of the server's processor time. */
 struct Times {
   double wall;
   double processor;
@@ -57,13 +57,13 @@ static double median(double* values, size_t count) {
   return values[count / 2];
 }
 
-/* Whether to go on after `round` rounds that began at `begin`. */
+/* Whether to continue after `round` rounds that began at `begin`. */
 static int goesOn(size_t round, double begin) {
   if (round < kFewestRounds) return 1;
   return round < kMostRounds && nowInMicroseconds() - begin < kSecondsPerCase * 1e6;
 }
 
-/* What the rounds of one case took. */
+/* The times of one case's rounds. */
 struct Rounds {
   double wall[kMostRounds];
   double processor[kMostRounds];

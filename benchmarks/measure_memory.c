@@ -50,7 +50,7 @@ void measureMemoryOfAnswer(void) {
   ask(&tessum, request, strlen(request), &tessumAnswer);
   format(request, sizeof request, pattern, (int)(kWanted / ((double)tessumAnswer.size / 1000)));
   compareAnswers(&tessum, &limit, "a large answer", request);
-  /* Over a short history the answer is less than what a program takes anyway. */
+  /* For a short history the answer is smaller than the program itself. */
   if (tessumAnswer.size >= 1000000) {
     format(what, sizeof what, "peak memory for an answer of %.0f MB", megabytes(tessumAnswer.size));
     printRow(what, format(tessumText, sizeof tessumText, "%.0f MB", megabytes(peakMemory(&tessum))),
@@ -61,7 +61,7 @@ void measureMemoryOfAnswer(void) {
   stopServer(&limit);
 }
 
-/* A message of about `size` bytes: `head`, `body` again and again, `tail` and a line feed. */
+/* A message of about `size` bytes: `head`, `body` repeatedly, `tail` and a line feed. */
 static char* makeMessage(const char* head, const char* body, const char* tail, size_t size) {
   const size_t bodySize = strlen(body);
   const size_t count = size / bodySize;

@@ -1,4 +1,4 @@
-/* How much memory the servers take. Each call prints a row of the table. */
+/* Measures the servers' memory. Each call prints a row of the table. */
 
 #ifndef BENCHMARKS_MEASURE_MEMORY_H_
 #define BENCHMARKS_MEASURE_MEMORY_H_
@@ -6,12 +6,12 @@
 /* In use after one `request`. */
 void measureMemoryAfterStart(const char* request);
 
-/* The peak for an answer of 100 MB, or of the whole history where that is less. Prints nothing
- * over a history that is too short to tell. */
+/* The peak for an answer of 100 MB, or of the whole history if that is less. Prints nothing for a
+ * history that is too short. */
 void measureMemoryOfAnswer(void);
 
-/* The peak for messages of 32 MiB, of many shapes. Each gets a server of its own; the one that
- * takes most is printed. */
+/* The peak for messages of 32 MiB, of many shapes. Each gets its own server; the largest peak is
+ * printed. */
 void measureMemoryOfMessages(void);
 
 #endif

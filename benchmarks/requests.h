@@ -1,4 +1,4 @@
-/* The beginnings of requests. */
+/* The first parts of requests. */
 
 #ifndef BENCHMARKS_REQUESTS_H_
 #define BENCHMARKS_REQUESTS_H_

@@ -1,4 +1,4 @@
-/* A server as a child process: started, asked and watched through its pipes. */
+/* A server as a child process, driven through its pipes. */
 
 #ifndef BENCHMARKS_SERVER_PROCESS_H_
 #define BENCHMARKS_SERVER_PROCESS_H_
@@ -12,7 +12,7 @@ struct Server {
   int output; /* the end to read from */
 };
 
-/* A buffer for one answer, to be reused; begin with zeros. */
+/* A reusable buffer for one answer; initialize with zeros. */
 struct Answer {
   char* bytes; /* without the line feed */
   size_t size;
@@ -24,18 +24,18 @@ struct Answer {
 /* Starts `program` with its data below `dataHome`. */
 struct Server startServer(const char* program, const char* dataHome);
 
-/* Closes the server's input and waits for its end, which must be a good one. */
+/* Closes the server's input and waits for it to exit, which must succeed. */
 void stopServer(struct Server* server);
 
 /* Sends `size` bytes of one message, which ends with a line feed, and reads the answer. Returns
  * the microseconds from the first byte sent to the last byte read. */
 double ask(struct Server* server, const char* message, size_t size, struct Answer* answer);
 
-/* Bytes of memory: in use now, and at most since the start. */
+/* Bytes of memory: in use now, and the peak since the start. */
 size_t residentMemory(const struct Server* server);
 size_t peakMemory(const struct Server* server);
 
-/* Microseconds that the server itself has computed since its start, in the system's calls too. */
+/* The server's processor time since its start, system calls included, in microseconds. */
 double processorTime(const struct Server* server);
 
 /* Microseconds from a fixed moment. */

@@ -11,7 +11,7 @@ extern const char kNone[];
 /* The first cell of all rows. */
 extern const char* historyName;
 
-/* Prints a row. `figure` and `goal` are told in `unit`; the others are texts of their cells. */
+/* Prints a row. `figure` and `goal` are in `unit`; the others are the texts of their cells. */
 void printRow(const char* what, const char* tessum, const char* limit, double figure, double goal,
               const char* unit, const char* processor);
 

@@ -1,5 +1,5 @@
-# Packs the manifest of the working folder and PROGRAM into BUNDLE, with the libraries that PROGRAM
-# needs but for those of the C library, which belong to the system that they run on.
+# Packs the manifest in the working folder and PROGRAM into BUNDLE, with the libraries that PROGRAM
+# needs except the C library's, which must come from the system.
 
 file(REMOVE_RECURSE server)
 file(MAKE_DIRECTORY server)
@@ -15,7 +15,7 @@ if(NOT CMAKE_HOST_APPLE)
   endforeach()
 endif()
 
-# Assistants stumble over a folder among what is packed, so the files are named one by one.
+# Assistants cannot handle folder entries in the archive, so we name the files one by one.
 file(GLOB files RELATIVE "${CMAKE_CURRENT_BINARY_DIR}" "${CMAKE_CURRENT_BINARY_DIR}/server/*")
 execute_process(
   COMMAND "${CMAKE_COMMAND}" -E tar cf "${BUNDLE}" --format=zip manifest.json ${files}

@@ -1,10 +1,10 @@
 # On macOS the build makes Tessum.app, which holds the server beside the host program.
 #
-# Its Info.plist makes Tessum an agent (LSUIElement), with no window and no place in the Dock. The
-# usage texts are shown where macOS asks the user to let it into a folder that a command names. For
-# the permission to read window titles macOS has a text of its own.
+# Its Info.plist makes Tessum an agent (LSUIElement), with no window and no place in the Dock. macOS
+# shows the usage texts when it asks the user to let Tessum into a folder that a command names. For
+# the permission to read window titles macOS has its own text.
 
-# Made on every system, so that its test can run on each.
+# Made on every system, so that its test can run everywhere.
 set(info_plist "${PROJECT_BINARY_DIR}/packaging/Info.plist")
 configure_file("${PROJECT_SOURCE_DIR}/packaging/macos/Info.plist.in" "${info_plist}" @ONLY)
 

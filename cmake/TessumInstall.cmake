@@ -1,5 +1,5 @@
-# Install rules: the programs, the core library with its public headers, and the package that
-# find_package(Tessum) finds. It gives one target for each folder and Tessum::Core for all.
+# Install rules: the programs, the core library with its public headers, and the package for
+# find_package(Tessum), which has one target for each folder and Tessum::Core for all.
 
 include(CMakePackageConfigHelpers)
 

@@ -1,9 +1,9 @@
-# Packages: what people install. scripts/package makes them all.
+# Packages for users. scripts/package makes them all.
 #
 #   cpack -G DEB, cpack -G TGZ      both programs with all that belongs to them
 #   cmake --build . --target mcpb   the stdio server as a bundle that an assistant installs
 #
-# On Linux nothing that is installed knows where it lies, so one build gives them all, whatever its
+# On Linux no installed file contains its install path, so one build makes all packages, whatever its
 # prefix.
 
 if(NOT APPLE)
@@ -30,8 +30,8 @@ install(FILES packaging/completions/tessum.fish
 string(TOLOWER "${CMAKE_SYSTEM_NAME}" system)
 set(system_and_processor "${system}-${CMAKE_SYSTEM_PROCESSOR}")
 
-# The server once more, as it is in a bundle: that has its libraries in it, as an assistant installs
-# nothing else. On macOS the one that the system lacks stays where Homebrew has it.
+# The server once more, for the bundle, which contains its libraries because an assistant installs
+# nothing else. On macOS the one that the system lacks stays in Homebrew's folder.
 get_target_property(server_sources TessumMCP SOURCES)
 list(TRANSFORM server_sources PREPEND server/)
 add_executable(tessum_bundled_server EXCLUDE_FROM_ALL ${server_sources})

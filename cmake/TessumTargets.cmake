@@ -4,18 +4,17 @@ add_library(tessum_options INTERFACE)
 target_compile_features(tessum_options INTERFACE cxx_std_20)
 target_compile_options(tessum_options INTERFACE -Wall -Wextra -Wshadow -Wconversion)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # With optimization, these two see faults inside std::string and std::variant that are not there.
+  # With optimization, these two give false warnings inside std::string and std::variant.
   target_compile_options(tessum_options INTERFACE -Wno-restrict -Wno-maybe-uninitialized)
 endif()
 if(TESSUM_WARNINGS_ARE_ERRORS)
   target_compile_options(tessum_options INTERFACE -Werror)
 endif()
 
-# tessum_library(NAME [PUBLIC libraries...] [PRIVATE libraries...] [HEADERS files...] SOURCES files...)
-# makes the static library tessum_NAME, exported as Tessum::NAME. The headers that it lists are
+# tessum_library(NAME [PUBLIC libraries...] [PRIVATE libraries...] [HEADERS files...] SOURCES
+# files...) makes the static library tessum_NAME, exported as Tessum::NAME. The HEADERS are
 # installed: those that programs outside this project include, and what these include. A source
-# whose name ends in _posix, _linux or _mac is a body for that system; the caller lists the one that
-# fits.
+# whose name ends in _posix, _linux or _mac is for that system; the caller lists the one that fits.
 function(tessum_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "PUBLIC;PRIVATE;HEADERS;SOURCES")
   set(target tessum_${name})

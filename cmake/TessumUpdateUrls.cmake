@@ -1,12 +1,12 @@
-# Where the update checker asks for releases: configuration of a deployment, fixed in each build.
+# The URLs where the update checker asks for releases: deployment settings, fixed at build time.
 
 set(TESSUM_UPDATE_PRIMARY_URL "https://updates.tessum.example/" CACHE STRING
   "Base URL of the release service")
 set(TESSUM_UPDATE_FALLBACK_URL "https://updates-fallback.tessum.example/" CACHE STRING
   "Base URL that is asked when the primary one fails")
 
-# Gives TRUE or FALSE in the variable `result`. isBaseUrl() of core/update/urls.h refuses the same
-# texts when the program runs.
+# Sets the variable `result` to TRUE or FALSE. isBaseUrl() of core/update/urls.h rejects the same
+# texts at run time.
 function(tessum_is_base_url text result)
   set(hex "[0-9A-Fa-f]")
   set(name "[A-Za-z0-9][A-Za-z0-9._~-]*")

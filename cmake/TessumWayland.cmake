@@ -1,4 +1,4 @@
-# Code for protocols of Wayland, made from their descriptions.
+# Generates code for Wayland protocols from their descriptions.
 
 find_program(WAYLAND_SCANNER wayland-scanner REQUIRED)
 find_path(WAYLAND_CLIENT_INCLUDE_DIR wayland-client.h REQUIRED)
@@ -9,8 +9,8 @@ find_path(PLASMA_WAYLAND_PROTOCOLS plasma-window-management.xml REQUIRED
   PATHS /usr/local/share/plasma-wayland-protocols /usr/share/plasma-wayland-protocols)
 
 # add_wayland_protocols(TARGET SIDE descriptions...) gives TARGET the header NAME.h for each
-# description NAME.xml: SIDE is client or server. With CODE as one more argument, TARGET also gets the
-# interfaces themselves, which a program may hold only once.
+# description NAME.xml; SIDE is client or server. With the extra argument CODE, TARGET also gets the
+# interface definitions, which a program may contain only once.
 function(add_wayland_protocols target side)
   cmake_parse_arguments(PARSE_ARGV 2 arg "CODE" "" "")
   set(folder "${CMAKE_CURRENT_BINARY_DIR}/${target}_protocols")

@@ -1,5 +1,5 @@
-// Messages of any shape, read in the ways in which the program reads them: one is read where it has
-// exactly that shape, and what was read was in it.
+// Messages with any types, read with the types that the program uses: a message is read only if its
+// types match exactly, and the values are those it holds.
 
 #include <cstddef>
 #include <cstdint>
@@ -19,7 +19,7 @@ using tessum::BusObjectPath;
 using tessum::BusVariant;
 using tessum::FuzzInput;
 
-// D-Bus has limits, which are not what is tested here.
+// Stays within D-Bus's own limits, which are not tested here.
 constexpr int kDeepest = 4;
 constexpr std::size_t kLongest = 60;
 
@@ -35,7 +35,7 @@ std::string takeType(FuzzInput& input, int depth = 0) {
   return members.size() < kLongest ? "(" + members + ")" : "b";
 }
 
-// The length of the first complete type.
+// The length of the first complete type in the signature.
 std::size_t lengthOfFirst(const std::string& types, std::size_t start) {
   if (types[start] == 'a') return 1 + lengthOfFirst(types, start + 1);
   if (types[start] != '(') return 1;
@@ -44,7 +44,7 @@ std::size_t lengthOfFirst(const std::string& types, std::size_t start) {
   return end + 1 - start;
 }
 
-// A text or path that D-Bus allows.
+// A string or path that D-Bus allows.
 std::string takeName(FuzzInput& input, const char* start) {
   std::string text = start;
   for (int i = input.takeByte() % 8; i > 0; --i)
@@ -83,7 +83,7 @@ void appendValues(sd_bus_message* message, const std::string& types, FuzzInput& 
   }
 }
 
-// `signature` is that of the values; with a variant the contents decide, too.
+// `signature` is that of the values; for a variant, the contents decide, too.
 template <typename... Values>
 void checkRead(const BusMessage& message, const std::string& types, const std::string& signature) {
   const auto values = message.read<Values...>();

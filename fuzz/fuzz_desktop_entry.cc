@@ -1,4 +1,4 @@
-// The user's locale in the first line, then a desktop entry: the names read from it are UTF-8.
+// The first line is the user's locale, the rest a desktop entry: the names read from it are UTF-8.
 
 #include <cstddef>
 #include <cstdint>

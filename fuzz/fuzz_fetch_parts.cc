@@ -1,5 +1,5 @@
-// The bytes that TessumFetch writes, behind one byte that says how long the pieces are in which
-// they come: the parts are the same as when they come all at once.
+// One byte with the length of the pieces, then TessumFetch's output: the parts do not depend on how
+// the output is cut.
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace {
 
 using tessum::FetchPartReader;
 
-// The parts as a text, with a mark where bytes were no part.
+// The parts as a text, with a mark where bytes were not a valid part.
 std::string partsIn(std::string_view bytes, std::size_t length, FetchPartReader::Body body) {
   FetchPartReader reader(body);
   std::string parts;

@@ -1,4 +1,4 @@
-// The engine over a small store: a request gets one answer, a notification none.
+// The engine over a small store: a request gets one response, a notification none.
 
 #include <cstddef>
 #include <cstdint>

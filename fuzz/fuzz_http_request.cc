@@ -1,5 +1,5 @@
-// A request must be the same however its bytes are cut. The first bytes of the input say where to
-// cut; the rest is the request.
+// A request must parse the same however its bytes are cut. The first bytes of the input say where
+// to cut; the rest is the request.
 
 #include <algorithm>
 #include <cstddef>

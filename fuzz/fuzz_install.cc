@@ -1,5 +1,5 @@
 // Arbitrary bytes as an assistant's configuration file: registering and removing Tessum leaves
-// everything else in it alone. An independent JSON reader is the judge.
+// everything else in it alone. An independent JSON reader checks this.
 
 #include <cstddef>
 #include <cstdint>
@@ -100,7 +100,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(tessum::plain_json::read(file.read(kPath)) ==
           expected(before, [](auto& servers) { servers.erase("tessum"); }));
 
-  // Without an earlier installation, a file that holds no object is left alone.
+  // Without an earlier installation, a file that is not an object is left alone.
   const OneFile untouched(bytes);
   const tessum::MCPInstaller other("http://localhost:7384/mcp", untouched, locations);
   other.uninstallFromPath(kPath);

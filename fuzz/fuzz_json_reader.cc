@@ -1,4 +1,4 @@
-// The JSON reader: both ways of reading agree, and writing loses nothing.
+// The JSON reader: both ways of reading agree, and writing preserves everything.
 
 #include <cstddef>
 #include <cstdint>
@@ -19,7 +19,7 @@ std::optional<json::Value> parsed(json::PaddedView text) {
   }
 }
 
-// The object that the visited members make up; absent when the text is refused.
+// The object made of the visited members; absent when the text is rejected.
 std::optional<json::Value::Object> visited(json::PaddedView text) {
   json::Value::Object members;
   try {

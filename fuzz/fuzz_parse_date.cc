@@ -1,4 +1,4 @@
-// A date in one of five zones: what is read is the beginning of its day.
+// A date in one of five zones: the result is the beginning of its day.
 
 #include <stdlib.h>
 
@@ -12,14 +12,14 @@
 
 namespace {
 
-// Days without a midnight, with two, one that was skipped, and shifts by half an hour.
-// Changing a variable by setenv() would leak the old one.
+// Days without a midnight, with two, one that was skipped, and shifts by half an hour. These are
+// putenv() texts, because setenv() would leak the old value.
 char zones[][24] = {"TZ=America/Sao_Paulo", "TZ=America/Havana", "TZ=Pacific/Apia",
                     "TZ=Australia/Lord_Howe", "TZ=UTC"};
 constexpr double kHour = 60 * 60;
 
-// Before 1900 places kept the time of the sun, and when Samoa moved across the date line in 1892
-// it lived through one day twice: 48 hours.
+// Before 1900 places used solar time, and when Samoa crossed the date line in 1892 it repeated one
+// day: 48 hours.
 constexpr double kStartOf1900 = -2208988800;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The release service's answer: decoded, or refused with a DecodingError.
+// The release service's response: decoded, or rejected with a DecodingError.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Reports on rows of any bytes and times: valid UTF-8, with all records.
+// Reports on rows with arbitrary bytes and times: valid UTF-8, with all rows.
 
 #include <cmath>
 #include <cstddef>
@@ -17,8 +17,8 @@ namespace {
 constexpr std::int64_t kAll = -1;
 constexpr int kMostRecords = 8;
 
-// Times within 10^15 seconds of 1970, some 30 million years: the calendar's years are numbers of
-// 32 bits, and a duration that does not fit 64 bits stops the process by design.
+// Times within 10^15 seconds of 1970, some 30 million years: the calendar's years are 32-bit, and a
+// duration that does not fit in 64 bits stops the process by design.
 Date takeDate(FuzzInput& input) {
   const double seconds = input.takeDouble();
   return {std::isfinite(seconds) ? std::fmod(seconds, 1e15) : 0};

@@ -1,5 +1,5 @@
-// Hours, times of day and durations: what is read is in its range, and a schedule's next edge comes
-// within a day or so.
+// Hours, times of day and durations: results are in range, and a schedule's next edge comes within
+// a day or so.
 
 #include <cstddef>
 #include <cstdint>

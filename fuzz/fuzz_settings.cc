@@ -1,4 +1,4 @@
-// Settings: understood or refused with their place; and what is understood can be asked.
+// Settings: either valid and usable, or rejected with a position.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
-// A name's length and the name, then the X server's list of its counters: the number that is found
-// is in the list.
+// A name's length, the name, then the X server's list of counters: a number that is found is in the
+// list.
 
 #include <algorithm>
 #include <cstddef>

@@ -1,5 +1,5 @@
-// A window's title in an old encoding: whatever the bytes are, the text is UTF-8, and what both
-// encodings share stays as it is.
+// A window title in a legacy encoding: whatever the bytes are, the result is UTF-8, and both
+// readers agree where the encodings do.
 
 #include <algorithm>
 #include <cstddef>
@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   checkValid(latin);
   checkValid(compound);
 
-  // Without the bytes that switch, Compound Text is Latin-1.
+  // Without escape sequences, Compound Text is Latin-1.
   const auto switches = [](char c) { return c == '\x1B' || c == '\x9B'; };
   if (std::none_of(bytes.begin(), bytes.end(), switches)) {
     TESSUM_CHECK(compound == latin, "two readings of the same text");

@@ -1,5 +1,5 @@
-// The properties of a window, one after another, each as its type, its bits per item and its bytes.
-// Whatever they are, what is read of them are names and a title in UTF-8.
+// A window's properties, each with its type, its bits per item and its bytes. Whatever they are,
+// the names and the title that are read are UTF-8.
 
 #include <cstddef>
 #include <cstdint>

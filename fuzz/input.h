@@ -1,4 +1,4 @@
-// Takes values from the bytes that a fuzzer makes up.
+// Takes values from a fuzzer's bytes.
 
 #pragma once
 

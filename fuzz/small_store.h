@@ -1,4 +1,4 @@
-// A store in memory with a little of everything, made anew for each input so that the inputs do not
+// A small in-memory store with every kind of row, created for each input so that inputs do not
 // affect each other.
 
 #pragma once
@@ -10,7 +10,7 @@
 
 namespace tessum {
 
-// When the history of the small store ends: 2025-03-04T12:00:00Z.
+// The end of the small store's history: 2025-03-04T12:00:00Z.
 inline constexpr Date kNow{1741089600};
 
 [[nodiscard]] inline std::shared_ptr<Database> makeSmallStore(const Calendar& calendar) {

@@ -1,5 +1,5 @@
-// demo-data: writes an invented history into a database, for trying things out, for screenshots
-// and for measurements.
+// demo-data: writes an invented history into a database, for experiments, screenshots and
+// measurements.
 
 #include <charconv>
 #include <cstdio>

@@ -21,12 +21,12 @@ namespace {
 constexpr double kMinute = 60;
 constexpr double kHour = 60 * kMinute;
 
-// The same numbers on every system; the standard library's distributions differ.
+// Gives the same numbers on every system; the standard library's distributions do not.
 class Random {
  public:
   explicit Random(std::uint64_t seed) : engine_(seed) {}
 
-  // From 0 up to, but not including, `end`.
+  // From 0 up to, but excluding, `end`.
   std::size_t below(std::size_t end) { return static_cast<std::size_t>(engine_() % end); }
 
   // From `least` up to, but not including, `most`, in steps that keep a date's fraction short.
@@ -48,7 +48,7 @@ class Random {
 
 std::string withNumber(std::string_view pattern, Random& random) {
   std::string text(pattern);
-  // "#general" is a name, not a place for a number.
+  // "#general" is a name, not a placeholder.
   const auto at = text.find('#', 1);
   if (at != std::string::npos) text.replace(at, 1, std::to_string(2 + random.below(90)));
   return text;
@@ -70,8 +70,8 @@ std::optional<std::string> anyTitle(const DemoApplication& application, Random& 
   return withNumber(random.oneOf(application.titles), random);
 }
 
-// A person's way through the day: many short looks, some long stays, and often back to where one
-// came from.
+// How a person moves between applications: many short visits, some long ones, and often back to the
+// previous one.
 class Person {
  public:
   explicit Person(std::uint64_t seed) : random_(seed) {}
@@ -123,10 +123,10 @@ bool isWeekend(Date dayStart) {
   return local.tm_wday == 0 || local.tm_wday == 6;
 }
 
-// How many sessions the day that began `daysAgo` days ago has. There is one busiest day.
+// The number of sessions on the day `daysAgo` days ago. One day is the busiest.
 std::size_t sessionCount(int sessionsPerDay, Date dayStart, int daysAgo, Random& random) {
   constexpr int kBusiestDay = 3;
-  // Five workdays and a weekend make the average again.
+  // Together, five workdays and a weekend keep the average.
   double factor = isWeekend(dayStart) ? 0.5 : 1.2;
   factor *= random.between(0.85, 1.15);
   if (daysAgo == kBusiestDay) factor = 1.9;
@@ -146,7 +146,7 @@ std::vector<Activity> wholeDay(Date start, std::size_t count, Person& person) {
   const std::size_t evening = partOf(count, 0.1);
   const std::size_t morning = partOf(count, 0.4);
   std::vector<Activity> activities;
-  // Drawn one by one, as each compiler draws the arguments of a call in an order of its own.
+  // Drawn one by one, because compilers evaluate the arguments of a call in different orders.
   const Date lunch = at(12.4, 15);
   const Date arrival = at(8.7, 25);
   person.work(activities, arrival, lunch, morning);
@@ -173,7 +173,7 @@ std::vector<Activity> unfinishedDay(Date start, Date now, std::size_t count, Per
   return activities;
 }
 
-// Notes over the time of the sessions, each until the next.
+// Notes that cover the sessions' time, each until the next.
 std::vector<Annotation> annotationsOver(const std::vector<Activity>& activities, Random& random) {
   const std::size_t count = std::min(activities.size(), 2 + random.below(4));
   std::vector<Annotation> annotations;
@@ -198,8 +198,8 @@ void dropFrom(Date now, Records& records, Start start) {
 }
 
 ////////////////////////////////////////////////////////////////////////////////////////////////
-// Writing. The statements are prepared once and everything is one transaction, which makes a
-// million sessions a matter of seconds.
+// Writing. The statements are prepared once and everything is one transaction, so a million
+// sessions take seconds.
 
 struct Close {
   void operator()(sqlite3* db) const noexcept { sqlite3_close(db); }
@@ -281,7 +281,7 @@ std::vector<DemoDay> demoHistory(const DemoOptions& options, Date now, const Cal
 
 void writeDemoHistory(const std::string& path, const std::vector<DemoDay>& history,
                       const Calendar& calendar) {
-  { const Database creator(path, calendar); }  // makes the tables
+  { const Database creator(path, calendar); }  // creates the tables
   sqlite3* opened = nullptr;
   const int result = sqlite3_open(path.c_str(), &opened);
   const Connection connection(opened);

@@ -11,7 +11,7 @@ namespace tessum {
 struct DemoApplication {
   std::string_view name;
   const char* bundleID;  // null for a program that has none
-  std::size_t share;     // how often it comes to the front, compared with the others
+  std::size_t share;     // how often it comes to the front, relative to the others
   // Titles; "#" stands for a number. None: the application shows no titles.
   std::vector<std::string_view> titles;
 };

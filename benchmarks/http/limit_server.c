@@ -1,6 +1,6 @@
-/* http-limit-server REQUEST_SIZE ANSWER_SIZE: the least that a server of one request a connection
- * can do. It reads REQUEST_SIZE bytes, sends ANSWER_SIZE fixed ones and closes. It prints its port
- * and ends with its standard input. */
+/* http-limit-server REQUEST_SIZE ANSWER_SIZE: a minimal server with one request per connection.
+ * It reads REQUEST_SIZE bytes, sends ANSWER_SIZE fixed ones and closes. It prints its port and ends
+ * when its standard input ends. */
 
 #define _GNU_SOURCE /* accept4 */
 

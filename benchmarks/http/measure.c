@@ -1,7 +1,7 @@
-/* http-measure SERVER LIMIT_SERVER FOLDER: asks the HTTP server and the limit server the same in
- * turns, one request a connection, and prints how long a request takes and the ratio. Then it sends
- * large bodies. FOLDER must be empty: the store is made there. Everything but a complete answer
- * ends it with an error. */
+/* http-measure SERVER LIMIT_SERVER FOLDER: sends the same requests to the HTTP server
+ * and the limit server in turn, one per connection, and prints the time per request and the ratio.
+ * Then it sends large bodies. FOLDER must be empty: the store is created there. An incomplete
+ * answer ends the program with an error. */
 
 #include <errno.h>
 #include <netinet/in.h>
@@ -30,7 +30,7 @@ static double now(void) {
   return (double)time.tv_sec * 1e6 + (double)time.tv_nsec / 1e3;
 }
 
-/* A server as a child process, which says its port, or a URL that holds it, first. */
+/* A server as a child process, which first prints its port, or a URL that contains it. */
 struct Server {
   pid_t process;
   int input;
@@ -97,7 +97,7 @@ static void sendAll(int descriptor, const char* bytes, size_t size) {
   }
 }
 
-/* One exchange; the size of its answer. */
+/* Makes one exchange; returns the size of the answer. */
 static size_t exchange(int port, const char* request, size_t size) {
   const int connection = openConnection(port, 0);
   sendAll(connection, request, size);
@@ -110,7 +110,7 @@ static size_t exchange(int port, const char* request, size_t size) {
   return received;
 }
 
-/* Microseconds a request at `connections` of them at a time. */
+/* Microseconds per request, with `connections` at a time. */
 static double load(int port, int connections, const char* request, size_t size, size_t answerSize) {
   static size_t received[4096];
   const int queue = epoll_create1(0);

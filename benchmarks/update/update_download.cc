@@ -1,9 +1,9 @@
-// Downloads MEGABYTES over HTTPS from this computer, by the update checker and by the curl program
-// in turn, and prints how long each took and how much memory it held at most.
+// Downloads MEGABYTES over HTTPS from this computer with the update checker and the curl program in
+// turn, and prints the time and peak memory of each.
 //
 //   update-download FOLDER MEGABYTES     FOLDER holds the download for a while; it must exist
 //
-// Each download runs in a process of its own, so that the server in this one does not count. The
+// Each download runs in a separate process, so that the server in this one does not count. The
 // checker's process is this program, started again.
 
 #include <spawn.h>
@@ -55,7 +55,7 @@ class NoOpener final : public UrlOpener {
   void open(const std::string&) const override {}
 };
 
-// The process that downloads with the checker. Returns its exit status.
+// Runs in the process that downloads with the checker. Returns its exit status.
 int downloadHere(const std::string& base, const std::string& folder, const std::string& authority) {
   const FolderOnly locations(folder);
   const SystemAppInfo appInfo;
@@ -84,7 +84,7 @@ int downloadHere(const std::string& base, const std::string& folder, const std::
 
 struct Usage {
   double seconds;
-  double mebibytes;  // the most that was resident
+  double mebibytes;  // peak resident memory
 };
 
 Usage run(std::vector<std::string> words) {
