@@ -8,7 +8,7 @@
 
 #include "core/base/check.h"
 #include "core/base/text.h"
-#include "core/workspace/gnome/focused_window.h"
+#include "core/workspace/linux/focused_window.h"
 #include "core/workspace/gnome/shell_extension.h"
 #include "core/workspace/title.h"
 #include "fuzz/input.h"

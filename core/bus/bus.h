@@ -62,6 +62,14 @@ struct BusSignal {
   std::string firstArgument = {};  // a text
 };
 
+// A method that one other program may call.
+struct BusMethod {
+  std::string caller;  // its unique name
+  std::string path;
+  std::string interface;
+  std::string member;
+};
+
 // The bus's own name, as destination and sender.
 inline constexpr char kBusItself[] = "org.freedesktop.DBus";
 
@@ -104,6 +112,9 @@ class Bus {
   // Whether calls and subscriptions are possible.
   [[nodiscard]] bool isConnected() const { return isConnected_; }
 
+  // The unique name of this program, such as ":1.7"; empty while not connected.
+  [[nodiscard]] std::string uniqueName() const;
+
   // Calls a method. `onReply` is called once, with the reply or an error, unless the connection is
   // lost first. There is no time limit: a program that hangs may reply once it resumes. The call
   // does not start a program.
@@ -111,6 +122,10 @@ class Bus {
 
   // Calls `onSignal` for each matching signal from now on.
   [[nodiscard]] BusSlot subscribe(const BusSignal& signal, MessageHandler onSignal);
+
+  // Calls `onCall` for each call of the method, which gets an empty reply. Other calls get an
+  // error. One method for each path.
+  [[nodiscard]] BusSlot offer(const BusMethod& method, MessageHandler onCall);
 
  private:
   struct Release {

@@ -79,6 +79,8 @@ struct Bus::Handler {
   Bus& bus;
   std::string sender;  // empty for a reply, which can only come from the callee
   MessageHandler handle;
+  std::string interface = {};  // of an offered method
+  std::string member = {};
 
   // Another program can send this one a message that looks like a subscribed signal, but only the
   // bus sets the sender.
@@ -88,6 +90,19 @@ struct Bus::Handler {
     if (!handler.sender.empty() && (sender == nullptr || handler.sender != sender)) return 0;
     handler.bus.run([&] { handler.handle(BusMessage(message)); });
     return 0;
+  }
+
+  // The same for a call of an offered method.
+  static int onCall(sd_bus_message* message, void* self, sd_bus_error*) {
+    const Handler& handler = *static_cast<Handler*>(self);
+    const char* sender = sd_bus_message_get_sender(message);
+    const bool isMeant = sender != nullptr && handler.sender == sender &&
+                         sd_bus_message_is_method_call(message, handler.interface.c_str(),
+                                                       handler.member.c_str()) > 0;
+    if (!isMeant) return 0;
+    sd_bus_reply_method_return(message, "");
+    handler.bus.run([&] { handler.handle(BusMessage(message)); });
+    return 1;
   }
 
   static void destroy(void* self) { delete static_cast<Handler*>(self); }
@@ -164,6 +179,22 @@ BusSlot Bus::subscribe(const BusSignal& signal, MessageHandler onSignal) {
   const int result = sd_bus_add_match_async(bus_.get(), &slot, matchRule(signal).c_str(),
                                             Handler::onMessage, nullptr, handler.get());
   return adopt(result, slot, std::move(handler));
+}
+
+BusSlot Bus::offer(const BusMethod& method, MessageHandler onCall) {
+  if (!isConnected_) return nullptr;
+  auto handler = std::make_unique<Handler>(
+      Handler{*this, method.caller, std::move(onCall), method.interface, method.member});
+  sd_bus_slot* slot = nullptr;
+  const int result =
+      sd_bus_add_object(bus_.get(), &slot, method.path.c_str(), Handler::onCall, handler.get());
+  return adopt(result, slot, std::move(handler));
+}
+
+std::string Bus::uniqueName() const {
+  const char* name = nullptr;
+  if (!isConnected_ || sd_bus_get_unique_name(bus_.get(), &name) < 0) return "";
+  return name;
 }
 
 BusSlot Bus::adopt(int result, sd_bus_slot* slot, std::unique_ptr<Handler> handler) {

@@ -7,7 +7,7 @@ namespace tessum {
 
 // The program as it is installed has a power that not every container can grant, so a copy without
 // it runs. KWin tells its X11 display to the programs that it starts.
-KWin::KWin() {
+KWin::KWin(Permission permission) {
   const std::string address = "unix:path=" + runtimeFile("bus");
   setBuses(address, "unix:path=/nonexistent");
   bus_ = start("dbus-daemon", {"--session", "--nofork", "--print-address", "--address=" + address});
@@ -18,7 +18,7 @@ KWin::KWin() {
   std::filesystem::copy_file(run("sh", {"-c", "command -v kwin_wayland"}), program);
   std::filesystem::copy_file(TESSUM_PROGRAM, recorderProgram(TESSUM_PROGRAM));
   std::filesystem::copy_file(TESSUM_FAKE_INPUT, home().file("bin/fake_input"));
-  allow("bin/Tessum", "org_kde_plasma_window_management");
+  if (permission == Permission::granted) allow("bin/Tessum", "org_kde_plasma_window_management");
   allow("bin/fake_input", "org_kde_kwin_fake_input");
 
   const std::string told = home().file("display");

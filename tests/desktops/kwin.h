@@ -12,9 +12,13 @@ class KWin final : public Compositor {
  public:
   static constexpr const char* kProgram = "kwin_wayland";
 
-  KWin();
+  // Whether KWin lets the recorder see its windows on Wayland.
+  enum class Permission { granted, refused };
 
-  // The copy that a desktop entry lets see the windows.
+  KWin() : KWin(Permission::granted) {}
+  explicit KWin(Permission permission);
+
+  // The copy that a desktop entry lets see the windows, if any does.
   [[nodiscard]] std::string recorderProgram(const std::string&) const override {
     return home().file("bin/Tessum");
   }

@@ -6,6 +6,7 @@
 #include "core/bus/bus_names.h"
 #include "core/workspace/gnome/front_source.h"
 #include "core/workspace/gnome/idle_source.h"
+#include "core/workspace/kwin/front_source.h"
 #include "core/workspace/linux/environment.h"
 
 namespace tessum {
@@ -13,9 +14,12 @@ namespace tessum {
 DesktopSources openSessionBusSources(SystemMainLoop& loop, const SteadyClock& clock,
                                      WorkspaceNoticeHandler notice) {
   const auto names = namesOnBus(Bus::Kind::session);
+  const auto session = std::make_shared<Bus>(loop, Bus::Kind::session);
   DesktopSources sources;
-  if (names.contains("org.gnome.Shell")) {
-    const auto session = std::make_shared<Bus>(loop, Bus::Kind::session);
+  if (names.contains("org.kde.KWin")) {
+    sources.front =
+        openKWinFrontSource(loop, clock, session, systemDesktopEntries(), std::move(notice));
+  } else if (names.contains("org.gnome.Shell")) {
     sources.idle = openGnomeIdleSource(clock, session);
     sources.front = openGnomeFrontSource(loop, clock, session, systemDesktopEntries(),
                                          systemDataFolders(), std::move(notice));

@@ -1,6 +1,8 @@
-#include "core/workspace/gnome/focused_window.h"
+#include "core/workspace/linux/focused_window.h"
 
+#include <charconv>
 #include <limits>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -19,13 +21,24 @@ std::optional<std::int32_t> processFrom(std::uint32_t process) {
   return static_cast<std::int32_t>(process);
 }
 
+std::uint32_t numberFrom(const std::string& text) {
+  std::uint32_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() ? number : 0;
+}
+
 }  // namespace
 
 std::optional<FocusedWindow> readFocusedWindow(const BusMessage& message) {
   using Parts = std::tuple<std::string, std::string, std::string, std::string, std::uint32_t>;
   auto parts = message.readOne<Parts>();
-  if (!parts) return std::nullopt;
-  return std::make_from_tuple<FocusedWindow>(std::move(*parts));
+  if (parts) return std::make_from_tuple<FocusedWindow>(std::move(*parts));
+  using Text = std::string;
+  auto texts = message.read<Text, Text, Text, Text, Text>();
+  if (!texts) return std::nullopt;
+  auto& [application, instance, windowClass, title, process] = *texts;
+  return FocusedWindow{std::move(application), std::move(instance), std::move(windowClass),
+                       std::move(title), numberFrom(process)};
 }
 
 WindowDescription describe(const FocusedWindow& window, const std::string& hostName) {

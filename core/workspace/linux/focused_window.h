@@ -1,4 +1,5 @@
-// What our extension of GNOME Shell says of the window that has the focus.
+// What our helper in a compositor says of the window that has the focus: the extension of GNOME
+// Shell or the script of KWin.
 
 #pragma once
 
@@ -14,7 +15,7 @@ namespace tessum {
 // The texts are valid UTF-8 of any length; they are empty, and the process is 0, where the window
 // does not say.
 struct FocusedWindow {
-  std::string applicationId = {};  // of the sandbox that it runs in, or its GTK application
+  std::string applicationId = {};  // of its sandbox, its GTK application or its desktop entry
   std::string instance = {};
   std::string windowClass = {};
   std::string title = {};
@@ -26,7 +27,8 @@ struct FocusedWindow {
   friend bool operator==(const FocusedWindow&, const FocusedWindow&) = default;
 };
 
-// Reads an answer or a signal of the extension; absent when it has other types. Main thread only.
+// Reads an answer or a signal of the extension, or a call of the script, which gives the process as
+// a text. Absent when it has other types. Main thread only.
 [[nodiscard]] std::optional<FocusedWindow> readFocusedWindow(const BusMessage& message);
 
 // What the window says about its application, cut to what can be kept. The process is one of the

@@ -1,4 +1,4 @@
-#include "core/workspace/gnome/focused_window.h"
+#include "core/workspace/linux/focused_window.h"
 
 #include <gtest/gtest.h>
 
@@ -21,6 +21,15 @@ TEST(ReadFocusedWindow, TakesEachPart) {
   EXPECT_FALSE(window->isNone());
   EXPECT_TRUE(readAfter("(ssssu)", "", "", "", "", 0)->isNone());
   EXPECT_FALSE(readAfter("(ssssu)", "", "", "", "Title", 0)->isNone());
+}
+
+TEST(ReadFocusedWindow, TakesTheProcessAsAText) {
+  EXPECT_EQ(readAfter("sssss", "org.example.App", "app", "App", "Title", "7"),
+            (FocusedWindow{"org.example.App", "app", "App", "Title", 7}));
+  EXPECT_TRUE(readAfter("sssss", "", "", "", "", "")->isNone());
+  for (const char* process : {"-1", "7 ", "x", "4294967296"}) {
+    EXPECT_EQ(readAfter("sssss", "", "", "", "", process)->process, 0) << process;
+  }
 }
 
 TEST(ReadFocusedWindow, RefusesOtherTypes) {

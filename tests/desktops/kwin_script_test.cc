@@ -1,0 +1,62 @@
+// `Tessum record` on a KWin that does not let it see the windows on Wayland: a script tells of
+// them.
+
+#include "tests/desktops/kwin.h"
+#include "tests/support/eventually.h"
+
+namespace tessum {
+namespace {
+
+class KWinScriptRecording : public CompositorTest<KWin> {
+ protected:
+  void SetUp() override {
+    CompositorTest::SetUp();
+    if (IsSkipped()) return;
+    desktop_.reset();
+    desktop_.emplace(KWin::Permission::refused);
+    desktop_->addDesktopEntry("debian-xterm", "X Terminal of the Test", "StartupWMClass=XTerm");
+  }
+
+  const std::string dialogRow_ = "zenity|zenity|Question";
+  const std::string xtermRow_ = "X Terminal of the Test|debian-xterm|";
+};
+
+TEST_F(KWinScriptRecording, WritesWhatAPersonDoes) {
+  record({"--away-after", "never"});
+  const auto dialog =
+      desktop_->start("zenity", {"--info", "--title", "Question", "--text", "What?"});
+  ASSERT_TRUE(shows(dialogRow_));
+  Terminal xterm(*desktop_, "xterm", "an X11 window");
+  ASSERT_TRUE(shows(xtermRow_ + "an X11 window"));
+  xterm.setTitle("another title");
+  ASSERT_TRUE(showsAgain(xtermRow_ + "another title"));
+  desktop_->activate("Question");
+  ASSERT_TRUE(shows(dialogRow_));
+  desktop_->script("Question", "window.minimized = true");
+  ASSERT_TRUE(shows(xtermRow_ + "another title"));
+  desktop_->script("another title", "window.minimized = true");
+  ASSERT_TRUE(showsNothing());
+  desktop_->activate("another title");
+  ASSERT_TRUE(shows(xtermRow_ + "another title"));
+  xterm.close();
+  ASSERT_TRUE(showsNothing());
+  stopRecorder();
+}
+
+TEST_F(KWinScriptRecording, GoesOnAfterARecorderThatWasKilled) {
+  const auto dialog =
+      desktop_->start("zenity", {"--info", "--title", "Question", "--text", "What?"});
+  record({"--away-after", "never"});
+  ASSERT_TRUE(shows(dialogRow_));
+  recorder_->process().kill(SIGKILL);
+  static_cast<void>(recorder_->process().wait());
+  record({"--away-after", "never"});
+  const Terminal xterm(*desktop_, "xterm", "an X11 window");
+  EXPECT_TRUE(eventually([&] {
+    const auto sessions = recorder_->sessions();
+    return !sessions.empty() && sessions.back() == xtermRow_ + "an X11 window|open";
+  }));
+}
+
+}  // namespace
+}  // namespace tessum
