@@ -8,8 +8,8 @@
 
 #include "core/base/check.h"
 #include "core/base/text.h"
-#include "core/workspace/linux/focused_window.h"
 #include "core/workspace/gnome/shell_extension.h"
+#include "core/workspace/linux/focused_window.h"
 #include "core/workspace/title.h"
 #include "fuzz/input.h"
 #include "tests/support/bus/bus_draft_linux.h"

@@ -11,8 +11,8 @@
 #include <utility>
 
 #include "core/bus/bus_name.h"
-#include "core/workspace/linux/focused_window.h"
 #include "core/workspace/gnome/shell_extension.h"
+#include "core/workspace/linux/focused_window.h"
 #include "core/workspace/linux/front_tracker.h"
 #include "core/workspace/linux/window_identifier.h"
 #include "core/workspace/title.h"
