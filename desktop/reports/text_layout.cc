@@ -142,11 +142,6 @@ std::string shortened(std::string_view text, std::size_t columns) {
   return out + "…";
 }
 
-std::string counted(std::int64_t count, const std::string& one, const std::string& many) {
-  const std::string& noun = count == 1 ? one : many.empty() ? one + "s" : many;
-  return std::to_string(count) + " " + noun;
-}
-
 std::string bar(double share, std::size_t columns) {
   constexpr const char* kEighths[] = {"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
   const double all = static_cast<double>(columns * 8);

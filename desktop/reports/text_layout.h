@@ -2,8 +2,8 @@
 
 #pragma once
 
+#include <concepts>
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,8 +33,11 @@ struct Paper {
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
 
 // "1 session", "3 sessions"; pass `many` when the plural is not `one` with an "s".
-[[nodiscard]] std::string counted(std::int64_t count, const std::string& one,
-                                  const std::string& many = "");
+[[nodiscard]] std::string counted(std::integral auto count, const std::string& one,
+                                  const std::string& many = "") {
+  const std::string& noun = count == 1 ? one : many.empty() ? one + "s" : many;
+  return std::to_string(count) + " " + noun;
+}
 
 // A bar for `share` of `columns`, in eighths of a column; any share above 0 is visible.
 [[nodiscard]] std::string bar(double share, std::size_t columns);
