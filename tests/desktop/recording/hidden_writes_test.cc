@@ -7,7 +7,7 @@
 
 #include "tests/desktop/recording/recorder.h"
 #include "tests/support/folder_contents.h"
-#include "tests/support/x11_desktop.h"
+#include "tests/support/desktop/x11_desktop.h"
 
 namespace tessum {
 namespace {
