@@ -13,8 +13,8 @@
 
 #include "tests/desktop/recording/recorder.h"
 #include "tests/http/loopback.h"
-#include "tests/support/eventually.h"
 #include "tests/support/desktop/x11_desktop.h"
+#include "tests/support/eventually.h"
 
 namespace tessum {
 namespace {

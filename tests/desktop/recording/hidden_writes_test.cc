@@ -6,8 +6,8 @@
 #include <string>
 
 #include "tests/desktop/recording/recorder.h"
-#include "tests/support/folder_contents.h"
 #include "tests/support/desktop/x11_desktop.h"
+#include "tests/support/folder_contents.h"
 
 namespace tessum {
 namespace {
