@@ -41,6 +41,8 @@ int runCommand(int argc, char** argv) {
   addPauseCommands(app, host);
   addStatusCommand(app, host);
   addReportCommands(app, host);
+  addUsageCommand(app, host);
+  addCategoryCommand(app, host);
   addNoteCommand(app, host);
   addTimelineCommand(app, host);
   addDoctorCommand(app, host);

@@ -96,14 +96,16 @@ std::vector<Annotation> History::notesIn(const DayRange& range) {
 constexpr char kSearch[] =
     R"(SELECT id, app_name, bundle_id, title, start_time, end_time
 FROM activities
-WHERE is_meant(app_name) OR is_meant(title)
+WHERE (is_meant(app_name) OR is_meant(title))
+  AND start_time < ?1 AND (start_time >= ?2 OR COALESCE(end_time, ?3) > ?2)
 ORDER BY start_time DESC, id DESC
-LIMIT ?;)";
+LIMIT ?4;)";
 
-std::vector<Activity> History::search(const TextTest& isMeant, std::int64_t limit) {
+std::vector<Activity> History::search(const TextTest& isMeant, const DayRange& range, Date now,
+                                      std::int64_t limit) {
   const TextTestFunction function(db_.get(), isMeant);
   Statement statement(db_.get(), kSearch);
-  statement.bindLimit(limit);
+  statement.bind(range.end).bind(range.start).bind(now).bindLimit(limit);
   return readSessions(statement, db_.get());
 }
 
@@ -153,6 +155,48 @@ void History::visitSessions(const DayRange& range,
     for (const Activity& session : sessions) visit(session);
     last = {sessions.back().startTime, sessions.back().id.value_or(last.id)};
   }
+}
+
+constexpr char kSessionsInBehind[] =
+    R"(SELECT id, app_name, bundle_id, title, start_time, end_time
+FROM activities
+WHERE (start_time, id) > (?, ?) AND start_time < ?
+  AND (start_time >= ? OR COALESCE(end_time, ?) > ?)
+ORDER BY start_time, id
+LIMIT ?;)";
+
+void History::visitSessionsIn(const DayRange& range, Date now,
+                              const std::function<void(const Activity&)>& visit) {
+  Position last{movedBy(range.start, -kLongestSession)};
+  std::vector<Activity> sessions;
+  while (true) {
+    Statement statement(db_.get(), kSessionsInBehind);
+    statement.bind(last.start).bindRowID(last.id).bind(range.end);
+    statement.bind(range.start).bind(now).bind(range.start).bindLimit(kRowsPerStep);
+    const std::size_t count = rereadSessions(statement, db_.get(), sessions);
+    for (std::size_t i = 0; i < count; ++i) visit(sessions[i]);
+    if (static_cast<std::int64_t>(count) < kRowsPerStep) return;
+    last = {sessions[count - 1].startTime, sessions[count - 1].id.value_or(last.id)};
+  }
+}
+
+// Each of the four is read off the end of an index.
+constexpr char kBeginnings[] =
+    R"(SELECT MIN(first), MAX(last) FROM (
+SELECT (SELECT MIN(start_time) FROM activities) AS first,
+  (SELECT MAX(start_time) FROM activities) AS last
+UNION ALL
+SELECT (SELECT MIN(started_at) FROM annotations), (SELECT MAX(started_at) FROM annotations));)";
+
+std::optional<DayRange> History::beginnings() {
+  Statement statement(db_.get(), kBeginnings);
+  std::optional<DayRange> range;
+  while (statement.nextRow()) {
+    const auto first = statement.optionalDate(0);
+    if (first) range = {*first, statement.date(1)};
+  }
+  requireComplete(db_.get());
+  return range;
 }
 
 constexpr char kNotesBehind[] =

@@ -75,6 +75,10 @@ struct Replacement {
   std::vector<Activity> by;
 };
 
+// Seconds for which a session may have begun before a range that it overlaps. Nothing in the
+// history leads from an end to its session, so all sessions of that time are looked at.
+inline constexpr double kLongestSession = 31 * 86400.0;
+
 // One connection to an existing history. Every call throws DatabaseError when it cannot be
 // completed, and then has changed nothing. Not thread-safe.
 class History {
@@ -96,8 +100,10 @@ class History {
   // The notes that overlap `range`, the oldest first.
   [[nodiscard]] std::vector<Annotation> notesIn(const DayRange& range);
 
-  // The newest `limit` sessions whose application or title is meant, the newest first.
-  [[nodiscard]] std::vector<Activity> search(const TextTest& isMeant, std::int64_t limit);
+  // The newest `limit` sessions that overlap `range` and whose application or title is meant, the
+  // newest first. An open session ends at `now`.
+  [[nodiscard]] std::vector<Activity> search(const TextTest& isMeant, const DayRange& range,
+                                             Date now, std::int64_t limit);
 
   // The notes that have not ended, the newest first; there is one at most unless somebody else
   // wrote to the database.
@@ -110,6 +116,16 @@ class History {
   // a visit.
   void visitSessions(const DayRange& range, const std::function<void(const Activity&)>& visit);
   void visitNotes(const DayRange& range, const std::function<void(const Annotation&)>& visit);
+
+  // Visits every session that overlaps `range`, the oldest first: one that began in it, or that
+  // began up to kLongestSession before it and ends in it or later. An open one ends at `now`. No
+  // lock is held during a visit.
+  void visitSessionsIn(const DayRange& range, Date now,
+                       const std::function<void(const Activity&)>& visit);
+
+  // From the first to the last moment at which a session or a note began; absent where there is
+  // none.
+  [[nodiscard]] std::optional<DayRange> beginnings();
 
   ////////////////////////////////////////////////////////////////////////////////////////////
   // Mending and copying.

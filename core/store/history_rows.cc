@@ -11,17 +11,25 @@ void requireComplete(sqlite3* db) {
   if (code != SQLITE_DONE) throw DatabaseError::executionFailed(code, sqlite3_errmsg(db));
 }
 
-std::vector<Activity> readSessions(Statement& statement, sqlite3* db) {
-  std::vector<Activity> sessions;
+std::size_t rereadSessions(Statement& statement, sqlite3* db, std::vector<Activity>& sessions) {
+  std::size_t count = 0;
   while (statement.nextRow()) {
-    sessions.push_back({.id = statement.rowID(0),
-                        .appName = statement.text(1),
-                        .bundleID = statement.optionalText(2),
-                        .title = statement.optionalText(3),
-                        .startTime = statement.date(4),
-                        .endTime = statement.optionalDate(5)});
+    if (count == sessions.size()) sessions.emplace_back();
+    Activity& session = sessions[count++];
+    session.id = statement.rowID(0);
+    statement.readText(1, session.appName);
+    statement.readText(2, session.bundleID);
+    statement.readText(3, session.title);
+    session.startTime = statement.date(4);
+    session.endTime = statement.optionalDate(5);
   }
   requireComplete(db);
+  return count;
+}
+
+std::vector<Activity> readSessions(Statement& statement, sqlite3* db) {
+  std::vector<Activity> sessions;
+  static_cast<void>(rereadSessions(statement, db, sessions));
   return sessions;
 }
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "core/store/records.h"
@@ -15,6 +16,10 @@ void requireComplete(sqlite3* db);
 
 // The statement's columns must be id, app_name, bundle_id, title, start_time, end_time.
 [[nodiscard]] std::vector<Activity> readSessions(Statement& statement, sqlite3* db);
+
+// The same into the first elements of `sessions`, whose memory it uses again; returns how many.
+[[nodiscard]] std::size_t rereadSessions(Statement& statement, sqlite3* db,
+                                         std::vector<Activity>& sessions);
 
 // The statement's columns must be id, text, started_at, ended_at.
 [[nodiscard]] std::vector<Annotation> readNotes(Statement& statement, sqlite3* db);

@@ -3,11 +3,13 @@
 
 #pragma once
 
+#include <optional>
 #include <string>
 
-#include "core/base/date.h"
 #include "core/platform/calendar.h"
 #include "desktop/command.h"
+#include "desktop/periods/period.h"
+#include "desktop/periods/report_days.h"
 
 namespace CLI {
 class App;
@@ -15,16 +17,29 @@ class App;
 
 namespace tessum {
 
-// Adds the argument DATE, which defaults to today. `name` must live as long as `command`.
-void addDayArgument(CLI::App& command, std::string& name);
+// Adds the argument PERIOD, today unless it is given. `text` must live as long as `command`.
+void addPeriodArgument(CLI::App& command, std::string& text);
 
-// A moment of the local day that `name` names.
-[[nodiscard]] Date dayArgument(const std::string& name, const Host& host);
+// Whole days that a person gives as PERIOD, or as the first and the last with --from and --to. An
+// empty `from` or `to` leaves that side open.
+struct DaysOptions {
+  std::optional<std::string> period;
+  std::string from;
+  std::string to;
+};
 
-// From the start of the local day `from` to the end of the day `to`; an empty name leaves that side
-// open.
-[[nodiscard]] DayRange daysArgument(const std::string& from, const std::string& to,
-                                    const Host& host);
+// Adds all three to `command`; `options` must live as long.
+void addDaysOptions(CLI::App& command, DaysOptions& options);
+
+// The days of the reports, as the settings have them begin.
+[[nodiscard]] ReportDays reportDays(const Host& host);
+
+// The period that `text` means today.
+[[nodiscard]] Period periodArgument(const std::string& text, const Host& host,
+                                    const ReportDays& days);
+
+// From the beginning of the first day to the end of the last one.
+[[nodiscard]] DayRange daysArgument(const DaysOptions& options, const Host& host);
 
 // Seconds of a duration such as 1h30m, 45m, 20s or 90, which are minutes.
 [[nodiscard]] double durationArgument(const std::string& text);

@@ -2,119 +2,56 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <string>
-#include <string_view>
+#include <vector>
 
-#include "core/json/number.h"
 #include "core/json/writer.h"
 #include "core/store/history.h"
 #include "core/store/records.h"
 #include "desktop/commands/arguments.h"
+#include "desktop/commands/reports/data_options.h"
 #include "desktop/commands/standard_output.h"
+#include "desktop/data/csv.h"
 
 namespace tessum {
 namespace {
 
 struct ExportOptions {
-  std::string from;
-  std::string to;
+  DaysOptions days;
   std::string format = "csv";
   bool isRaw = false;
 };
 
-// A buffer that writes text to standard output in large pieces.
-class Writer {
- public:
-  void add(std::string_view text) {
-    constexpr std::size_t kPiece = 1 << 16;
-    pending_ += text;
-    if (pending_.size() >= kPiece) flush();
+// A line of one session or note.
+std::string exportLine(const std::string& kind, Date start, const std::optional<Date>& end,
+                       const std::vector<std::string>& texts, bool isRaw) {
+  std::vector<std::string> fields{kind, internetDateTime(start), "", ""};
+  if (end) {
+    fields[2] = internetDateTime(*end);
+    fields[3] = secondsText(std::max(0.0, secondsBetween(start, *end)));
   }
-  void flush() {
-    printForeign(pending_);
-    pending_.clear();
-  }
-
- private:
-  std::string pending_;
-};
-
-// Whether a spreadsheet takes the text for a formula and computes it: a title could have it send
-// the other fields elsewhere.
-bool isFormula(std::string_view text) {
-  return !text.empty() && std::string_view("=+-@\t\r").find(text.front()) != std::string_view::npos;
-}
-
-// A field of a comma-separated line, in quotes where it needs them, and with an apostrophe before a
-// formula unless it is to be `raw`.
-std::string csvField(std::string_view text, bool isRaw) {
-  const std::string before = !isRaw && isFormula(text) ? "'" : "";
-  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return before + std::string(text);
-  std::string field = "\"" + before;
-  for (const char c : text) {
-    if (c == '"') field += '"';
-    field += c;
-  }
-  return field + '"';
-}
-
-// A millisecond is finer than anything we measure.
-std::string secondsText(double seconds) {
-  return json::numberText(std::round(seconds * 1000) / 1000);
-}
-
-// One session or note.
-struct Line {
-  std::string_view kind;
-  Date start;
-  std::optional<Date> end;
-  std::string_view appName;
-  std::string_view bundleID;
-  std::string_view text;
-};
-
-// It ends with a carriage return and a line feed, as the format's readers expect.
-std::string csvLine(const Line& line, bool isRaw) {
-  std::string csv(line.kind);
-  csv += ',' + internetDateTime(line.start) + ',';
-  if (line.end) csv += internetDateTime(*line.end);
-  csv += ',';
-  if (line.end) csv += secondsText(std::max(0.0, secondsBetween(line.start, *line.end)));
-  for (const std::string_view text : {line.appName, line.bundleID, line.text}) {
-    csv += ',' + csvField(text, isRaw);
-  }
-  return csv + "\r\n";
+  fields.insert(fields.end(), texts.begin(), texts.end());
+  return csvLine(fields, isRaw);
 }
 
 void exportCsv(History& history, const DayRange& range, bool isRaw) {
-  Writer out;
+  LargeOutput out;
   out.add("kind,start,end,seconds,application,bundle_id,text\r\n");
   history.visitSessions(range, [&](const Activity& session) {
-    out.add(csvLine({.kind = "session",
-                     .start = session.startTime,
-                     .end = session.endTime,
-                     .appName = session.appName,
-                     .bundleID = session.bundleID ? *session.bundleID : std::string_view(),
-                     .text = session.title ? *session.title : std::string_view()},
-                    isRaw));
+    out.add(exportLine("session", session.startTime, session.endTime,
+                       {session.appName, session.bundleID.value_or(""), session.title.value_or("")},
+                       isRaw));
   });
   history.visitNotes(range, [&](const Annotation& note) {
-    out.add(csvLine({.kind = "note",
-                     .start = note.startedAt,
-                     .end = note.endedAt,
-                     .appName = "",
-                     .bundleID = "",
-                     .text = note.text},
-                    isRaw));
+    out.add(exportLine("note", note.startedAt, note.endedAt, {"", "", note.text}, isRaw));
   });
   out.flush();
 }
 
 // One object; an entry a line.
 void exportJson(History& history, const DayRange& range) {
-  Writer out;
+  LargeOutput out;
   const char* separator = "\n";
   const auto add = [&](const json::Value& value) {
     out.add(separator + json::compact(value));
@@ -134,10 +71,7 @@ void exportJson(History& history, const DayRange& range) {
 void addExportCommand(CLI::App& app, Host& host) {
   auto* command = app.add_subcommand("export", "Write the history to standard output");
   const auto options = std::make_shared<ExportOptions>();
-  command->add_option("--from", options->from, "the first day; all from the beginning if absent")
-      ->type_name("DATE");
-  command->add_option("--to", options->to, "the last day; all up to now if absent")
-      ->type_name("DATE");
+  addDaysOptions(*command, options->days);
   command->add_option("--format", options->format, "csv or json")
       ->type_name("FORMAT")
       ->capture_default_str()
@@ -147,14 +81,15 @@ void addExportCommand(CLI::App& app, Host& host) {
       "in CSV, write texts that a spreadsheet would compute (such as =1+1) as they are, "
       "without an apostrophe before them");
   command->footer(
-      "Times are in UTC. A day holds what began on it, in local time. A file that it is written "
-      "to\n"
-      "becomes readable for you alone.\n\n"
+      "Without days, all of it. Times are in UTC. A day holds what began on it, in local time. A "
+      "file\n"
+      "that it is written to becomes readable for you alone.\n\n"
       "Examples:\n"
       "  Tessum export > history.csv\n"
-      "  Tessum export --from 2025-03-01 --to 2025-03-31 --format json > march.json");
+      "  Tessum export 2025-03 --format json > march.json\n"
+      "  Tessum export --from 2025-03-04 > since.csv");
   command->callback([&host, options] {
-    const DayRange range = daysArgument(options->from, options->to, host);
+    const DayRange range = daysArgument(options->days, host);
     History history(historyPath(host.locations), History::Access::read);
     closeOutputToOthers();
     if (options->format == "json") {

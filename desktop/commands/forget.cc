@@ -18,8 +18,7 @@ namespace tessum {
 namespace {
 
 struct ForgetOptions {
-  std::string from;
-  std::string to;
+  DaysOptions days;
   std::string appName;
   std::string titlePart;
   bool isOfHidden = false;
@@ -28,12 +27,14 @@ struct ForgetOptions {
 
 Selection selectionOf(const Host& host, const ForgetOptions& options) {
   Selection selection;
-  if (!options.from.empty()) selection.begun = daysArgument(options.from, options.to, host);
+  if (options.days.period || !options.days.from.empty()) {
+    selection.begun = daysArgument(options.days, host);
+  }
   if (!options.appName.empty()) selection.appName = validUtf8(options.appName);
   if (!options.titlePart.empty()) selection.isMeantTitle = holding(validUtf8(options.titlePart));
   if (!selection.begun && !selection.appName && !selection.isMeantTitle) {
     throw CLI::ValidationError(
-        "say what to forget with --from and --to, --app, --title or --hidden");
+        "say what to forget: days such as 2025-03-04, or --app, --title or --hidden");
   }
   return selection;
 }
@@ -79,10 +80,9 @@ void forget(Host& host, const ForgetOptions& options) {
 void addForgetCommand(CLI::App& app, Host& host) {
   auto* command = app.add_subcommand("forget", "Delete sessions and notes for good");
   const auto options = std::make_shared<ForgetOptions>();
-  auto* from = command->add_option("--from", options->from, "the first day")->type_name("DATE");
-  auto* to = command->add_option("--to", options->to, "the last day")->type_name("DATE");
-  from->needs(to);
-  to->needs(from);
+  addDaysOptions(*command, options->days);
+  command->get_option("--from")->needs(command->get_option("--to"));
+  command->get_option("--to")->needs(command->get_option("--from"));
   command->add_option("--app", options->appName, "only sessions of this application")
       ->type_name("NAME");
   command
@@ -90,7 +90,7 @@ void addForgetCommand(CLI::App& app, Host& host) {
                    "only sessions with this in the title, in capital or small letters")
       ->type_name("TEXT");
   command->add_flag("--hidden", options->isOfHidden, "what the rules of today's settings hide")
-      ->excludes("--from", "--to", "--app", "--title");
+      ->excludes("PERIOD", "--from", "--to", "--app", "--title");
   command->add_flag("--yes", options->isSure, "delete without asking");
   command->footer(
       "Says what it will delete, then asks. Days alone delete the sessions and the notes that\n"
@@ -98,7 +98,8 @@ void addForgetCommand(CLI::App& app, Host& host) {
       "are not touched. With --hidden the history becomes what it would be under the rules of the\n"
       "settings: sessions go, lose their titles, or are cut where a schedule begins or ends.\n\n"
       "Examples:\n"
-      "  Tessum forget --from 2025-03-04 --to 2025-03-05\n"
+      "  Tessum forget yesterday\n"
+      "  Tessum forget 2025-03-04..2025-03-05 --app Terminal\n"
       "  Tessum forget --app Terminal\n"
       "  Tessum forget --title \"secret project\" --yes\n"
       "  Tessum forget --hidden");

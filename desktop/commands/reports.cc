@@ -7,108 +7,221 @@
 
 #include "core/base/limits.h"
 #include "core/base/text.h"
-#include "core/mcp/mcp_server.h"
-#include "core/store/database.h"
 #include "core/store/history.h"
 #include "desktop/commands/arguments.h"
+#include "desktop/commands/reports/data_options.h"
+#include "desktop/commands/reports/filter_options.h"
+#include "desktop/commands/reports/plain_report.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/commands/text_search.h"
+#include "desktop/reports/calendar_dates.h"
 #include "desktop/reports/day_report.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/settings/settings_file.h"
 
 namespace tessum {
 namespace {
 
 struct ReportOptions {
-  std::string day;
-  std::string query;
-  std::int64_t limit = limits::kSearchResultsPerCall;
+  std::string period;
+  FilterOptions filter;
+  DataOptions data;
   bool isPlain = false;
 };
 
-void addPlainOption(CLI::App& command, ReportOptions& options, const std::string& tool) {
-  command.add_flag("--plain", options.isPlain,
-                   "print the text that assistants get from " + tool + ", with times in UTC");
+// What a report is about, as the command line says it.
+struct Subject {
+  ReportDays days;
+  Period period;
+  DayRange range;
+  SessionFilter filter;
+  Date now;
+};
+
+Subject subjectOf(const Host& host, const ReportOptions& options, const Settings& settings) {
+  const ReportDays days(host.calendar, settings.dayStarts.value);
+  const Period period = periodArgument(options.period, host, days);
+  return {.days = days,
+          .period = period,
+          .range = days.rangeOf(period),
+          .filter = filterOf(options.filter, settings.rules),
+          .now = host.clock.now()};
 }
 
-// The text of an assistant's tool, from the same engine.
-std::string toolText(const Host& host, const char* tool, const ToolArguments& arguments) {
-  auto database = std::make_shared<Database>(historyPath(host.locations), host.calendar);
-  MCPServer server(std::move(database), limits::kDefaultPort, host.clock, host.calendar);
-  return server.callTool(tool, arguments).content.front().text + "\n";
+DayHistory filteredDay(History& history, const Subject& subject, const CalendarDate& date,
+                       CategoryFinder& categories) {
+  DayHistory day = readDay(history, subject.days, date, subject.now);
+  std::erase_if(day.sessions, [&](const Activity& session) {
+    return !passes(subject.filter, session, categories);
+  });
+  return day;
 }
 
-using Report = std::string (*)(const DayHistory&, const Paper&);
+// Prints each day that has records.
+void printDays(History& history, const Subject& subject, CategoryFinder& categories) {
+  const Paper paper = standardOutputPaper();
+  const Period recorded = recordedDays(history, subject.period, subject.days, subject.now);
+  const char* separator = "";
+  for (CalendarDate date = recorded.first; daysBetween(date, recorded.last) >= 0;
+       date = daysAfter(date, 1)) {
+    const DayHistory day = filteredDay(history, subject, date, categories);
+    if (day.sessions.empty() && day.notes.empty()) continue;
+    print(separator + dayReport(day, paper));
+    separator = "\n";
+  }
+  if (*separator == '\0') {
+    print(longPeriodText(subject.period) + "\n\nNothing was recorded on these days.\n");
+  }
+}
 
-// Prints `report` for the day, or the text of `tool`.
-void showDay(const Host& host, const ReportOptions& options, Report report, const char* tool) {
-  const Date day = dayArgument(options.day, host);
+void showDays(const Host& host, const ReportOptions& options) {
+  const Settings settings = loadSettings(host.locations, host.files);
+  const Subject subject = subjectOf(host, options, settings);
+  CategoryFinder categories(settings.rules);
   History history(historyPath(host.locations), History::Access::read);
-  const DayHistory content = readDay(history, host, day);
-  if (options.isPlain) {
-    printForeign(toolText(host, tool, {.date = dateText(day)}));
+  if (const auto format = formatOf(options.data)) {
+    LargeOutput out;
+    const TextSink sink = [&](std::string_view text) { out.add(text); };
+    RecordData data(*format, "day", subject.period, subject.range, subject.now, sink);
+    history.visitSessionsIn(subject.range, subject.now, [&](const Activity& session) {
+      if (passes(subject.filter, session, categories)) data.add(session);
+    });
+    for (const Annotation& note : history.notesIn(subject.range)) data.add(note);
+    data.finish();
+    out.flush();
     return;
   }
-  print(report(content, standardOutputPaper()));
+  if (dayCount(subject.period) > 1) return printDays(history, subject, categories);
+  print(dayReport(filteredDay(history, subject, subject.period.first, categories),
+                  standardOutputPaper()));
 }
 
-void addDayReport(CLI::App& app, Host& host, const char* name, const char* description,
-                  const char* examples, Report report, const char* tool) {
-  auto* command = app.add_subcommand(name, description);
+void showNotes(const Host& host, const ReportOptions& options) {
+  const Subject subject = subjectOf(host, options, loadSettings(host.locations, host.files));
+  History history(historyPath(host.locations), History::Access::read);
+  const auto notes = history.notesIn(subject.range);
+  if (const auto format = formatOf(options.data)) {
+    const TextSink sink = printForeign;
+    RecordData data(*format, "notes", subject.period, subject.range, subject.now, sink);
+    for (const Annotation& note : notes) data.add(note);
+    data.finish();
+    return;
+  }
+  print(notesReport(subject.period, subject.range, notes, subject.now, standardOutputPaper()));
+}
+
+using Show = void (*)(const Host&, const ReportOptions&);
+
+// What a report of a period is, besides what all of them have in common.
+struct Form {
+  const char* name;
+  const char* description;
+  const char* tool;
+  Show show;
+};
+
+CLI::App& addReport(CLI::App& app, Host& host, const Form& form,
+                    const std::shared_ptr<ReportOptions>& options) {
+  auto* command = app.add_subcommand(form.name, form.description);
+  addPeriodArgument(*command, options->period);
+  addPlainOption(*command, options->isPlain, form.tool);
+  addDataOptions(*command, options->data);
+  command->callback([&host, options, form] {
+    options->isPlain ? showPlain(host, options->period, form.tool) : form.show(host, *options);
+  });
+  return *command;
+}
+
+void addDayCommand(CLI::App& app, Host& host) {
   const auto options = std::make_shared<ReportOptions>();
-  addDayArgument(*command, options->day);
-  addPlainOption(*command, *options, tool);
-  command->footer(examples);
-  command->callback([&host, options, report, tool] { showDay(host, *options, report, tool); });
+  auto& command = addReport(
+      app, host,
+      {"day", "What was in front on each day, with its notes", "get_activities", showDays},
+      options);
+  addFilterOptions(command, options->filter);
+  command.footer(
+      "Examples:\n"
+      "  Tessum day\n"
+      "  Tessum day yesterday\n"
+      "  Tessum day 2025-03-03..2025-03-05 --app Terminal\n"
+      "  Tessum day 2025-03-04 --json\n"
+      "  Tessum day 2025-03-04 --plain");
+}
+
+void addNotesCommand(CLI::App& app, Host& host) {
+  const auto options = std::make_shared<ReportOptions>();
+  auto& command = addReport(
+      app, host, {"notes", "The notes of some days", "get_annotations", showNotes}, options);
+  command.footer(
+      "Examples:\n"
+      "  Tessum notes\n"
+      "  Tessum notes yesterday\n"
+      "  Tessum notes 2025-03 --csv");
+}
+
+struct SearchOptions {
+  std::string query;
+  std::string period;
+  std::int64_t limit = limits::kSearchResultsPerCall;
+  DataOptions data;
+  bool isPlain = false;
+};
+
+void search(const Host& host, const SearchOptions& options) {
+  const std::string query = validUtf8(options.query);
+  std::optional<Period> period;
+  DayRange range = kAllTimes;
+  if (!options.period.empty()) {
+    const ReportDays days = reportDays(host);
+    period = periodArgument(options.period, host, days);
+    range = days.rangeOf(*period);
+  }
+  const Date now = host.clock.now();
+  History history(historyPath(host.locations), History::Access::read);
+  auto sessions = history.search(holding(query), range, now, options.limit);
+  if (options.isPlain) {
+    printForeign(toolText(host, "search_activities", {.limit = options.limit, .query = query}));
+    return;
+  }
+  if (const auto format = formatOf(options.data)) {
+    const TextSink sink = printForeign;
+    RecordData data(*format, "search", period, range, now, sink);
+    for (const Activity& session : sessions) data.add(session);
+    data.finish();
+    return;
+  }
+  for (Activity& session : sessions) session = cutTo(range, session, now);
+  print(searchReport(sessions, now, standardOutputPaper()));
 }
 
 }  // namespace
 
 void addReportCommands(CLI::App& app, Host& host) {
-  addDayReport(app, host, "day", "What was in front on a day, with its notes",
-               "Examples:\n"
-               "  Tessum day\n"
-               "  Tessum day yesterday\n"
-               "  Tessum day 2025-03-04 --plain",
-               dayReport, "get_activities");
-  addDayReport(app, host, "usage", "How long each application was in front on a day",
-               "Examples:\n"
-               "  Tessum usage\n"
-               "  Tessum usage 2025-03-04",
-               usageReport, "get_app_usage");
-  addDayReport(app, host, "notes", "The notes of a day",
-               "Examples:\n"
-               "  Tessum notes\n"
-               "  Tessum notes yesterday",
-               notesReport, "get_annotations");
+  addDayCommand(app, host);
+  addNotesCommand(app, host);
 
-  auto* search = app.add_subcommand("search", "Sessions of all days by application or title");
-  const auto options = std::make_shared<ReportOptions>();
-  search
+  auto* command = app.add_subcommand("search", "Sessions of all days by application or title");
+  const auto options = std::make_shared<SearchOptions>();
+  command
       ->add_option("TEXT", options->query,
                    "part of an application's name or a title, in capital or small letters; with "
                    "--plain, % and _ stand for any text and any character")
       ->type_name("")
       ->required();
-  search->add_option("--limit", options->limit, "the most sessions to show")
+  command->add_option("--limit", options->limit, "the most sessions to show")
       ->type_name("N")
       ->capture_default_str()
       ->check(CLI::Range(1, 1000000));
-  addPlainOption(*search, *options, "search_activities");
-  search->footer(
+  auto* in = command->add_option("--in", options->period, "only sessions of these days; see day");
+  in->type_name("PERIOD");
+  addPlainOption(*command, options->isPlain, "search_activities");
+  in->excludes("--plain");
+  addDataOptions(*command, options->data);
+  command->footer(
       "Examples:\n"
       "  Tessum search invoice\n"
+      "  Tessum search invoice --in 2025-03\n"
       "  Tessum search \"pull request\" --limit 200");
-  search->callback([&host, options] {
-    const std::string query = validUtf8(options->query);
-    History history(historyPath(host.locations), History::Access::read);
-    const auto sessions = history.search(holding(query), options->limit);
-    if (options->isPlain) {
-      printForeign(toolText(host, "search_activities", {.limit = options->limit, .query = query}));
-      return;
-    }
-    print(searchReport(sessions, host.clock.now(), standardOutputPaper()));
-  });
+  command->callback([&host, options] { search(host, *options); });
 }
 
 }  // namespace tessum

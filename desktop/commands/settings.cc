@@ -21,13 +21,6 @@ std::string lineText(int line) {
   return line == 0 ? "default" : "line " + std::to_string(line);
 }
 
-std::string patternText(const WindowPattern& windows) {
-  std::string text;
-  if (windows.app) text += " app '" + windows.app->text() + "'";
-  if (windows.title) text += " title '" + windows.title->text() + "'";
-  return text;
-}
-
 std::string timeText(int minute) {
   const std::string hours = std::to_string(minute / 60);
   const std::string minutes = std::to_string(minute % 60);
@@ -64,6 +57,7 @@ void showSettings(const Host& host) {
   };
   add("away-after", awayAfterText(settings.awayAfter.value), settings.awayAfter.line);
   add("titles", titlesText(settings.titles.value), settings.titles.line);
+  add("day-starts", timeText(settings.dayStarts.value), settings.dayStarts.line);
   for (const HideRule& rule : settings.rules.hide) add("hide", ruleText(rule), rule.line);
   for (const Category& category : settings.rules.categories) {
     add("category", category.name + ":" + patternText(category.windows), category.line);

@@ -18,14 +18,16 @@ namespace tessum {
 namespace {
 
 struct TimelineOptions {
-  std::string day;
+  std::string period;
   std::string file;
 };
 
 void showTimeline(const Host& host, const TimelineOptions& options) {
-  const Date day = dayArgument(options.day, host);
+  const ReportDays days = reportDays(host);
+  const Period period = periodArgument(options.period, host, days);
+  if (dayCount(period) > 1) throw CLI::ValidationError("the timeline is a picture of one day");
   History history(historyPath(host.locations), History::Access::read);
-  const std::string page = timelinePage(readDay(history, host, day));
+  const std::string page = timelinePage(readDay(history, days, period.first, host.clock.now()));
   if (!options.file.empty()) {
     if (std::filesystem::exists(options.file) && !std::filesystem::is_regular_file(options.file)) {
       throw std::runtime_error(options.file + " is not a file that can be replaced");
@@ -47,7 +49,7 @@ void showTimeline(const Host& host, const TimelineOptions& options) {
 void addTimelineCommand(CLI::App& app, Host& host) {
   auto* command = app.add_subcommand("timeline", "A picture of a day, in your browser");
   const auto options = std::make_shared<TimelineOptions>();
-  addDayArgument(*command, options->day);
+  addPeriodArgument(*command, options->period);
   command
       ->add_option("-o,--output", options->file,
                    "write the page to this file instead of opening it")

@@ -5,6 +5,7 @@
 #include <map>
 #include <utility>
 
+#include "desktop/reports/calendar_dates.h"
 #include "desktop/reports/wall_clock.h"
 
 namespace tessum {
@@ -22,7 +23,7 @@ std::string totalText(std::span<const Activity> sessions, Date now) {
 }
 
 std::string heading(const DayHistory& history, const Paper& paper) {
-  std::string text = toned(longDateText(history.day.start), Tone::strong, paper);
+  std::string text = toned(longDateText(history.date), Tone::strong, paper);
   if (!history.sessions.empty()) text += "  " + totalText(history.sessions, history.now);
   return text + "\n";
 }
@@ -48,15 +49,17 @@ std::string usageTable(std::span<const Activity> sessions, Date now, const Paper
   return table.text(paper);
 }
 
-std::string notesTable(const DayHistory& history, const Paper& paper) {
+// A moment that does not lie in `day` is written with its date.
+std::string notesTable(std::span<const Annotation> notes, const std::optional<DayRange>& day,
+                       Date now, const Paper& paper) {
   const auto momentText = [&](Date date) {
-    const bool isToday = date.secondsSince1970 >= history.day.start.secondsSince1970 &&
-                         date.secondsSince1970 < history.day.end.secondsSince1970;
-    return isToday ? clockText(date) : dateText(date) + " " + clockText(date);
+    const bool isInDay =
+        day && secondsBetween(day->start, date) >= 0 && secondsBetween(date, day->end) > 0;
+    return isInDay ? clockText(date) : dateText(date) + " " + clockText(date);
   };
   Table table({right, right, right, left});
-  for (const Annotation& note : history.notes) {
-    const double seconds = secondsUntil(history.now, note.startedAt, note.endedAt);
+  for (const Annotation& note : notes) {
+    const double seconds = secondsUntil(now, note.startedAt, note.endedAt);
     table.addRow({{momentText(note.startedAt), Tone::faint},
                   {note.endedAt ? momentText(*note.endedAt) : "now", Tone::faint},
                   {durationText(seconds, DurationForm::longForm)},
@@ -67,12 +70,31 @@ std::string notesTable(const DayHistory& history, const Paper& paper) {
 
 }  // namespace
 
-DayHistory readDay(History& history, const Host& host, Date day) {
-  const DayRange range = host.calendar.dayOf(day);
-  return {.day = range,
-          .sessions = history.sessionsBegunIn(range),
-          .notes = history.notesIn(range),
-          .now = host.clock.now()};
+DayHistory readDay(History& history, const ReportDays& days, const CalendarDate& date, Date now) {
+  DayHistory content{
+      .date = date, .day = days.rangeOf({date, date}), .sessions = {}, .notes = {}, .now = now};
+  history.visitSessionsIn(content.day, now, [&](const Activity& session) {
+    content.sessions.push_back(cutTo(content.day, session, now));
+  });
+  content.notes = history.notesIn(content.day);
+  return content;
+}
+
+Period recordedDays(History& history, const Period& period, const ReportDays& days, Date now) {
+  const auto range = history.beginnings().value_or(DayRange{now, now});
+  const CalendarDate first = days.dayOf(range.start);
+  const CalendarDate last = days.dayOf(secondsBetween(now, range.end) > 0 ? range.end : now);
+  Period recorded = period;
+  if (daysBetween(recorded.first, first) > 0) recorded.first = first;
+  if (daysBetween(last, recorded.last) > 0) recorded.last = last;
+  return dayCount(recorded) > 0 ? recorded : Period{period.first, period.first};
+}
+
+Activity cutTo(const DayRange& range, const Activity& session, Date now) {
+  Activity part = session;
+  if (secondsBetween(part.startTime, range.start) > 0) part.startTime = range.start;
+  if (secondsBetween(range.end, part.endTime.value_or(now)) > 0) part.endTime = range.end;
+  return part;
 }
 
 double secondsUntil(Date now, Date start, const std::optional<Date>& end) {
@@ -105,7 +127,8 @@ std::vector<AppUsageSummary> usageOf(std::span<const Activity> sessions, Date no
 std::string dayReport(const DayHistory& history, const Paper& paper) {
   std::string text = heading(history, paper);
   if (!history.notes.empty()) {
-    text += "\n" + toned("Notes", Tone::strong, paper) + "\n" + notesTable(history, paper);
+    text += "\n" + toned("Notes", Tone::strong, paper) + "\n" +
+            notesTable(history.notes, history.day, history.now, paper);
   }
   if (history.sessions.empty()) return text + "\nNothing was recorded on this day.\n";
 
@@ -123,18 +146,15 @@ std::string dayReport(const DayHistory& history, const Paper& paper) {
   return text + "\n" + toned("Sessions", Tone::strong, paper) + "\n" + table.text(paper);
 }
 
-std::string usageReport(const DayHistory& history, const Paper& paper) {
-  const std::string text = heading(history, paper) + "\n";
-  if (history.sessions.empty()) return text + "Nothing was recorded on this day.\n";
-  return text + usageTable(history.sessions, history.now, paper);
-}
-
-std::string notesReport(const DayHistory& history, const Paper& paper) {
-  const std::string text = toned(longDateText(history.day.start), Tone::strong, paper) + "\n\n";
-  if (history.notes.empty()) {
-    return text + "There are no notes for this day. \"Tessum note TEXT\" makes one.\n";
+std::string notesReport(const Period& period, const DayRange& range,
+                        std::span<const Annotation> notes, Date now, const Paper& paper) {
+  const bool isOneDay = dayCount(period) == 1;
+  const std::string text = toned(longPeriodText(period), Tone::strong, paper) + "\n\n";
+  if (notes.empty()) {
+    return text + "There are no notes for " + (isOneDay ? "this day" : "these days") +
+           ". \"Tessum note TEXT\" makes one.\n";
   }
-  return text + notesTable(history, paper);
+  return text + notesTable(notes, isOneDay ? std::optional(range) : std::nullopt, now, paper);
 }
 
 std::string searchReport(std::span<const Activity> sessions, Date now, const Paper& paper) {

@@ -9,21 +9,31 @@
 #include "core/base/date.h"
 #include "core/store/history.h"
 #include "core/store/records.h"
-#include "desktop/command.h"
+#include "desktop/periods/report_days.h"
 #include "desktop/reports/text_layout.h"
 
 namespace tessum {
 
 // The history of one day; each list is ordered oldest first.
 struct DayHistory {
+  CalendarDate date;
   DayRange day;
-  std::vector<Activity> sessions;  // that began on the day
-  std::vector<Annotation> notes;   // that overlap it
+  std::vector<Activity> sessions;  // that overlap the day, cut at its edges
+  std::vector<Annotation> notes;   // that overlap it, whole
   Date now;                        // open sessions and notes count up to here
 };
 
-// Reads the local day that contains `day`.
-[[nodiscard]] DayHistory readDay(History& history, const Host& host, Date day);
+[[nodiscard]] DayHistory readDay(History& history, const ReportDays& days, const CalendarDate& date,
+                                 Date now);
+
+// The days of `period` on which something can have been recorded: not before the first record, and
+// not after today. One day where there are none.
+[[nodiscard]] Period recordedDays(History& history, const Period& period, const ReportDays& days,
+                                  Date now);
+
+// The part of `session` that lies in `range`, which it overlaps; one that is open stays so unless
+// `range` ends before `now`.
+[[nodiscard]] Activity cutTo(const DayRange& range, const Activity& session, Date now);
 
 // Seconds from `start` to `end`, or to `now` when absent; never negative, whatever other programs
 // have written.
@@ -38,8 +48,11 @@ struct DayHistory {
 // Each report is a heading and a line for each entry, or a sentence when there are none. Each ends
 // in a line feed.
 [[nodiscard]] std::string dayReport(const DayHistory& history, const Paper& paper);
-[[nodiscard]] std::string usageReport(const DayHistory& history, const Paper& paper);
-[[nodiscard]] std::string notesReport(const DayHistory& history, const Paper& paper);
+
+// The notes of `period`, which is `range`; those of several days with their dates.
+[[nodiscard]] std::string notesReport(const Period& period, const DayRange& range,
+                                      std::span<const Annotation> notes, Date now,
+                                      const Paper& paper);
 
 // Newest first, in the order of `sessions`.
 [[nodiscard]] std::string searchReport(std::span<const Activity> sessions, Date now,

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "desktop/reports/calendar_dates.h"
 #include "desktop/reports/timeline_scale.h"
 #include "desktop/reports/wall_clock.h"
 
@@ -297,7 +298,7 @@ std::string summary(const DayHistory& history) {
 }  // namespace
 
 std::string timelinePage(const DayHistory& history) {
-  const std::string date = longDateText(history.day.start);
+  const std::string date = longDateText(history.date);
   return kHead + ("<title>" + date + "</title>\n</head>\n<body>\n<main>\n<h1>") + date +
          "</h1>\n<p>" + summary(history) + "</p>\n<div class=\"card\">\n" +
          Drawing(history).text() +

@@ -2,12 +2,10 @@
 
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "core/base/date.h"
 #include "core/platform/calendar.h"
-#include "core/platform/clock.h"
 
 namespace tessum {
 
@@ -24,17 +22,17 @@ struct WallTime {
 // becomes the nearest one inside. Any thread.
 [[nodiscard]] WallTime wallTime(Date date);
 
-[[nodiscard]] std::string clockText(Date date);     // 09:15
-[[nodiscard]] std::string dateText(Date date);      // 2025-03-04
-[[nodiscard]] std::string longDateText(Date date);  // Tuesday, 4 March 2025
+[[nodiscard]] std::string clockText(Date date);  // 09:15
+[[nodiscard]] std::string dateText(Date date);   // 2025-03-04
+
+// By RFC 3339, without a fraction of a second: 2025-03-04T09:15:00+01:00
+[[nodiscard]] std::string offsetDateTime(Date date);
 
 // The first moment after `now` whose local time is `minute`, counted from midnight. If the zone
 // skips that time, the moment of the clock change.
 [[nodiscard]] Date nextTimeOfDay(int minute, Date now);
 
-// A moment of the local day named by a person: 2025-03-04, today or yesterday. Absent for any other
-// text and for dates that do not exist.
-[[nodiscard]] std::optional<Date> namedDay(const std::string& name, const Clock& clock,
-                                           const Calendar& calendar);
+// The first moment after `date` at which the wall shows a full hour, or is set.
+[[nodiscard]] Date endOfHour(Date date);
 
 }  // namespace tessum

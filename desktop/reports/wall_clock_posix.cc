@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
 
-#include "core/mcp/date_argument.h"
+#include "desktop/reports/calendar_dates.h"
 #include "desktop/reports/wall_clock.h"
 
 namespace tessum {
@@ -13,12 +13,6 @@ namespace {
 // The years 1 to 9999 in UTC, less a day at each end so that every zone stays within them.
 constexpr double kEarliest = -62135510400.0;
 constexpr double kLatest = 253402214400.0;
-
-constexpr const char* kWeekdays[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                     "Thursday", "Friday", "Saturday"};
-constexpr const char* kMonths[] = {"January",   "February", "March",    "April",
-                                   "May",       "June",     "July",     "August",
-                                   "September", "October",  "November", "December"};
 
 constexpr double kSecondsOfDay = 86400;
 
@@ -73,16 +67,16 @@ std::string clockText(Date date) {
 }
 
 std::string dateText(Date date) {
-  const CalendarDate day = wallTime(date).date;
-  char year[16];
-  std::snprintf(year, sizeof year, "%04d", day.year);
-  return std::string(year) + "-" + twoDigits(day.month) + "-" + twoDigits(day.day);
+  return dateText(wallTime(date).date);
 }
 
-std::string longDateText(Date date) {
+std::string offsetDateTime(Date date) {
   const WallTime time = wallTime(date);
-  return std::string(kWeekdays[time.weekday]) + ", " + std::to_string(time.date.day) + " " +
-         kMonths[time.date.month - 1] + " " + std::to_string(time.date.year);
+  // The format has no seconds in the offset, which zones had before they were set by the hour.
+  const int minutes = static_cast<int>(secondsAheadOfUtc(date)) / 60;
+  return dateText(time.date) + "T" + twoDigits(time.hour) + ":" + twoDigits(time.minute) + ":" +
+         twoDigits(time.second) + (minutes < 0 ? "-" : "+") + twoDigits(std::abs(minutes) / 60) +
+         ":" + twoDigits(std::abs(minutes) % 60);
 }
 
 Date nextTimeOfDay(int minute, Date now) {
@@ -98,11 +92,11 @@ Date nextTimeOfDay(int minute, Date now) {
   return movedBy(change, secondsUntil(wanted, change));
 }
 
-std::optional<Date> namedDay(const std::string& name, const Clock& clock,
-                             const Calendar& calendar) {
-  if (name == "today") return clock.now();
-  if (name == "yesterday") return calendar.dayBefore(clock.now());
-  return parseDate(name, calendar);
+Date endOfHour(Date date) {
+  const Date start{std::floor(date.secondsSince1970)};
+  const tm local = localTime(start);
+  const Date end = movedBy(start, 3600.0 - (local.tm_min * 60 + local.tm_sec));
+  return secondsAheadOfUtc(end) == secondsAheadOfUtc(start) ? end : changeOfZone(start, end);
 }
 
 }  // namespace tessum

@@ -20,6 +20,13 @@ bool matches(const WindowPattern& pattern, const Window& window) {
   return !pattern.title || isIn(*pattern.title, window.title);
 }
 
+std::string patternText(const WindowPattern& windows) {
+  std::string text;
+  if (windows.app) text += " app '" + windows.app->text() + "'";
+  if (windows.title) text += " title '" + windows.title->text() + "'";
+  return text;
+}
+
 Verdict judge(const std::vector<HideRule>& rules, const Window& window, const WallTime& time) {
   Verdict verdict;
   for (const HideRule& rule : rules) {

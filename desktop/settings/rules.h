@@ -28,6 +28,9 @@ struct WindowPattern {
 
 [[nodiscard]] bool matches(const WindowPattern& pattern, const Window& window);
 
+// The patterns as a person reads them, such as " app 'Editor' title 'x'", with a blank before each.
+[[nodiscard]] std::string patternText(const WindowPattern& pattern);
+
 // What is recorded.
 enum class Kept {
   all,

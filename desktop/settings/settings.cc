@@ -39,4 +39,10 @@ std::string titlesText(Titles titles) {
   return "none";
 }
 
+std::optional<int> parseDayStarts(std::string_view text) {
+  const auto minute = parseTimeOfDay(text);
+  if (!minute || *minute == 24 * 60) return std::nullopt;
+  return minute;
+}
+
 }  // namespace tessum

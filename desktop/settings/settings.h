@@ -34,6 +34,7 @@ struct Setting {
 struct Settings {
   Setting<AwayAfter> awayAfter = {};
   Setting<Titles> titles = {Titles::each};
+  Setting<int> dayStarts = {0};  // minutes after midnight at which the days of reports begin
   Rules rules = {};
 };
 
@@ -44,5 +45,8 @@ struct Settings {
 // Parses an enumerator's name. Absent for any other text.
 [[nodiscard]] std::optional<Titles> parseTitles(std::string_view text);
 [[nodiscard]] std::string titlesText(Titles titles);
+
+// Minutes after midnight, less than a day, of a text such as 04:00. Absent for any other text.
+[[nodiscard]] std::optional<int> parseDayStarts(std::string_view text);
 
 }  // namespace tessum

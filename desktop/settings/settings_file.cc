@@ -28,6 +28,9 @@ constexpr std::string_view kTemplate =
 # away-after = "5m"    # how long without input until you are away; or "never"
 # titles = "each"      # a session for each title; or "last" of each activation, or "none"
 
+[reports]
+# day-starts = "00:00" # later, such as "04:00", the night belongs to the day before it
+
 # What a rule hides is never recorded.
 
 # Browsers name private windows in the title. This keeps the application but not the title.

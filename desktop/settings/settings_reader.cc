@@ -163,6 +163,17 @@ void readRecord(const toml::table& table, Settings& settings) {
                      }}});
 }
 
+void readReports(const toml::table& table, Settings& settings) {
+  readTable(table, {{"day-starts", [&](const toml::node& node) {
+                       const auto value = parseDayStarts(textOf(node));
+                       if (!value) {
+                         fail(node, "unknown time " + inQuotes(textOf(node)) +
+                                        "; write it as 04:00, from 00:00 to 23:59");
+                       }
+                       settings.dayStarts = {*value, lineOf(node)};
+                     }}});
+}
+
 }  // namespace
 
 Settings readSettings(std::string_view text) {
@@ -171,6 +182,7 @@ Settings readSettings(std::string_view text) {
     readTable(
         toml::parse(text),
         {{"record", [&](const auto& node) { readRecord(tableOf(node, "[record]"), settings); }},
+         {"reports", [&](const auto& node) { readReports(tableOf(node, "[reports]"), settings); }},
          {"hide",
           [&](const auto& node) {
             readEach(node, "[[hide]]", [&](const toml::table& table) {

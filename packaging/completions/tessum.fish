@@ -4,10 +4,11 @@ function __tessum_add
     complete -c tessum -n "__fish_seen_subcommand_from $argv[1]" $argv[2..]
 end
 
+set -l periods 'today yesterday week last-week month last-month year'
 complete -c tessum -f
 complete -c tessum -l help -d 'Show help'
 complete -c tessum -n __fish_use_subcommand -l version -d 'Show the version'
-for command in record serve pause resume status day usage notes search note timeline clients install uninstall \
+for command in record serve pause resume status day usage category notes search note timeline clients install uninstall \
         update doctor export forget backup settings
     complete -c tessum -n __fish_use_subcommand -a $command
 end
@@ -18,13 +19,26 @@ __tessum_add record -l away-after -x -d 'How long until you are away'
 __tessum_add record -l titles -x -a 'each last none' -d 'How titles are recorded'
 __tessum_add record -l no-update-check -d 'Do not look for a newer release'
 for command in day usage notes
-    __tessum_add $command -a 'today yesterday' -l plain -d 'The text that assistants get'
+    __tessum_add $command -a "$periods" -l plain -d 'The text that assistants get'
+end
+for command in day usage
+    __tessum_add $command -l app -x -d 'Only this application'
+    __tessum_add $command -l title -x -d 'Only titles with this text'
+    __tessum_add $command -l category -x -d 'Only this category'
+end
+__tessum_add usage -l by -x -a 'app title category note day weekday hour' -d 'What to add up'
+__tessum_add usage -l top -x -d 'Only the largest'
+__tessum_add category -a "try $periods"
+for command in day usage notes search
+    __tessum_add $command -l json -d 'Data as JSON'
+    __tessum_add $command -l csv -d 'Data as comma-separated lines'
 end
 __tessum_add search -l plain -d 'The text that assistants get'
 __tessum_add search -l limit -x -d 'The most sessions'
+__tessum_add search -l in -x -a "$periods" -d 'Only these days'
 __tessum_add note -l for -x -d 'How long already'
 __tessum_add note -l end -d 'End the note'
-__tessum_add timeline -a 'today yesterday' -s o -l output -r -F -d 'Write to a file'
+__tessum_add timeline -a "$periods" -s o -l output -r -F -d 'Write to a file'
 __tessum_add install -l all -d 'Every application'
 __tessum_add install -l http -d 'Use the HTTP endpoint'
 __tessum_add install -l file -r -F -d 'A configuration file'
@@ -34,8 +48,9 @@ __tessum_add update -l download -d 'Download the newer version'
 __tessum_add doctor -l mend -d 'Close files to other users'
 __tessum_add doctor -l close-open -d 'End sessions left open'
 for command in export forget
-    __tessum_add $command -l from -x -a 'today yesterday' -d 'The first day'
-    __tessum_add $command -l to -x -a 'today yesterday' -d 'The last day'
+    __tessum_add $command -a "$periods"
+    __tessum_add $command -l from -x -a "$periods" -d 'The first day'
+    __tessum_add $command -l to -x -a "$periods" -d 'The last day'
 end
 __tessum_add export -l raw -d 'No apostrophe before formulas'
 __tessum_add export -l format -x -a 'csv json' -d 'The format'

@@ -46,6 +46,16 @@ User::User() {
                 {"TZ", "UTC"}};
 }
 
+void User::writeSettings(const std::string& text) const {
+#if defined(__APPLE__)
+  const std::string folder = file("Library/Application Support/Tessum");
+#else
+  const std::string folder = file("config/Tessum");
+#endif
+  std::filesystem::create_directories(folder);
+  writeFile(folder + "/settings.toml", text);
+}
+
 Database User::database() const {
   std::filesystem::create_directories(dataFolder());
   return Database(historyPath(), kCalendar);

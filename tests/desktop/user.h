@@ -37,6 +37,9 @@ class User {
   [[nodiscard]] std::string dataFolder() const { return file("data/Tessum"); }
   [[nodiscard]] std::string historyPath() const { return dataFolder() + "/activities.db"; }
 
+  // Makes `text` the user's settings.
+  void writeSettings(const std::string& text) const;
+
   // The user's history, made where it is missing.
   [[nodiscard]] Database database() const;
 

@@ -242,25 +242,26 @@ class UnknownDay : public testing::TestWithParam<Command> {};
 TEST_P(UnknownDay, IsAMistakeInTheCommandLine) {
   const User user;
   fill(user);
-  for (const char* day : {"2025-02-30", "04/03/2025", "tomorrow", "", "2025-3-4x", "Today"}) {
+  for (const char* day : {"2025-02-30", "04/03/2025", "tomorrow", "", "2025-3-4x"}) {
     auto arguments = GetParam().arguments;
     arguments.push_back(day);
     const Outcome outcome = user.run(arguments);
     if (GetParam().arguments.size() > 1 && *day == '\0') continue;  // an option left open
     EXPECT_EQ(outcome.status, 2) << day;
     EXPECT_EQ(outcome.output, "");
-    EXPECT_TRUE(outcome.errors.starts_with("Tessum: unknown date")) << outcome.errors;
+    EXPECT_TRUE(outcome.errors.starts_with("Tessum: unknown period")) << outcome.errors;
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, UnknownDay,
-                         testing::Values(Command{"day", {"day"}}, Command{"usage", {"usage"}},
-                                         Command{"notes", {"notes"}},
-                                         Command{"timeline", {"timeline"}},
-                                         Command{"exportFrom", {"export", "--from"}},
-                                         Command{"exportTo", {"export", "--to"}},
-                                         Command{"forget", {"forget", "--from", "today", "--to"}}),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(
+    Commands, UnknownDay,
+    testing::Values(Command{"day", {"day"}}, Command{"usage", {"usage"}},
+                    Command{"notes", {"notes"}}, Command{"timeline", {"timeline"}},
+                    Command{"export", {"export"}}, Command{"exportFrom", {"export", "--from"}},
+                    Command{"exportTo", {"export", "--to"}},
+                    Command{"searchIn", {"search", "x", "--in"}}, Command{"forget", {"forget"}},
+                    Command{"forgetTo", {"forget", "--from", "today", "--to"}}),
+    nameOf);
 
 TEST(CommandLine, AnsweringForHelpGivesExamplesForEveryCommand) {
   const User user;

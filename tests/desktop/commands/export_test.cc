@@ -79,6 +79,9 @@ TEST_F(Export, DaysAreWholeLocalDaysAndBothEndsBelongToIt) {
   EXPECT_EQ(count({"--to", "2025-03-04"}), 1U);
   EXPECT_EQ(count({"--from", "2025-03-05", "--to", "2025-03-05"}), 2U);
   EXPECT_EQ(count({"--from", "2025-03-06"}), 0U);
+  EXPECT_EQ(count({"2025-03-05"}), 2U);
+  EXPECT_EQ(count({"2025-W10"}), 3U);
+  EXPECT_EQ(count({"--from", "2025-02", "--to", "2025-W10"}), 3U);
   user.set("TZ", "Asia/Tokyo");  // 23:00 is 08:00 of the next day
   EXPECT_EQ(count({"--from", "2025-03-06"}), 1U);
 }

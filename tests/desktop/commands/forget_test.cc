@@ -41,6 +41,13 @@ TEST_F(Forget, SaysWhatAndAsksFirst) {
   EXPECT_EQ(left(), "2|0");
 }
 
+TEST_F(Forget, TakesAPeriod) {
+  EXPECT_EQ(user.run({"forget", "2025-03-05..2025-03-06", "--app", "Browser", "--yes"}).status, 0);
+  EXPECT_EQ(left(), "2|1");
+  EXPECT_EQ(user.run({"forget", "2025-W10", "--yes"}).status, 0);
+  EXPECT_EQ(left(), "0|0");
+}
+
 TEST_F(Forget, TheEndOfTheInputSaysNo) {
   EXPECT_EQ(user.run({"forget", "--app", "Editor"}).status, 1);
   EXPECT_EQ(left(), "4|1");
@@ -84,6 +91,9 @@ TEST_F(Forget, NothingIsForgottenUnlessItIsNamed) {
         {"forget", "--from", "today", "--yes"},
         {"forget", "--to", "today", "--yes"},
         {"forget", "--app", "", "--yes"},
+        {"forget", "", "--app", "Editor", "--yes"},
+        {"forget", "2025-03-05", "--to", "2025-03-06", "--yes"},
+        {"forget", "2025-03-05", "--hidden", "--yes"},
         {"forget", "--from", "2025-03-06", "--to", "2025-03-05", "--yes"}}) {
     const Outcome outcome = user.run(arguments);
     EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments);

@@ -31,8 +31,9 @@ TEST_F(SettingsCommand, ShowsWhatHoldsWithoutAFile) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.output, path_ +
                                 ", which does not exist\n\n"
-                                "  away-after  5m    default\n"
-                                "  titles      each  default\n");
+                                "  away-after  5m     default\n"
+                                "  titles      each   default\n"
+                                "  day-starts  00:00  default\n");
   EXPECT_FALSE(fs::exists(path_));
 }
 
@@ -46,6 +47,7 @@ TEST_F(SettingsCommand, ShowsWhereEachValueComesFrom) {
                                 "\n\n"
                                 "  away-after  5m                                   default\n"
                                 "  titles      last                                 line 2\n"
+                                "  day-starts  00:00                                default\n"
                                 "  hide        app 'Vault' between 18:00 and 08:00  line 3\n"
                                 "  hide        title 'x' on sun sat, keeps the app  line 6\n"
                                 "  category    Mail: title 'Inbox'                  line 10\n");

@@ -52,29 +52,61 @@ TEST_F(Reports, DayShowsNotesSharesAndSessionsInTheirOrder) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.errors, "");
   EXPECT_EQ(outcome.output,
-            "Tuesday, 4 March 2025  2h 0m in 3 sessions\n"
+            "Tuesday, 4 March 2025  1h 40m in 3 sessions\n"
             "\n"
             "Notes\n"
             "  09:00  10:30  1h 30m  Review of the budget\n"
             "\n"
             "Applications\n"
-            "  Editor   1h 30m  75%  2 sessions  ██████████████████\n"
-            "  Browser     30m  25%   1 session  ██████\n"
+            "  Editor   1h 10m  70%  2 sessions  ████████████████▊\n"
+            "  Browser     30m  30%   1 session  ███████▎\n"
             "\n"
             "Sessions\n"
             "  09:15  10:15   1h 0m  Editor   main.cc\n"
             "  10:15  10:45  30m 0s  Browser  Pull request 42\n"
-            "  23:50  00:20  30m 0s  Editor\n");
+            "  23:50  00:00  10m 0s  Editor\n");
+}
+
+TEST_F(Reports, ASessionOverMidnightIsCutThere) {
+  EXPECT_TRUE(contains(user.run({"day", "2025-03-05"}).output, "  00:00  00:20  20m 0s  Editor\n"));
+  EXPECT_EQ(linesOf(user.run({"usage", "2025-03-05"}).output).front(),
+            "Wednesday, 5 March 2025  20m in 2 sessions");
+  EXPECT_TRUE(contains(user.run({"search", "Editor", "--in", "2025-03-05"}).output,
+                       "  2025-03-05  00:00  00:20  20m 0s  Editor\n"));
+  EXPECT_EQ(user.run({"search", "Editor", "--in", "2025-03-06"}).output, "Nothing was found.\n");
+}
+
+TEST_F(Reports, ANightBelongsToOneDayWhereDaysBeginInTheMorning) {
+  user.writeSettings("[reports]\nday-starts = '04:00'\n");
+  EXPECT_EQ(linesOf(user.run({"day", "2025-03-04"}).output).back(),
+            "  23:50  00:20  30m 0s  Editor");
+  EXPECT_FALSE(contains(user.run({"day", "2025-03-05"}).output, "Editor"));
+  EXPECT_TRUE(contains(user.run({"day", "2025-03-05", "--plain"}).output, "Activities (1 "));
+}
+
+TEST_F(Reports, SeveralDaysComeOneAfterTheOther) {
+  const std::string output = user.run({"day", "2025-03-01..2025-03-31"}).output;
+  EXPECT_EQ(output,
+            user.run({"day", "2025-03-04"}).output + "\n" + user.run({"day", "2025-03-05"}).output);
+  EXPECT_EQ(user.run({"day", "2024-01"}).output,
+            "Monday, 1 January 2024 – Wednesday, 31 January 2024\n"
+            "\n"
+            "Nothing was recorded on these days.\n");
+  EXPECT_EQ(user.run({"notes", "2025-03"}).output,
+            "Saturday, 1 March 2025 – Monday, 31 March 2025\n"
+            "\n"
+            "  2025-03-04 09:00  2025-03-04 10:30  1h 30m  Review of the budget\n");
+  EXPECT_EQ(user.run({"day", "2025-03", "--plain"}).status, 2);
 }
 
 TEST_F(Reports, UsageShowsABarForEachShare) {
   const Outcome outcome = user.run({"usage", "2025-03-04"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.output,
-            "Tuesday, 4 March 2025  2h 0m in 3 sessions\n"
+            "Tuesday, 4 March 2025  1h 40m in 3 sessions\n"
             "\n"
-            "  Editor   1h 30m  75%  2 sessions  ██████████████████\n"
-            "  Browser     30m  25%   1 session  ██████\n");
+            "  Editor   1h 10m  70%  2 sessions  ████████████████▊\n"
+            "  Browser     30m  30%   1 session  ███████▎\n");
 }
 
 TEST_F(Reports, NotesOfADayThatTheyReachIntoSayTheirDate) {

@@ -50,5 +50,49 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"Europe/Berlin", "2025-10-26T00:45:00Z", 18 * 60, "2025-10-26T17:00:00Z"}),
     [](const auto& tested) { return std::to_string(tested.index); });
 
+struct HourCase {
+  const char* zone;
+  const char* date;
+  const char* end;
+  const char* shown;  // what the wall shows at `date`
+};
+
+class EndOfHour : public testing::TestWithParam<HourCase> {};
+
+TEST_P(EndOfHour, IsTheNextFullHourOrTheChangeOfTheClock) {
+  const ScopedVariable zone("TZ", GetParam().zone);
+  const auto date = parseInternetDateTime(GetParam().date);
+  ASSERT_TRUE(date);
+  EXPECT_EQ(offsetDateTime(*date), GetParam().shown);
+  EXPECT_EQ(internetDateTime(endOfHour(*date)), GetParam().end);
+  EXPECT_EQ(internetDateTime(endOfHour(movedBy(*date, 0.9))), GetParam().end);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, EndOfHour,
+    testing::Values(HourCase{"UTC", "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z",
+                             "2025-03-04T09:00:00+00:00"},
+                    HourCase{"UTC", "2025-03-04T09:59:59Z", "2025-03-04T10:00:00Z",
+                             "2025-03-04T09:59:59+00:00"},
+                    HourCase{"Asia/Kolkata", "2025-03-04T09:00:00Z", "2025-03-04T09:30:00Z",
+                             "2025-03-04T14:30:00+05:30"},
+                    HourCase{"America/St_Johns", "2025-01-04T09:00:00Z", "2025-01-04T09:30:00Z",
+                             "2025-01-04T05:30:00-03:30"},
+                    HourCase{"Europe/Berlin", "2025-03-30T00:30:00Z", "2025-03-30T01:00:00Z",
+                             "2025-03-30T01:30:00+01:00"},
+                    HourCase{"Europe/Berlin", "2025-10-26T00:30:00Z", "2025-10-26T01:00:00Z",
+                             "2025-10-26T02:30:00+02:00"},
+                    HourCase{"Europe/Berlin", "2025-10-26T01:30:00Z", "2025-10-26T02:00:00Z",
+                             "2025-10-26T02:30:00+01:00"},
+                    // The clock goes back half an hour at two, to half past one.
+                    HourCase{"Australia/Lord_Howe", "2025-04-05T14:45:00Z", "2025-04-05T15:00:00Z",
+                             "2025-04-06T01:45:00+11:00"},
+                    HourCase{"Australia/Lord_Howe", "2025-04-05T15:00:00Z", "2025-04-05T15:30:00Z",
+                             "2025-04-06T01:30:00+10:30"},
+                    // The clock went back an hour one minute after midnight.
+                    HourCase{"America/St_Johns", "2010-11-07T02:30:00Z", "2010-11-07T02:31:00Z",
+                             "2010-11-07T00:00:00-02:30"}),
+    [](const auto& tested) { return std::to_string(tested.index); });
+
 }  // namespace
 }  // namespace tessum

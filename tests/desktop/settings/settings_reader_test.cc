@@ -22,6 +22,7 @@ TEST(Settings, AnEmptyFileLeavesEverythingAsItIs) {
   EXPECT_EQ(settings.awayAfter.value, AwayAfter{300});
   EXPECT_EQ(settings.awayAfter.line, 0);
   EXPECT_EQ(settings.titles.value, Titles::each);
+  EXPECT_EQ(settings.dayStarts.value, 0);
   EXPECT_TRUE(settings.rules.hide.empty());
 }
 
@@ -32,6 +33,7 @@ TEST(Settings, EachValueKnowsItsLine) {
   EXPECT_EQ(settings.awayAfter.line, 3);
   EXPECT_EQ(settings.titles.value, Titles::last);
   EXPECT_EQ(settings.titles.line, 5);
+  EXPECT_EQ(readSettings("[reports]\nday-starts = '4:30'").dayStarts.value, 4 * 60 + 30);
   EXPECT_EQ(readSettings("record.away-after='never'").awayAfter.value, AwayAfter{std::nullopt});
 }
 
@@ -103,6 +105,13 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{"[record]\naway-after = '25h'",
               "line 2, column 14: unknown duration \"25h\"; write it as 30s, 5m or 1h30m, up to "
               "24h, or never"},
+        Wrong{"[reports]\nday-starts = '24:00'",
+              "line 2, column 14: unknown time \"24:00\"; write it as 04:00, from 00:00 to 23:59"},
+        Wrong{"[reports]\nday-starts = 4",
+              "line 2, column 14: a text in quotation marks is "
+              "expected"},
+        Wrong{"[reports]\nday-start = '04:00'",
+              "line 2, column 1: unknown key \"day-start\"; did you mean \"day-starts\"?"},
         Wrong{"[[record]]", "line 1, column 1: a table is expected; write it as [record]"},
         Wrong{"[hide]\napp = 'a'", "line 1, column 1: tables are expected; write each as [[hide]]"},
         Wrong{"hide = [1]", "line 1, column 9: a table is expected; write it as [[hide]]"},

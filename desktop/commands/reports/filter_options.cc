@@ -1,0 +1,46 @@
+#include "desktop/commands/reports/filter_options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "core/base/text.h"
+#include "desktop/commands/text_search.h"
+
+namespace tessum {
+namespace {
+
+void requireCategory(const std::string& name, const Rules& rules) {
+  const auto hasName = [&](const Category& category) { return category.name == name; };
+  if (name == kUncategorised) return;
+  if (std::any_of(rules.categories.begin(), rules.categories.end(), hasName)) return;
+  std::string known;
+  for (const Category& category : rules.categories) known += category.name + ", ";
+  throw CLI::ValidationError("unknown category \"" + name + "\"; there are " + known +
+                             std::string(kUncategorised));
+}
+
+}  // namespace
+
+void addFilterOptions(CLI::App& command, FilterOptions& options) {
+  command.add_option("--app", options.appName, "only sessions of this application")
+      ->type_name("NAME");
+  command
+      .add_option("--title", options.titlePart,
+                  "only sessions with this in the title, in capital or small letters")
+      ->type_name("TEXT");
+  command.add_option("--category", options.category, "only sessions of this category")
+      ->type_name("NAME");
+}
+
+SessionFilter filterOf(const FilterOptions& options, const Rules& rules) {
+  SessionFilter filter;
+  if (!options.appName.empty()) filter.appName = validUtf8(options.appName);
+  if (!options.titlePart.empty()) filter.isMeantTitle = holding(validUtf8(options.titlePart));
+  if (!options.category.empty()) {
+    requireCategory(options.category, rules);
+    filter.category = options.category;
+  }
+  return filter;
+}
+
+}  // namespace tessum

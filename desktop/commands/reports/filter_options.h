@@ -1,0 +1,29 @@
+// The options that narrow a report.
+
+#pragma once
+
+#include <string>
+
+#include "desktop/settings/rules.h"
+#include "desktop/usage/session_filter.h"
+
+namespace CLI {
+class App;
+}
+
+namespace tessum {
+
+// An empty text narrows nothing.
+struct FilterOptions {
+  std::string appName;
+  std::string titlePart;
+  std::string category;
+};
+
+// Adds --app, --title and --category to `command`; `options` must live as long.
+void addFilterOptions(CLI::App& command, FilterOptions& options);
+
+// Throws a CLI::ValidationError where `rules` have no such category.
+[[nodiscard]] SessionFilter filterOf(const FilterOptions& options, const Rules& rules);
+
+}  // namespace tessum

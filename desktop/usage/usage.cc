@@ -1,0 +1,126 @@
+#include "desktop/usage/usage.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "desktop/reports/calendar_dates.h"
+#include "desktop/reports/day_report.h"
+
+namespace tessum {
+namespace {
+
+using Visit = std::function<void(const Activity&, Date start, Date end)>;
+
+// Visits the sessions of `range` that pass `filter`, with the time that they spend in it.
+void visit(History& history, const DayRange& range, Date now, const SessionFilter& filter,
+           CategoryFinder& categories, const Visit& visit) {
+  history.visitSessionsIn(range, now, [&](const Activity& session) {
+    if (!passes(filter, session, categories)) return;
+    const double start = std::max(session.startTime.secondsSince1970, range.start.secondsSince1970);
+    const double end =
+        std::min(session.endTime.value_or(now).secondsSince1970, range.end.secondsSince1970);
+    visit(session, {start}, {end});
+  });
+}
+
+void sortBySize(std::vector<UsageGroup>& groups) {
+  std::sort(groups.begin(), groups.end(), [](const UsageGroup& a, const UsageGroup& b) {
+    if (a.total.seconds != b.total.seconds) return a.total.seconds > b.total.seconds;
+    return a.name < b.name;
+  });
+}
+
+void arrange(std::vector<UsageGroup>& groups, const std::vector<Grouping>& by) {
+  if (!isChronological(by[0])) sortBySize(groups);
+  if (by.size() < 2 || isChronological(by[1])) return;
+  for (UsageGroup& group : groups) sortBySize(group.groups);
+}
+
+// Takes the titles of what has no category out of `groups`, whose parts they are.
+std::vector<UsageGroup> takeUncategorised(std::vector<UsageGroup>& groups) {
+  std::vector<UsageGroup> titles;
+  for (UsageGroup& group : groups) {
+    if (!group.name) titles = std::move(group.groups);
+    group.groups.clear();
+  }
+  sortBySize(titles);
+  return titles;
+}
+
+// The days of `groups`, which are numbered from `first`, with an empty one for each other day of
+// `recorded`.
+std::vector<UsageGroup> withAllDays(const std::vector<UsageGroup>& groups,
+                                    const CalendarDate& first, const Period& recorded) {
+  std::vector<UsageGroup> days;
+  const int last = daysBetween(first, recorded.last);
+  auto next = groups.begin();
+  for (int i = daysBetween(first, recorded.first); i <= last || next != groups.end(); ++i) {
+    const bool isThere = next != groups.end() && next->number == i;
+    days.push_back(isThere ? *next++ : UsageGroup{i, dateText(daysAfter(first, i)), {}});
+  }
+  return days;
+}
+
+std::optional<Total> totalBefore(History& history, const ReportDays& days, const UsageQuery& query,
+                                 CategoryFinder& categories, Date now) {
+  const Period before{daysAfter(query.period.first, -dayCount(query.period)),
+                      daysAfter(query.period.first, -1)};
+  if (!isDate(before.first)) return std::nullopt;
+  Total total;
+  visit(history, days.rangeOf(before), now, query.filter, categories,
+        [&](const Activity&, Date start, Date end) {
+          total.seconds += std::max(0.0, secondsBetween(start, end));
+          total.sessions += 1;
+        });
+  return total;
+}
+
+}  // namespace
+
+Usage readUsage(History& history, const ReportDays& days, const Rules& rules,
+                const UsageQuery& query, Date now) {
+  Usage usage{.period = query.period,
+              .range = days.rangeOf(query.period),
+              .total = {},
+              .groups = {},
+              .uncategorised = {},
+              .days = {},
+              .before = {}};
+  CategoryFinder categories(rules);
+  const auto notes = history.notesIn(usage.range);
+  const DimensionSources sources{days, query.period.first, notes, now, categories};
+  const bool isByCategory = query.by == std::vector{Grouping::category};
+  auto second = isByCategory          ? makeUncategorisedTitleDimension(categories)
+                : query.by.size() > 1 ? makeDimension(query.by[1], sources)
+                                      : nullptr;
+  UsageTally tally(makeDimension(query.by[0], sources), std::move(second));
+  UsageTally dayTally(makeDimension(Grouping::day, sources));
+  const bool isOneDay = dayCount(query.period) == 1;
+  visit(history, usage.range, now, query.filter, categories,
+        [&](const Activity& session, Date start, Date end) {
+          tally.add(session, start, end);
+          if (!isOneDay) dayTally.add(session, start, end);
+        });
+  usage.total = tally.total();
+  usage.groups = tally.groups();
+  if (isByCategory) usage.uncategorised = takeUncategorised(usage.groups);
+  arrange(usage.groups, query.by);
+  if (isOneDay) return usage;
+  usage.days = withAllDays(dayTally.groups(), query.period.first,
+                           recordedDays(history, query.period, days, now));
+  usage.before = totalBefore(history, days, query, categories, now);
+  return usage;
+}
+
+std::vector<UsageGroup> readUsageOfRules(History& history, const Rules& rules,
+                                         const DayRange& range, Date now) {
+  CategoryFinder categories(rules);
+  UsageTally tally(makeRuleDimension(rules, categories), makeTitleDimension());
+  visit(history, range, now, {}, categories,
+        [&](const Activity& session, Date start, Date end) { tally.add(session, start, end); });
+  auto groups = tally.groups();
+  for (UsageGroup& group : groups) sortBySize(group.groups);
+  return groups;
+}
+
+}  // namespace tessum
