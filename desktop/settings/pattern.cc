@@ -2,10 +2,16 @@
 
 #include <re2/re2.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace tessum {
 namespace {
+
+// At worst a search takes a step, about half a nanosecond, for each byte and each instruction of
+// the pattern's program. These are some 20 milliseconds.
+constexpr std::size_t kMostSteps = 40'000'000;
+constexpr std::size_t kAlwaysSearched = 1024;  // bytes
 
 re2::RE2::Options options() {
   re2::RE2::Options options(re2::RE2::Quiet);  // else it writes patterns to standard error
@@ -24,8 +30,13 @@ const std::string& Pattern::text() const {
   return compiled_->pattern();
 }
 
+std::size_t Pattern::mostBytes() const {
+  const auto instructions = static_cast<std::size_t>(std::max(compiled_->ProgramSize(), 1));
+  return std::max(kAlwaysSearched, kMostSteps / instructions);
+}
+
 bool Pattern::isIn(std::string_view text) const {
-  if (text.size() > kMostBytes) return true;
+  if (text.size() > mostBytes()) return true;
   return compiled_->Match(text, 0, text.size(), re2::RE2::UNANCHORED, nullptr, 0);
 }
 

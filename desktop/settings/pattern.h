@@ -17,16 +17,16 @@ namespace tessum {
 // Immutable.
 class Pattern {
  public:
-  // The longest text that is searched, in bytes. A pattern of thousands of letters can take seconds
-  // on a title of a million, which nobody reads.
-  static constexpr std::size_t kMostBytes = 1024;
-
   // Throws std::invalid_argument that says what is wrong with the pattern `text`.
   explicit Pattern(const std::string& text);
 
   [[nodiscard]] const std::string& text() const;
 
-  // Whether the pattern matches some part of `text`, which is UTF-8. A text longer than kMostBytes
+  // The longest text that is searched, in bytes: some hundred thousand for a usual pattern, and at
+  // least 1,024. A pattern of thousands of letters can take seconds on a text of a million.
+  [[nodiscard]] std::size_t mostBytes() const;
+
+  // Whether the pattern matches some part of `text`, which is UTF-8. A text longer than mostBytes()
   // counts as a match: when in doubt, a title is hidden.
   [[nodiscard]] bool isIn(std::string_view text) const;
 

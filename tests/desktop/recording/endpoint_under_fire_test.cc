@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <chrono>
 #include <cstddef>
+#include <future>
 #include <random>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -109,19 +109,18 @@ TEST(RecordHTTPUnderFire, LosesNothingAndAnswersOn) {
   ASSERT_TRUE(recorder.comesTo({"Odd|NULL|NULL|open"}));
 
   Attacker attacker;
-  std::atomic<bool> isOver = false;
-  std::thread attack([&] {
-    attacker.run();
-    isOver = true;
-  });
+  auto attack = std::async(std::launch::async, [&] { attacker.run(); });
+  const auto isOver = [&] {
+    return attack.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+  };
   Recorder::Rows expected{"Odd|NULL|NULL|closed"};
-  for (int i = 0; i < kChanges || !isOver; ++i) {
+  for (int i = 0; i < kChanges || !isOver(); ++i) {
     desktop.activate(windows[i % 2]);
     expected.push_back(i % 2 == 0 ? "Even|NULL|NULL|closed" : "Odd|NULL|NULL|closed");
     EXPECT_TRUE(eventually([&] { return recorder.sessions().size() == expected.size(); })) << i;
     if (HasFailure()) break;
   }
-  attack.join();
+  attack.get();
   expected.back().replace(expected.back().size() - 6, 6, "open");
   EXPECT_TRUE(recorder.comesTo(expected));
   EXPECT_GT(attacker.answered(), kRequests / 8);
