@@ -10,7 +10,7 @@
 namespace tessum {
 namespace {
 
-// How our transport describes itself.
+// The name with which our server answers.
 constexpr std::string_view kSelfDescription = "Tessum MCP Server";
 constexpr auto kPatience = std::chrono::seconds(2);
 

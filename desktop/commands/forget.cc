@@ -39,7 +39,7 @@ Selection selectionOf(const Host& host, const ForgetOptions& options) {
   return selection;
 }
 
-// What is about to be deleted, as one sentence.
+// The rest of a sentence that says what will be deleted.
 std::string description(const ForgetOptions& options, const Selection& selection,
                         const Selected& selected) {
   std::string text = counted(selected.sessions, "session");

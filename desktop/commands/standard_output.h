@@ -24,8 +24,8 @@ void printForeign(std::string_view text);
 // Where standard output is a file of the user, takes the rights to it from everyone else.
 void closeOutputToOthers();
 
-// Asks `question` and reads a line from standard input: whether it says yes. The end of the input
-// says no.
+// Prints `question` and reads a line from standard input. Returns whether the answer is yes; the
+// end of input means no.
 [[nodiscard]] bool askYesOrNo(const std::string& question);
 
 }  // namespace tessum

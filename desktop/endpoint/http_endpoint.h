@@ -11,14 +11,14 @@
 
 namespace tessum {
 
-// Whom an endpoint answers.
+// Who may use an endpoint.
 enum class OpenTo {
   thisComputer,  // its programs and the endpoint's own pages, as admissionOfThisComputer() says
   everyone       // on every network, and any web page; connections may wait without end
 };
 
-// Open from its making to its end. It has a connection of its own to the store, and a thread of
-// its own that answers. Main thread only.
+// Open for the object's whole lifetime. It has its own connection to the store and its own thread.
+// Main thread only.
 class HTTPEndpoint {
  public:
   // Serves the store at `databasePath` on `port`. `clock` and `calendar` must outlive the endpoint,

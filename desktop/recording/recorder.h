@@ -38,7 +38,7 @@ class Recorder {
   // there is one.
   void watchForReleases();
 
-  // Also answers assistants over HTTP, from a process of its own, and prints where. Throws what
+  // Also serves assistants over HTTP, from a separate process, and prints the URL. Throws what
   // EndpointProcess throws.
   void serveHTTP(OpenTo openTo);
 
@@ -77,8 +77,8 @@ class Recorder {
   DesktopSources desktop_;
   std::unique_ptr<PresenceSource> presence_;
   std::optional<SettingsFollower> follower_;
-  bool saysPause_ = false;         // what was said last of pauses
-  PresenceHandlers::Delay delay_;  // of the end of the login session, until all is written
+  bool saysPause_ = false;         // whether the last message was of a pause
+  PresenceHandlers::Delay delay_;  // delays the end of the login session until all is written
   std::optional<EndpointProcess> endpoint_;
   std::optional<Updater> updater_;
   int status_ = kSuccess;

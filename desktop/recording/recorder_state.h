@@ -16,13 +16,14 @@ struct RecorderState {
   bool isRecording = false;
   bool hasEnded = false;  // the last recorder ended normally, without a crash
 
-  // What follows is of the last recorder when none runs.
-  std::optional<Date> since = {};       // when it began; absent where no recorder ever ran
-  std::optional<Date> lastSign = {};    // when it was last known to live
-  std::string way = {};                 // how the desktop tells what is in front, such as "X11"
-  std::optional<Date> awaySince = {};   // absent while the user is there
-  std::string notice = {};              // of the desktop, while it shows nothing; else empty
-  std::vector<std::string> awake = {};  // what keeps the user from being away, as a person reads it
+  // When no recorder runs, the following describe the last one.
+  std::optional<Date> since = {};      // when it started; absent if no recorder ever ran
+  std::optional<Date> lastSign = {};   // when it was last known to run
+  std::string way = {};                // the source of what is in front, such as "X11"
+  std::optional<Date> awaySince = {};  // absent while the user is present
+  std::string notice = {};             // of the desktop, while it shows nothing; else empty
+  std::vector<std::string> awake =
+      {};  // what keeps the user from being away, as texts for a person
 };
 
 // The file that a recorder locks while it runs. Its content is stateText().

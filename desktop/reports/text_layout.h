@@ -29,7 +29,7 @@ struct Paper {
 // with or without a carriage return before them.
 [[nodiscard]] std::string printableLines(std::string_view text);
 
-// `text` cut to at most `columns`, ending in an ellipsis where something was cut.
+// `text` cut to at most `columns`, ending in an ellipsis if cut.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
 
 // "1 session", "3 sessions"; pass `many` when the plural is not `one` with an "s".

@@ -51,7 +51,8 @@ INSTANTIATE_TEST_SUITE_P(
                     TrimCase{"\t\n\v\f\r x \t\n\v\f\r", "x"}, TrimCase{"a  b", "a  b"},
                     TrimCase{"\u0085\u2028\u2029x\u2029\u2028\u0085", "x"},
                     TrimCase{"\u00A0\u1680\u2000\u200A\u202F\u205F\u3000x\u3000\u205F", "x"},
-                    TrimCase{"\u200Bx\u200B", "\u200Bx\u200B"},  // zero width space is none
+                    TrimCase{"\u200Bx\u200B",
+                             "\u200Bx\u200B"},  // zero width space is not white space
                     TrimCase{"\uFEFFx", "\uFEFFx"}, TrimCase{"é", "é"}));
 
 TEST(TrimBlanks, RemovesSpacesAndTabsAtBothEnds) {

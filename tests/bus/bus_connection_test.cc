@@ -16,7 +16,7 @@ namespace {
 
 using BusConnectionTest = BusTest;
 
-// Something at the place of a bus that says nothing.
+// A socket at a bus's address that never answers.
 class SilentBus {
  public:
   explicit SilentBus(const std::string& path)
@@ -27,7 +27,7 @@ class SilentBus {
     EXPECT_EQ(listen(listener_.number(), 0), 0);
   }
 
-  // Takes a connection, if there is one.
+  // Accepts a connection, if there is one.
   bool accept() {
     Descriptor taken(accept4(listener_.number(), nullptr, nullptr, SOCK_CLOEXEC));
     if (taken.number() < 0) return false;
@@ -37,7 +37,7 @@ class SilentBus {
 
   [[nodiscard]] std::size_t count() const { return taken_.size(); }
 
-  // Connects to it; without a descriptor when it has no room.
+  // Connects to it; without a descriptor when its queue is full.
   [[nodiscard]] Descriptor connect() const {
     Descriptor client(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (::connect(client.number(), address(), sizeof name_) != 0) return Descriptor();
@@ -139,7 +139,7 @@ TEST_F(BusConnectionTest, WaitsForABusThatHangsAndGoesOn) {
   place_.daemon().kill(SIGSTOP);
   bool isAnswered = false;
   const BusSlot call = bus.call(toPeer, [&](const BusMessage&) { isAnswered = true; });
-  std::vector<BusSlot> more;  // more than the socket takes
+  std::vector<BusSlot> more;  // more than the socket's buffer holds
   for (int i = 0; i < 5000; ++i) {
     more.push_back(bus.call({peer.uniqueName(), kPath, kInterface, "None", {std::string(500, 'x')}},
                             [](const BusMessage&) {}));

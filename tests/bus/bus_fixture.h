@@ -1,4 +1,4 @@
-// A bus of the test's own, and who listens.
+// A private bus, and listeners on it.
 
 #pragma once
 
@@ -19,7 +19,7 @@ inline constexpr char kInterface[] = "com.example.Interface";
 
 class BusTest : public testing::Test {
  protected:
-  // What a listener is told, in order.
+  // The notifications, in order.
   Bus::Listener noting() {
     return {.onConnected = [this] { told_ += 'c'; }, .onLost = [this] { told_ += 'l'; }};
   }
@@ -37,7 +37,7 @@ class BusTest : public testing::Test {
     return {.sender = peer.uniqueName(), .path = kPath, .interface = kInterface, .member = member};
   }
 
-  // Returns once the bus has what was sent to it before.
+  // Returns once the bus has received everything sent before.
   [[nodiscard]] bool sync(Bus& bus) {
     bool isAnswered = false;
     const BusSlot call = bus.call({kBusItself, kPath, kInterface, "None"},

@@ -104,7 +104,7 @@ TEST_F(BusNameTest, BelievesTheBusAlone) {
     liar.emitTo(own.c_str(), "/org/freedesktop/DBus", kBusItself, "NameOwnerChanged", "sss", kName,
                 "", ":1.99");
   }
-  liar.takeName("com.example.Liar");  // answered once the lies are on their way
+  liar.takeName("com.example.Liar");  // answered after the false signals were sent
   owner.takeName(kName);
   ASSERT_TRUE(runUntilOwners(1));
   EXPECT_EQ(owners_, std::vector{owner.uniqueName()});

@@ -123,14 +123,14 @@ TEST_F(BusTest, ManyMessagesLeaveTimeForTheRestOfTheProgram) {
   });
   ASSERT_TRUE(sync(bus));
   for (int i = 0; i < 500; ++i) peer.emit(kPath, kInterface, "Changed", "");
-  peer.takeName("com.example.Name");  // answered once all signals are on their way
+  peer.takeName("com.example.Name");  // answered after all signals were sent
   EXPECT_TRUE(runUntil(loop_, [&] { return signals == 500; }));
   EXPECT_GE(signalsBeforeTask, 1);
   EXPECT_LE(signalsBeforeTask, 100);
 }
 
-// It takes connections and says nothing; later a real one takes its place.
-// Nobody takes the connections: the system's queue is full soon.
+// It accepts connections and stays silent; later a real bus replaces it. Nobody accepts the
+// connections, so the system's queue soon fills up.
 TEST_F(BusTest, WhatAHandlerThrowsLeavesTheLoop) {
   place_.start();
   Bus bus(loop_, Bus::Kind::session);

@@ -25,7 +25,7 @@ void answer(int connection, const std::string& bytes) {
 }  // namespace
 
 LoopbackServer::LoopbackServer(std::uint16_t port) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
-  const int isReused = 1;  // the port of a test that has just ended
+  const int isReused = 1;  // allow the port of a test that has just ended
   setsockopt(socket_, SOL_SOCKET, SO_REUSEADDR, &isReused, sizeof isReused);
   sockaddr_in address{};
   address.sin_family = AF_INET;

@@ -1,4 +1,4 @@
-// A server on the loopback interface that says one thing.
+// A server on the loopback interface with one fixed answer.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace tessum {
 
-// Holds the port until the object goes; connections are refused until there is an answer.
+// Holds the port until destroyed; refuses connections until there is an answer.
 class LoopbackServer {
  public:
   explicit LoopbackServer(std::uint16_t port);

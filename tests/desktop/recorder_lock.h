@@ -1,4 +1,4 @@
-// The lock of a recorder that runs, without one.
+// The lock of a running recorder, without the recorder.
 
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace tessum {
 
-// Holds the lock that a recorder holds, and says what it would say. The data folder must be there.
+// Holds the recorder's lock and publishes its state. The data folder must exist.
 class RecorderLock {
  public:
   explicit RecorderLock(const User& user, RecorderState state = {.since = SystemClock().now()})

@@ -20,7 +20,7 @@ namespace {
 
 const SystemCalendar kCalendar;
 
-// What root may do that others may not: it is lost for good when the program takes over.
+// Drops root's privileges for good before the program starts.
 void dropPowers() {
 #if defined(__linux__)
   prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);

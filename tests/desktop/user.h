@@ -1,4 +1,4 @@
-// A person at a computer of their own, who runs the host program.
+// A user with a temporary home folder who runs the host program.
 
 #pragma once
 
@@ -18,7 +18,7 @@
 
 namespace tessum {
 
-// What a program left behind.
+// The outcome of a program's run.
 struct Outcome {
   int status = -1;  // -1 when it was stopped by a signal
   std::string output;
@@ -54,7 +54,7 @@ class User {
   [[nodiscard]] Outcome run(const std::vector<std::string>& arguments,
                             std::string_view input = "") const;
 
-  // The same without the power to pass over the permissions of files, which tests may have.
+  // The same without root's power to ignore file permissions, which tests may have.
   [[nodiscard]] Outcome runWithoutPowers(const std::vector<std::string>& arguments) const;
 
   // The same with its standard output on a terminal of `columns`.
@@ -72,10 +72,10 @@ class User {
 // The host program as this build made it.
 [[nodiscard]] std::string hostProgram();
 
-// What `program` leaves behind; it gets no more input.
+// Closes the input of `program`, waits for it and returns its outcome.
 [[nodiscard]] Outcome outcomeOf(ChildProcess& program);
 
-// The moment that `text` names, such as 2025-03-04T09:00:00Z.
+// The moment written in `text`, such as 2025-03-04T09:00:00Z.
 [[nodiscard]] Date at(std::string_view text);
 
 // Whether `part` is in `text`.

@@ -1,5 +1,4 @@
-// A Wayland compositor of a test's own, without a screen, and what the tests of all compositors
-// have in common.
+// A private, headless Wayland compositor, and what the tests of all compositors have in common.
 
 #pragma once
 
@@ -26,7 +25,7 @@ class Compositor : public TestDesktop {
   // Ends it, as in a crash.
   void kill() { process_->kill(); }
 
-  // Stops it and lets it go on, as if it hung.
+  // Stops and continues it, as if it hung.
   void freeze() { process_->kill(SIGSTOP); }
   void thaw() { process_->kill(SIGCONT); }
 

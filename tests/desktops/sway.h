@@ -14,7 +14,7 @@ class Sway final : public Compositor {
 
   Sway();
 
-  // Has sway carry out a command of its configuration's language. Throws std::runtime_error when it
+  // Makes sway run a command of its configuration language. Throws std::runtime_error when it
   // fails.
   void command(const std::string& command) const {
     run("swaymsg", {"--quiet", "--socket", socket_, "--", command});
@@ -26,7 +26,7 @@ class Sway final : public Compositor {
     return tree.find("\"" + title + "\"") != std::string::npos;
   }
 
-  // Somebody touches the computer.
+  // Simulates input.
   void touch() const { command("seat seat0 cursor move 1 1"); }
 
  private:

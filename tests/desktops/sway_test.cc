@@ -103,7 +103,7 @@ TEST_F(SwayRecording, NothingIsInFrontWhileTheScreenIsLocked) {
   if (!isInstalled("swaylock")) GTEST_SKIP() << "swaylock is not installed";
   const auto lock = desktop_->start("swaylock", {});
   ASSERT_TRUE(showsNothing());
-  lock->kill(SIGUSR1);  // as a person who gives the password
+  lock->kill(SIGUSR1);  // like entering the password
   EXPECT_TRUE(shows(row));
   stopRecorder();
 }
@@ -127,7 +127,7 @@ TEST_F(SwayRecording, DoesNotWaitForACompositorThatHangs) {
   desktop_->thaw();
 }
 
-// sway leaves programs without events once it could not send one.
+// sway sends a program no more events once it could not send one.
 TEST_F(SwayRecording, SaysThatATitleIsTooLongForTheCompositor) {
   Terminal xterm(*desktop_, "xterm", "a title");
   record();

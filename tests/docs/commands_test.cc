@@ -1,5 +1,5 @@
-// Every command that the documents show is run as it stands there, by a user with an invented
-// history, and what a document shows of its output is compared.
+// Runs every command that the documents show, as a user with an invented history, and compares its
+// output with what the document shows.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -27,8 +27,8 @@ namespace fs = std::filesystem;
 
 const fs::path kRoot = sourceFolder();
 
-// A command that needs a desktop, the network, minutes or root. Something else runs it: the file
-// `where`, which holds the text `call`.
+// A command that needs a desktop, the network, minutes or root. The file `where`, which contains
+// the text `call`, runs it instead.
 struct Elsewhere {
   std::string_view command;
   const char* where;
@@ -73,7 +73,7 @@ constexpr Elsewhere kElsewhere[] = {
     {"benchmarks/update/run", "tests/benchmarks/in-brief", "\nbenchmarks/update/run "},
 };
 
-// The line without the remark behind it.
+// The line without its trailing comment.
 std::string withoutRemark(const std::string& line) {
   std::string command = line.substr(0, line.find("  #"));
   while (command.ends_with(' ')) command.pop_back();
@@ -95,7 +95,7 @@ std::string replaced(std::string text, std::string_view part, std::string_view b
   return text;
 }
 
-// The same with an unknown time of day behind each "since".
+// The same with each time of day after "since" replaced.
 std::string withoutPresent(std::string text) {
   constexpr std::string_view kSince = "(since ";
   constexpr std::string_view kTime = "00:00";
@@ -105,8 +105,8 @@ std::string withoutPresent(std::string text) {
   return text;
 }
 
-// A user whose programs are on the search path under both of their names, and who has recorded
-// the days before the fifth of March, 2025.
+// A user whose PATH has the programs under both names, with a history of the days before 5 March
+// 2025.
 class Reader {
  public:
   Reader() {
@@ -130,8 +130,8 @@ class Reader {
 
   [[nodiscard]] std::string home() const { return folder_.file("home"); }
 
-  // What `line` does in a shell; a question is answered with yes. The home folder is "~" in the
-  // output, which has both streams, and every line ends with a line feed alone.
+  // Runs `line` in a shell; questions are answered with yes. The output combines both streams,
+  // shows the home folder as "~", and ends lines with a line feed alone.
   [[nodiscard]] Outcome run(const std::string& line) const {
     ChildProcess shell(
         "sh", {.arguments = {"-c", "cd && exec 2>&1\n" + line},
@@ -195,8 +195,8 @@ TEST(Options, StandInTheManualAndInEachCompletion) {
   }
 }
 
-// In the README: "> " stands before the request, "< " before the answer, and each line end in the
-// answer's text is shown as one.
+// In the README, "> " precedes the request and "< " the answer, and line ends in the answer's text
+// are shown as line ends.
 TEST(TheConversation, IsWhatTheServerAnswers) {
   const std::string readme = readFile(kRoot / "README.md");
   const auto between = [&](std::string_view before, std::string_view after) {

@@ -13,8 +13,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// "sh" holds commands, "console" commands behind "$ " and their output; a line that ends in a
-// backslash goes on in the next one. Other fences hold no commands, so each says what it holds.
+// A "sh" block holds commands, a "console" block commands after "$ " and their output; a line that
+// ends in a backslash continues in the next one. Other blocks hold no commands, so each must name
+// its language.
 Document readMarkdown(const fs::path& path) {
   Document document{path.filename().string()};
   std::string language;
@@ -54,7 +55,7 @@ Document readMarkdown(const fs::path& path) {
   return document;
 }
 
-// The examples of a manual page stand between .nf and .fi.
+// A manual page's examples are between .nf and .fi.
 Document readManual(const fs::path& path) {
   Document document{path.filename().string()};
   bool isExample = false;

@@ -15,7 +15,7 @@ struct Command {
   bool showsOutput = false;
 };
 
-// A document, its commands, and what keeps commands in it from being found.
+// A document, its commands, and any problems in finding them.
 struct Document {
   std::string name;
   std::vector<Command> commands = {};

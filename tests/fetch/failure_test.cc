@@ -1,4 +1,4 @@
-// Transfers that fail, and what they say then.
+// Transfers that fail, and their messages.
 
 #include <curl/curl.h>
 #include <gtest/gtest.h>
@@ -106,7 +106,7 @@ TEST_F(FailureTest, SaysThatTheProgramCannotBeStarted) {
             "Cannot start " + folder_.file("gone") + ": " + std::strerror(ENOENT));
 }
 
-// A program of that name in the working folder, or along PATH, is not the one that is meant.
+// A program of that name in the working folder or in PATH must not be used.
 TEST_F(FailureTest, DoesNotLookForTheProgram) {
   writeFile(folder_.file("TessumFetch"), "#!/bin/sh\ntouch started\n");
   chmod(folder_.file("TessumFetch").c_str(), 0700);
@@ -149,7 +149,7 @@ class WrongProgram : public HttpClientTest {
     return std::string(reinterpret_cast<const char*>(&header), sizeof header) + content;
   }
 
-  // A client over a stand-in that says `output`.
+  // A client over a fake program that writes `output`.
   [[nodiscard]] FetchProgramClient clientOf(const std::string& output) {
     writeFile(folder_.file("output"), output);
     writeFile(folder_.file("program"), "#!/bin/sh\ncat " + folder_.file("output") + " >&2\n");

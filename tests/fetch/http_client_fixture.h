@@ -38,7 +38,7 @@ class HttpClientTest : public testing::Test {
     return std::make_unique<HttpsServer>(authority_.issue("IP:127.0.0.1"), std::move(answer));
   }
 
-  // Runs the main loop until `isDone`. False when a minute went by in vain.
+  // Runs the main loop until `isDone`. False after a minute.
   template <typename Predicate>
   [[nodiscard]] bool runUntil(Predicate isDone) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);

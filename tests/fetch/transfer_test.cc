@@ -1,4 +1,4 @@
-// Transfers that go well, and what ends them early.
+// Successful transfers, and transfers that end early.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -212,7 +212,7 @@ TEST_F(TransferTest, LeavesNoProcessBehind) {
   EXPECT_EQ(errno, ECHILD);
 }
 
-// The clock is the test's, the process is real.
+// A fake clock and a real process.
 class TransferLimits : public HttpClientTest {
  protected:
   TransferLimits() {

@@ -6,7 +6,7 @@
 
 namespace tessum {
 
-// Always 0 under the sanitizers, which bring an allocator of their own.
+// Always 0 under the sanitizers, which have their own allocator.
 [[nodiscard]] std::size_t allocatedBytes();
 
 }  // namespace tessum

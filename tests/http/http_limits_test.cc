@@ -1,4 +1,4 @@
-// The transport in child processes with few resources. Each test is the client of one.
+// The transport in child processes with few resources. Each test is a client of one.
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

@@ -1,5 +1,5 @@
-// Sends lines of every kind straight to the server: each must get no answer or one, in valid JSON and
-// UTF-8. JavaScript's own JSON reader decides which.
+// Sends lines of every kind directly to the server: each must get at most one answer, in valid JSON
+// and UTF-8. JavaScript's own JSON reader decides which.
 
 import assert from 'node:assert/strict';
 import { spawn } from 'node:child_process';

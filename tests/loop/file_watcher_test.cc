@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 class FileWatcherTest : public testing::Test {
  protected:
-  // Whether the watcher tells of a change, and forgets it.
+  // Whether the watcher has reported a change; clears it.
   [[nodiscard]] bool tells() {
     const bool hasTold = loop_.runUntil([&] { return told_ > 0; });
     told_ = 0;
@@ -51,7 +51,7 @@ TEST_F(FileWatcherTest, TellsOfAFileThatTakesItsPlaceTimeAndAgain) {
   }
 }
 
-// As some editors do it.
+// As some editors do.
 TEST_F(FileWatcherTest, TellsOfAFileThatIsMovedAwayAndMadeAnew) {
   writeFile(path_, "a");
   const FileWatcher watcher(loop_, path_, count_);
@@ -102,7 +102,7 @@ TEST_F(FileWatcherTest, AFolderThatIsNotThereCannotBeWatched) {
 
 #ifdef __linux__
 
-// Events come in their order, so one of the file would have come before that of the second watcher.
+// Events arrive in order, so one of the file would have arrived before that of the second watcher.
 TEST_F(FileWatcherTest, IsSilentAboutOtherFiles) {
   const FileWatcher watcher(loop_, path_, count_);
   int others = 0;

@@ -15,7 +15,7 @@ namespace {
 
 class MainLoopTest : public testing::Test {
  protected:
-  // Runs the loop until something quits it; a minute in vain fails the test.
+  // Runs the loop until something quits it; fails the test after a minute.
   void run() {
     loop_.startTimer(60, [this] {
       ADD_FAILURE() << "nothing ended the loop";

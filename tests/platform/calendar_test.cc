@@ -76,7 +76,7 @@ TEST(Calendar, HonoursAChangeOfZoneAtOnce) {
   const SystemCalendar calendar;
   ScopedVariable zone("TZ", "UTC");
   EXPECT_EQ(internetDateTime(*calendar.startOf({2025, 3, 4})), "2025-03-04T00:00:00Z");
-  setenv("TZ", "Asia/Tokyo", 1);  // and nothing else is called
+  setenv("TZ", "Asia/Tokyo", 1);  // without calling tzset()
   EXPECT_EQ(internetDateTime(*calendar.startOf({2025, 3, 4})), "2025-03-03T15:00:00Z");
   EXPECT_EQ(internetDateTime(calendar.dayOf({0}).start), "1969-12-31T15:00:00Z");
 }

@@ -15,7 +15,7 @@
 namespace tessum {
 namespace {
 
-// Whether `test` holds in another process, as a process cannot lock itself out.
+// Whether `test` holds in another process, because a process does not conflict with its own locks.
 bool holdsElsewhere(const std::function<bool()>& test) {
   const pid_t child = fork();
   if (child == 0) _exit(test() ? 0 : 1);

@@ -1,4 +1,4 @@
-// Every system call that replacing a file makes, made to fail in every way.
+// Makes each system call of replacing a file fail in every way.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -18,7 +18,7 @@ namespace {
 
 constexpr ExitStatus kFailed{.code = 1, .signal = {}};
 
-// Replaces a file that is there, one that is missing, and one behind a symbolic link.
+// Replaces an existing file, a missing one, and one behind a symbolic link.
 enum class Start { existing, missing, linked };
 
 class FilesFaults : public testing::TestWithParam<Start> {

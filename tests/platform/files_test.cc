@@ -40,8 +40,7 @@ std::error_code errorOf(Call call) {
   return {};
 }
 
-// Makes this process an ordinary user's for a while, where it is the administrator's, who may do
-// anything.
+// Makes this process an ordinary user's for a while if it is root's, who may do anything.
 class AsOrdinaryUser {
  public:
   explicit AsOrdinaryUser(const TemporaryFolder& folder) {

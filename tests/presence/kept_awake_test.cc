@@ -97,7 +97,7 @@ class FakeSessionManager {
     addSilent(path);
   }
 
-  // One that answers nothing but errors.
+  // One that answers only with errors.
   void addSilent(const std::string& path) {
     paths_.push_back(path);
     peer_.emit(kManagerPath, kManager, "InhibitorAdded", "o", path.c_str());

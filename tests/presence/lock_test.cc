@@ -31,9 +31,10 @@ class LockTest : public PresenceTest {
     });
   }
 
-  // Waits until the source has got what `sender` has sent: it then sees another screen saver come.
+  // Waits until the source has received what `sender` has sent: it then sees another screen saver
+  // appear.
   [[nodiscard]] bool hasHeard(BusPeer& sender) {
-    sender.takeName("com.example.Sent");  // answered once all is on its way
+    sender.takeName("com.example.Sent");  // answered after all was sent
     const auto next = startSaver("org.mate.ScreenSaver", "/org/mate/ScreenSaver");
     const bool isSeen = isKnown(*next, "/org/mate/ScreenSaver");
     sender.giveUpName("com.example.Sent");
@@ -143,7 +144,7 @@ TEST_F(LockTest, IgnoresWhatOthersSayAndWhatHasTheWrongType) {
     systemLiar.emitTo(somebody.c_str(), "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
                       "PrepareForSleep", "b", 1);
   }
-  systemLiar.takeName("com.example.Sent");  // answered once these are on their way
+  systemLiar.takeName("com.example.Sent");  // answered after these were sent
   ASSERT_TRUE(hasHeard(*liar));
   gnome->emit("/org/gnome/ScreenSaver", kGnome, "ActiveChanged", "s", "true");
   gnome->emit("/org/gnome/ScreenSaver", kGnome, "ActiveChanged", "");

@@ -1,4 +1,4 @@
-// Both buses, logind, and what the source of presence tells.
+// Both buses, logind, and the reports of the presence source.
 
 #pragma once
 
@@ -29,8 +29,7 @@ class PresenceTest : public testing::Test {
 
   void startLogind() { logind_ = std::make_unique<FakeLogind>(loop_, systemPlace_.address()); }
 
-  // Starts to watch and, where there is a logind, waits until all that it is asked at first is
-  // answered.
+  // Starts to watch and, if there is a logind, waits until it has answered all initial calls.
   void watch() {
     source_.watch(noting());
     if (!logind_) return;
@@ -47,14 +46,14 @@ class PresenceTest : public testing::Test {
     });
   }
 
-  // Whether exactly this is told, and nothing besides it until all of it is.
+  // Whether exactly this is reported, and nothing else before it is complete.
   [[nodiscard]] testing::AssertionResult tells(const Told& expected) {
     static_cast<void>(runUntil(loop_, [&] { return told_.size() >= expected.size(); }));
     if (told_ == expected) return testing::AssertionSuccess();
     return testing::AssertionFailure() << testing::PrintToString(told_) << " was told";
   }
 
-  // What is told next comes at this moment.
+  // Sets the moment of the next reports.
   void setTime(double seconds) { clock_.set({seconds}); }
 
   PresenceHandlers noting() {
@@ -89,7 +88,7 @@ class PresenceTest : public testing::Test {
   ScopedVariable sessionId_{"XDG_SESSION_ID", nullptr};
   std::unique_ptr<FakeLogind> logind_;
   Told told_;
-  std::vector<double> times_;  // of what was told
+  std::vector<double> times_;  // of the reports
   PresenceHandlers::Delay delay_;
   LinuxPresence source_{loop_, steadyClock_,
                         Bus::Timing{.firstRetrySeconds = 0.01, .longestRetrySeconds = 0.05}};

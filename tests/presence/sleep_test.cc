@@ -14,7 +14,7 @@ class SleepTest : public PresenceTest {
     return runUntil(loop_, [&] { return logind_->heldInhibitors() == count; });
   }
 
-  // Ends what a test has begun: the screen is locked, which is told behind what may be told before.
+  // Ends a test: locks the screen, which is reported after anything still pending.
   [[nodiscard]] testing::AssertionResult tellsBeforeLock(Told expected) {
     logind_->emitFromSession("Lock");
     expected.emplace_back("locked");
@@ -197,7 +197,7 @@ TEST_F(SleepTest, HoldsAShutdownBackUntilTheHandlerIsDone) {
   EXPECT_EQ(logind_->heldInhibitors(), 1);
   delay_ = nullptr;
   ASSERT_TRUE(runUntilHeld(0));
-  // What follows in a shutdown is no news.
+  // What follows in a shutdown is not reported.
   logind_->emitOfSession("SessionRemoved", FakeLogind::kSession, FakeLogind::kSessionPath);
   logind_->emitOfSession("SessionNew", FakeLogind::kSession, FakeLogind::kSessionPath);
   ASSERT_TRUE(runUntilCalled("Get", FakeLogind::kSessionPath, 4));

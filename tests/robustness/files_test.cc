@@ -77,7 +77,7 @@ class Files : public ServerTest {
 TEST_F(Files, AFileThatMayNotGrowKeepsWhatWasAnswered) {
   makeStore();
   ChildProcess server(serverProgram(), {.prepare = [] {
-                        std::signal(SIGXFSZ, SIG_IGN);  // makes it an error, as a full disk is
+                        std::signal(SIGXFSZ, SIG_IGN);  // makes it an error, like a full disk
                         const rlimit limit{64 * 1024, 64 * 1024};
                         setrlimit(RLIMIT_FSIZE, &limit);
                       }});

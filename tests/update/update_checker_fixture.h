@@ -46,7 +46,7 @@ class FakeLocations final : public Locations {
   const std::string folder_;
 };
 
-// Remembers what it was to open.
+// Remembers the files it was asked to open.
 class FakeOpener final : public UrlOpener {
  public:
   void open(const std::string& url) const override { urls_.push_back(url); }
@@ -57,7 +57,7 @@ class FakeOpener final : public UrlOpener {
   mutable std::vector<std::string> urls_;
 };
 
-// Something that happens once and that other threads wait for, a minute at most.
+// An event that happens once; other threads wait for it, a minute at most.
 class Signal {
  public:
   void give() { promise_.set_value(); }
@@ -75,7 +75,7 @@ class Signal {
   const std::shared_future<void> future_ = promise_.get_future().share();
 };
 
-// What a server answers to each path; to all others an error page.
+// A server's answer for each path; an error page for all others.
 class Routes {
  public:
   Routes() = default;
@@ -158,7 +158,7 @@ class UpdateCheckerTest : public testing::Test {
     return waitFor<update_state::ReadyToInstall, update_state::Error>();
   }
 
-  // The states so far, which are then forgotten.
+  // Returns the states so far and clears them.
   std::vector<UpdateState> takeStates() { return std::exchange(states_, {}); }
 
   [[nodiscard]] std::string updatesFolder() const { return locations_.dataFolder() + "/Updates"; }

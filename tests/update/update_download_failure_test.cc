@@ -124,7 +124,7 @@ TEST_F(UpdateDownloadDeathTest, FailsWhenTheFileCannotGrow) {
   EXPECT_EXIT(std::_Exit(downloadWithinLimit() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
-// The system starts no process for a user who has as many as allowed; the administrator may always.
+// The system starts no process for a user who has reached the limit; root has no limit.
 TEST_F(UpdateDownloadDeathTest, FailsWhenThereIsNoRoomForAProcess) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const auto downloadWithoutProcess = [this] {

@@ -136,7 +136,8 @@ TEST_F(UpdateDownloadTest, LetsACheckReplaceItsState) {
                     ReadyToInstall{"file://" + stored("Setup-1.4.0.dmg")}}));
 }
 
-// There is room for one end: the second call takes it, and the first download that ends gives it.
+// There is room for one end handler: the second call sets it, and the first download that ends
+// calls it.
 TEST_F(UpdateDownloadTest, GivesTheSecondCallTheEndOfTheFirstDownload) {
   Signal isSecondAsked;
   Signal mayFirstEnd;

@@ -14,7 +14,7 @@ class PollingIdleSourceTest : public testing::Test {
  protected:
   void input() { lastInput_ = steadyClock_.now(); }
 
-  // Handlers that write down what they are told as `name` and a sign.
+  // Handlers that record their calls as `name` and a sign.
   IdleSource::Handlers handlers(const std::string& name) {
     return {.onIdle = [this, name](Moment at) { told_.emplace_back(name + "-", at.seconds); },
             .onActive = [this, name](Moment at) { told_.emplace_back(name + "+", at.seconds); }};

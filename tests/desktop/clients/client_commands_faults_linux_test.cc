@@ -1,5 +1,5 @@
-// Every system call of the program from the first that has to do with the configuration file,
-// made to fail in every way.
+// Makes each of the program's system calls, from the first one on the configuration file, fail in
+// every way.
 
 #include <gtest/gtest.h>
 

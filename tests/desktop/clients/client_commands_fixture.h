@@ -30,7 +30,7 @@ inline constexpr char kHttpConfig[] =
 
 inline constexpr std::uint16_t kEndpointPort = 7384;
 
-// The server that lies beside the program.
+// The server beside the program.
 inline std::string serverPath() {
   return fs::path(TESSUM_PROGRAM).parent_path().string() + "/TessumMCP";
 }
@@ -49,8 +49,8 @@ class ClientCommands : public testing::Test {
     return entry.required("command").text();
   }
 
-  // The row of the table that shows the file `name`, with single blanks between words; empty when
-  // there is none.
+  // The table's row for the file `name`, with single blanks between words; empty when there is
+  // none.
   [[nodiscard]] std::string row(const char* name) const {
     const ClientRun run = user_.run({"clients"});
     EXPECT_EQ(run.status, 0);

@@ -129,7 +129,7 @@ TEST_F(ClientCommands, AnEmptyFileNeedsNoCopy) {
 TEST_F(ClientCommands, AFileThatCannotBeReadStopsItAndTheOthersAreDone) {
   const std::string cursor = user_.file(kCursorFile);
   fs::create_symlink("mcp.json",
-                     cursor);  // a circle: no one can read it, the administrator neither
+                     cursor);  // a loop: nobody can read it, not even root
   const ClientRun run = user_.run({"install", "--all"});
   EXPECT_EQ(run.status, 1);
   EXPECT_NE(run.errors.find("Cannot read " + cursor), std::string::npos) << run.errors;

@@ -1,4 +1,4 @@
-// A user of the host program's client commands, with a home folder of their own.
+// Runs the host program's client commands with a temporary home folder.
 
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace tessum {
 
-// How a run of the host program went.
+// The outcome of a run of the host program.
 struct ClientRun {
   int status = -1;  // -1 when a signal ended it
   std::string output;

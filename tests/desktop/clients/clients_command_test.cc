@@ -21,7 +21,7 @@ TEST_F(ClientCommands, ClientsListsTheApplicationsInTheCataloguesOrder) {
   EXPECT_LT(at("Claude Desktop"), at("Cursor"));
   EXPECT_LT(at("Cursor"), at("Windsurf"));
   EXPECT_LT(at("Windsurf"), at("Continue"));
-  EXPECT_EQ(output.find('\x1B'), std::string::npos);  // plain where it is no terminal
+  EXPECT_EQ(output.find('\x1B'), std::string::npos);  // no colour without a terminal
 }
 
 TEST_F(ClientCommands, ClientsTellsWhetherTheServerIsThere) {

@@ -1,4 +1,4 @@
-// What holds for every command that works on the history: bad days, and a history that is missing,
+// Tests that apply to every command on the history: bad days, and a history that is missing,
 // locked, damaged or read-only.
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ struct Command {
   const char* name;
   std::vector<std::string> arguments;
 
-  // The arguments with a file of the user's in the place of kFile.
+  // The arguments with kFile replaced by a file of the user.
   [[nodiscard]] std::vector<std::string> argumentsOf(const User& user) const {
     auto changed = arguments;
     std::replace(changed.begin(), changed.end(), std::string(kFile), fileOf(user));
@@ -54,7 +54,7 @@ const Command kWriters[] = {
     {"closeOpen", {"doctor", "--close-open", "10m"}},
 };
 
-// The picture is drawn into the folder of the history, so it needs more than reading.
+// Separate, because it also writes a file into the history's folder.
 const Command kTimeline{"timeline", {"timeline", "2025-03-04"}};
 
 // It has something to say without a history, too.
@@ -123,7 +123,7 @@ struct Started {
   std::unique_ptr<ChildProcess> program;
 };
 
-// Waits for one of the programs to end, and takes it out of `programs`.
+// Waits for one of the programs to end, and removes it from `programs`.
 Started takeEnded(std::vector<Started>& programs) {
   siginfo_t ended{};
   if (waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT) != 0) throw std::runtime_error("waitid");
@@ -137,7 +137,7 @@ Started takeEnded(std::vector<Started>& programs) {
 }
 
 // "record" and "note TEXT" write as the recorder does, so they fail at once. The others wait a
-// second for the lock to go; all run side by side, so the test takes no longer than that.
+// second for the lock; all run in parallel, so the test takes no longer than that.
 TEST(ALockedRecord, IsWaitedForThenReportedAndNotChanged) {
   const User user;
   fill(user);
@@ -167,7 +167,7 @@ TEST(ALockedRecord, IsWaitedForThenReportedAndNotChanged) {
 
 class MeetsDamage : public testing::TestWithParam<Command> {};
 
-// The rows lie on pages behind the first ones, which still tell the tables.
+// The damaged pages hold rows; the first pages still describe the tables.
 TEST_P(MeetsDamage, SaysSoInsteadOfShowingARest) {
   const User user;
   fill(user);
@@ -226,7 +226,7 @@ class WritesToWhatIsReadOnly : public testing::TestWithParam<Command> {};
 TEST_P(WritesToWhatIsReadOnly, SaysSoAndChangesNothing) {
   const User user;
   fill(user);
-  writeFile(user.dataFolder() + "/recorder.lock", "");  // of an earlier recorder
+  writeFile(user.dataFolder() + "/recorder.lock", "");  // left by an earlier recorder
   const std::string before = readFile(user.historyPath());
   chmod(user.historyPath().c_str(), 0400);
   chmod(user.dataFolder().c_str(), 0500);

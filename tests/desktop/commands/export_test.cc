@@ -92,7 +92,7 @@ TEST_F(Export, ALastDayBeforeTheFirstIsAMistake) {
   EXPECT_EQ(outcome.output, "");
 }
 
-// More rows than one step reads, many of them with the same begin.
+// More rows than one step reads, many of them with the same start.
 TEST_F(Export, EveryRowOfALongRecordComesOnce) {
   Sql(user.historyPath())
       .run(

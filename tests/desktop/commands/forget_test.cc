@@ -20,7 +20,7 @@ class Forget : public testing::Test {
         {.id = {}, .text = "Work", .startedAt = at("2025-03-05T08:00:00Z"), .endedAt = {}});
   }
 
-  // What is left: the numbers of sessions and of notes.
+  // The remaining numbers of sessions and notes.
   std::string left() {
     return Sql(user.historyPath())
         .row("SELECT (SELECT COUNT(*) FROM activities), (SELECT COUNT(*) FROM annotations)");

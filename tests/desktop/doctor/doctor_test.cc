@@ -78,7 +78,7 @@ TEST(Doctor, FindsDamage) {
   const User user;
   user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
   {
-    // An index that lacks a row: reading goes on as if nothing were wrong.
+    // An index that lacks a row: reads still succeed.
     Sql sql(user.historyPath());
     sql.run(
         "PRAGMA writable_schema = ON;"

@@ -1,5 +1,5 @@
-// `Tessum record` beside a person who goes away and comes back: input by XTEST, the lock and the
-// computer's sleep by a logind of the test's own.
+// `Tessum record` while the user goes away and comes back. XTEST simulates the input; a fake logind
+// simulates the lock and the computer's sleep.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ class AwayRecording : public testing::Test {
     ASSERT_TRUE(runUntil(loop_, [&] { return logind_->heldInhibitors() == 1; }));
   }
 
-  // Somebody touches the computer.
+  // Simulates input.
   void touch() { desktop_.run("xdotool", {"mousemove_relative", "--", "1", "1"}); }
 
   // The sessions, each as "closed" or "open".
@@ -37,7 +37,7 @@ class AwayRecording : public testing::Test {
           "SELECT CASE WHEN end_time IS NULL THEN 'open' WHEN end_time >= start_time THEN 'closed' "
           "ELSE 'crossed' END FROM activities ORDER BY id");
     } catch (const std::runtime_error&) {
-      return {};  // it is being written
+      return {};  // a write is in progress
     }
   }
   [[nodiscard]] bool comesTo(const Rows& rows) {

@@ -19,7 +19,7 @@ class AwayTest : public testing::Test {
 
   [[nodiscard]] Moment now() const { return steady_.now(); }
 
-  // The computer has not been touched for five minutes.
+  // Reports five minutes without input.
   void idle() {
     const Moment lastInput = now();
     loop_.advance(300);
@@ -51,7 +51,7 @@ TEST_F(AwayTest, CountsFromTheLastInputToTheNext) {
 TEST_F(AwayTest, LockedIsAwayAtOnce) {
   away_.noteLock(true, now());
   EXPECT_EQ(away_.since(), now());
-  away_.noteLock(true, movedBy(now(), 1));  // told twice
+  away_.noteLock(true, movedBy(now(), 1));  // reported twice
   loop_.advance(10);
   away_.noteLock(false, now());
   EXPECT_EQ(told_, (Told{"away 1000", "back 1010"}));

@@ -23,7 +23,7 @@ class FrontSessionsTest : public testing::Test {
   }
   void showNothing() { sessions_->show(std::nullopt, steady_.now()); }
 
-  // Time goes by, with the recorder's tick.
+  // Advances the time, with the recorder's ticks.
   void wait(double seconds) {
     for (; seconds > 0; seconds -= 5) {
       loop_.advance(std::min(seconds, 5.0));

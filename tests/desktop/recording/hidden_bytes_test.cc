@@ -1,4 +1,4 @@
-// Random windows under random rules: nothing that was hidden is in any file afterwards.
+// Random windows under random rules: no file contains anything that was hidden.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@
 namespace tessum {
 namespace {
 
-// Hands everything to the journal, and looks at it before.
+// Notes everything, then passes it to the journal.
 class Witness final : public SessionWriter {
  public:
   explicit Witness(SessionJournal& journal) : journal_(journal) {}
@@ -36,7 +36,7 @@ class Witness final : public SessionWriter {
   }
   void updateEndTime(std::int64_t id, Date end) override { journal_.updateEndTime(id, end); }
 
-  std::string seen;  // every text there was, a line each
+  std::string seen;  // every text, one per line
 
  private:
   SessionJournal& journal_;
@@ -44,7 +44,7 @@ class Witness final : public SessionWriter {
 
 constexpr const char* kWords[] = {"Alder", "Birch", "Cedar", "Dogwood", "Elder"};
 
-// Everything happens at whole seconds, so what may be written is settled for each.
+// Everything happens at whole seconds, so it is clear what may be written in each.
 class HiddenBytes : public testing::TestWithParam<unsigned> {
  protected:
   HiddenBytes() { const Database made(path_, calendar_); }
@@ -52,7 +52,7 @@ class HiddenBytes : public testing::TestWithParam<unsigned> {
   [[nodiscard]] int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(random_); }
   [[nodiscard]] std::string word() { return kWords[upTo(4)]; }
 
-  // A word and a number that no other text has.
+  // A word and a unique number.
   [[nodiscard]] std::string newText() { return word() + " " + std::to_string(++number_) + "."; }
 
   [[nodiscard]] std::string randomRule() {
@@ -105,7 +105,7 @@ class HiddenBytes : public testing::TestWithParam<unsigned> {
     if (kind > 3 && kind < 15) changeFront();
   }
 
-  // Takes note of the texts that may be written now.
+  // Notes the texts that may be written now.
   void noteWhatIsShown() {
     const bool isPaused = pause_ && secondsBetween(clock_.now(), *pause_->until) > 0;
     if (!front_ || isPaused) return;
@@ -133,8 +133,8 @@ class HiddenBytes : public testing::TestWithParam<unsigned> {
   int number_ = 0;
   std::optional<Front> front_;
   std::optional<Pause> pause_;
-  std::set<std::string> texts_;  // all that there were
-  std::set<std::string> shown_;  // those that could be written at some time
+  std::set<std::string> texts_;  // all texts so far
+  std::set<std::string> shown_;  // texts that were allowed at some time
 };
 
 TEST_P(HiddenBytes, AreInNoFileAndReachNoWriter) {

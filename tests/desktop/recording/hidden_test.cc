@@ -58,7 +58,7 @@ TEST_F(HiddenTest, ATitleThatBecomesHiddenEndsTheSession) {
   EXPECT_EQ(written_->rows(), (Rows{"Editor|Plan|0|10", "Editor|Plan|20|open"}));
 }
 
-// Also where titles that go soon would join the session before.
+// Even if a short title would otherwise join the previous session.
 TEST_F(HiddenTest, AKeptApplicationHasASessionWithoutTitle) {
   recording_.obey(settingsOf("[[hide]]\ntitle='Secret'\nkeep='app'"));
   show("Editor", "Plan");

@@ -1,4 +1,4 @@
-// Many changes of focus: as fast as the recorder follows, and faster.
+// Many changes of focus, at a rate that the recorder can follow, and faster.
 
 #include <gtest/gtest.h>
 
@@ -21,12 +21,12 @@ namespace {
 constexpr int kChanges = TESSUM_FOCUS_CHANGES;
 constexpr int kRequestsAtOnce = 2000;
 
-// In memory where the system has such a folder: what is tested are the sessions, not the disk.
+// In memory if the system has such a folder: this tests the sessions, not the disk.
 const char* fastFolder() {
   return std::filesystem::is_directory("/dev/shm") ? "/dev/shm" : nullptr;
 }
 
-// How often the store has been written, as its file counts it: read without a lock.
+// The number of writes to the store, from its file's change counter, read without a lock.
 std::uint32_t writesOf(const std::string& store) {
   constexpr std::streamoff kOffset = 24;
   std::ifstream file(store, std::ios::binary);
@@ -37,7 +37,8 @@ std::uint32_t writesOf(const std::string& store) {
   return count;
 }
 
-// Like eventually(), for what takes less than a millisecond and is asked for thousands of times.
+// Like eventually(), for conditions that take less than a millisecond and are awaited thousands of
+// times.
 template <typename Predicate>
 [[nodiscard]] bool soon(Predicate isDone) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);

@@ -56,7 +56,7 @@ TEST_F(RecordHTTP, AnswersBesideItsRecordingUntilItEnds) {
   if (!recorder) GTEST_SKIP() << "another program has the port";
   EXPECT_TRUE(answers());
 
-  // A second one cannot have the port, says so and records nothing.
+  // A second one cannot get the port, says so and records nothing.
   const std::string other = "XDG_DATA_HOME=" + desktop_.home().file("other");
   const auto second = desktop_.start(TESSUM_PROGRAM, kRecord, {other});
   EXPECT_EQ(second->wait(), (ExitStatus{.code = 1, .signal = {}}));

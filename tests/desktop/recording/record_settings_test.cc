@@ -1,4 +1,4 @@
-// The recorder that runs obeys the settings and pauses, which other programs change.
+// A running recorder follows settings and pauses that other programs change.
 
 #include <gtest/gtest.h>
 

@@ -17,7 +17,7 @@ TEST(Record, WritesWhatAPersonDoesOnTheDesktop) {
   std::filesystem::create_directories(applications);
   writeFile(applications + "/org.test.Terminal.desktop",
             "[Desktop Entry]\nType=Application\nName=Terminal of the Test\nStartupWMClass=XTerm\n");
-  // Versions of the program differ in their class, but not in the name of the instance.
+  // Versions of the program differ in the class but not in the instance.
   writeFile(applications + "/org.test.Dialog.desktop",
             "[Desktop Entry]\nType=Application\nName=Dialog of the Test\nStartupWMClass=zenity\n");
   desktop.startWindowManager();
@@ -141,7 +141,7 @@ TEST(Record, ASecondRecorderOfTheSameDataIsRefused) {
   EXPECT_EQ(second->errors(),
             "Tessum: Another recorder is already writing to " + desktop.dataFolder() + ".\n");
 
-  recorder.reset();  // killed: it gives nothing back itself
+  recorder.reset();  // killed: it cleans up nothing itself
   const Recorder next(desktop);
   EXPECT_TRUE(next.comesTo({"App|NULL|NULL|closed", "App|NULL|NULL|open"}))
       << "what a kill left open is ended by the next recorder";

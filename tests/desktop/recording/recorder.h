@@ -1,5 +1,5 @@
-// `Tessum record`, running on a test's desktop, and what it has written. The desktop entries it
-// sees are those that the test puts into the folder "share" of the desktop's home.
+// `Tessum record`, running on a test's desktop, and the sessions it has written. It sees the
+// desktop entries that the test puts into the folder "share" of the desktop's home.
 
 #pragma once
 
@@ -23,7 +23,7 @@ class Recorder {
  public:
   using Rows = std::vector<std::string>;
 
-  // Starts it, with further arguments, and waits until it has made the store.
+  // Starts it, with additional arguments, and waits until it has created the store.
   explicit Recorder(const TestDesktop& desktop, const std::vector<std::string>& arguments = {})
       : desktop_(desktop),
         process_(desktop.start(desktop.recorderProgram(TESSUM_PROGRAM), allArguments(arguments),
@@ -36,8 +36,8 @@ class Recorder {
   [[nodiscard]] ChildProcess& process() { return *process_; }
   [[nodiscard]] std::string store() const { return desktop_.dataFolder() + "/activities.db"; }
 
-  // The sessions so far. A reader's lock would make the recorder's writing fail, so a copy is read,
-  // which may be one of a write under way: then there are none.
+  // The sessions so far. A reader's lock would make the recorder's writes fail, so this reads a
+  // copy; if the copy was made during a write, there are none.
   [[nodiscard]] Rows sessions() const {
     try {
       const std::string copy = desktop_.home().file("copy.db");

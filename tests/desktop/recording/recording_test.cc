@@ -30,7 +30,7 @@ class RecordingTest : public testing::Test {
     recording_.show(Front{{app, std::nullopt, std::nullopt}, std::nullopt}, now());
   }
 
-  // Time goes by, with the ticks.
+  // Advances the time, with the ticks.
   void wait(double seconds) {
     for (; seconds > 0; seconds -= Recording::kTickSeconds) {
       loop_.advance(std::min(seconds, Recording::kTickSeconds));

@@ -29,7 +29,7 @@ class SessionJournalTest : public testing::Test {
                              .endTime = {}});
   }
 
-  // What the database holds; one line of its own while the journal has it locked.
+  // The contents of the database; a special line while the journal has it locked.
   [[nodiscard]] Rows rows() const {
     try {
       return Sql(path_).rows(
@@ -39,7 +39,7 @@ class SessionJournalTest : public testing::Test {
     }
   }
 
-  // Whether the database comes to hold `rows`, tried again as often as it takes.
+  // Whether the database comes to hold `rows`, with as many retries as it takes.
   [[nodiscard]] bool comesTo(const Rows& expected) {
     return loop_.runUntil([&] {
       loop_.advance(SessionJournal::kRetrySeconds);
@@ -47,7 +47,7 @@ class SessionJournalTest : public testing::Test {
     });
   }
 
-  // Tries to write for `seconds`, as far as the loop is concerned.
+  // Advances the loop's time by `seconds` of write attempts.
   void tryFor(double seconds) {
     for (double tried = 0; tried < seconds; tried += SessionJournal::kRetrySeconds) {
       bool isDone = false;
@@ -57,7 +57,7 @@ class SessionJournalTest : public testing::Test {
     }
   }
 
-  // Every change of the file; see the format of SQLite's files.
+  // The file's change counter; see SQLite's file format.
   [[nodiscard]] std::uint32_t writes() const {
     const std::string header = readFile(path_).substr(24, 4);
     std::uint32_t count = 0;
@@ -135,7 +135,7 @@ TEST_F(SessionJournalTest, AnEndBeforeTheBeginningTakesBackWhatNeverWas) {
 
 TEST_F(SessionJournalTest, AChangeWhileAWriteIsUnderWayIsWrittenAfterIt) {
   const auto editor = begin("Editor", 10);
-  loop_.runPosted();  // the write is under way
+  loop_.runPosted();  // the write has begun
   journal_->updateTitle(editor, "a.txt");
   journal_->updateEndTime(editor, {20});
   EXPECT_TRUE(comesTo({"Editor|a.txt|10.0|20.0"}));

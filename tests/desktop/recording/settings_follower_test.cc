@@ -27,10 +27,10 @@ class SettingsFollowerTest : public testing::Test {
     wait();
   }
 
-  // What the follower waits for before it reads.
+  // The delay before the follower reads.
   void wait() { loop_.advance(SettingsFollower::kQuietSeconds); }
 
-  // Whether the follower comes to say how many rules there are.
+  // Whether the follower eventually reports this number of rules.
   [[nodiscard]] bool comesTo(std::size_t rules) {
     return loop_.runUntil([&] {
       wait();
@@ -83,8 +83,8 @@ TEST_F(SettingsFollowerTest, WhatIsNotUnderstoodIsSaidOnceAndChangesNothing) {
   EXPECT_EQ(said_, complaint);
 }
 
-// The rules hold while an editor has the file away: a second watcher tells when the follower's has
-// been told, and its time does not go on until the file is back.
+// The rules stay in force while an editor has removed the file: a second watcher shows that the
+// follower's watcher was notified, and the fake time does not advance until the file is back.
 TEST_F(SettingsFollowerTest, AFileThatIsSoonBackWasNeverAway) {
   writeFile(path(), "[[hide]]\napp='x'");
   ASSERT_TRUE(comesTo(1));

@@ -1,4 +1,4 @@
-// What is recorded is true whatever else happens to the database and to the recorder.
+// The history is correct whatever else happens to the database and the recorder.
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ using Rows = Recorder::Rows;
 constexpr int kChanges = 120;
 constexpr auto kPace = std::chrono::milliseconds(150);
 
-// How long an end and the next beginning, or a change and its session, may lie apart.
+// The longest gap between an end and the next start, or between a change and its session.
 constexpr double kTolerance = 0.05;
 
 double secondsNow() {
@@ -70,7 +70,7 @@ class TrueHistory : public testing::Test {
     }
   }
 
-  // Another window comes to the front at a steady pace, as a quick person might do it.
+  // Brings another window to the front at a steady pace, as a fast user might.
   void changeWindows(int changes) {
     auto next = std::chrono::steady_clock::now();
     for (int i = 0; i < changes; ++i) {
@@ -85,7 +85,7 @@ class TrueHistory : public testing::Test {
     EXPECT_EQ(recorder_->process().wait(), kSuccess) << recorder_->process().errors();
   }
 
-  // Every change is there once, from when it happened to the next, under its title.
+  // Every change is recorded once, from its time to the next, with its title.
   void expectTruth() {
     struct Row {
       std::string text;
@@ -184,7 +184,7 @@ TEST_F(TrueHistory, LosesNothingOnADiskThatFillsUpAndIsFreed) {
             std::string::npos);
 }
 
-// Recorders that are killed at any moment. Each next one ends what the last one left open.
+// Recorders that are killed at arbitrary moments. Each one ends what the previous one left open.
 TEST_F(TrueHistory, EndsWhatAKillLeavesOpenWhenItWasLastKnownToLive) {
   constexpr int kKills = 100;
   std::mt19937 random(1);

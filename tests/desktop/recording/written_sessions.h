@@ -1,4 +1,4 @@
-// The sessions that a recorder's parts write, as a test reads them.
+// Records the sessions that the recorder's parts write.
 
 #pragma once
 
@@ -10,7 +10,8 @@
 
 namespace tessum {
 
-// Keeps each session as it stands, and follows an end that lies before its beginning as it is told.
+// Keeps the current state of each session; an end before its start deletes or shortens sessions, as
+// in SessionJournal.
 class WrittenSessions final : public SessionWriter {
  public:
   std::int64_t insert(const Activity& activity) override {

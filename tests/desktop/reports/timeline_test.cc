@@ -62,7 +62,7 @@ TEST_F(Timeline, KeepsMarkupInATitleText) {
 TEST_F(Timeline, NamesNothingThatCouldBeFetched) {
   std::string html = page();
   EXPECT_TRUE(contains(html, "content=\"default-src 'none'; style-src 'unsafe-inline'\""));
-  // The title with markup is text of the history; what is left is the page's own.
+  // The title with markup comes from the history; the rest is the page's own.
   for (std::size_t begin = 0; (begin = html.find(kMarkupEscaped)) != std::string::npos;) {
     html.erase(begin, sizeof kMarkupEscaped - 1);
   }
@@ -138,8 +138,8 @@ TEST_F(Timeline, OfADayWhenTheClockIsChangedHasThatDaysHours) {
 }
 
 ////////////////////////////////////////////////////////////////////////////////////////////////
-// In the browser. A copy of the page gets a script that measures what was laid out; the page
-// itself would not let it run, so the copy goes without the policy.
+// In the browser. A script in a copy of the page measures the layout; the page's policy would
+// forbid it, so the copy has none.
 
 constexpr char kMeasure[] = R"(<script>
 addEventListener('load', () => {
@@ -224,7 +224,7 @@ TEST_F(Timeline, IsLaidOutByABrowser) {
   for (const auto& total : *result.object()->at("totals").array()) totals.push_back(*total.text());
   EXPECT_EQ(totals, (std::vector<std::string>{"3h 30m", "2h 30m", "1h 0m"}));
 
-  // The note, then three sessions on the common line, then each on its application's.
+  // The note, then three sessions on the common line, then each on its application's line.
   const auto& spans = *result.object()->at("spans").array();
   ASSERT_EQ(spans.size(), 7U);
   const auto title = [&](std::size_t i) { return *spans[i].object()->at("title").text(); };

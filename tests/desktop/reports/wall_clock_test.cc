@@ -34,7 +34,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"UTC", "2025-03-04T18:00:00Z", 18 * 60, "2025-03-05T18:00:00Z"},
                     Case{"UTC", "2025-03-04T18:00:01Z", 18 * 60, "2025-03-05T18:00:00Z"},
                     Case{"UTC", "2025-03-04T09:00:00Z", 0, "2025-03-05T00:00:00Z"},
-                    // A day of 23 hours: before the leap, in it, and behind it.
+                    // A day of 23 hours: before, in and after the skipped hour.
                     Case{"Europe/Berlin", "2025-03-29T23:00:00Z", 18 * 60, "2025-03-30T16:00:00Z"},
                     Case{"Europe/Berlin", "2025-03-29T23:00:00Z", 60, "2025-03-30T00:00:00Z"},
                     Case{"Europe/Berlin", "2025-03-29T23:00:00Z", 150, "2025-03-30T01:00:00Z"},

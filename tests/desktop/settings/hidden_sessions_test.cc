@@ -10,8 +10,7 @@ namespace {
 
 using Pieces = std::vector<std::string>;
 
-// What `rules` leave of a session of "Mail" with the title "Inbox", as "title|begin|end" in
-// minutes.
+// What `rules` keep of a session of "Mail" with the title "Inbox", as "title|begin|end" in minutes.
 Pieces left(const std::string& rules, double begin, std::optional<double> end) {
   const ScopedVariable zone("TZ", "UTC");
   Activity session{.id = 7,

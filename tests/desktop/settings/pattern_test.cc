@@ -10,7 +10,7 @@
 namespace tessum {
 namespace {
 
-// Milliseconds of processor time, which other programs do not lengthen.
+// Milliseconds of processor time, which other programs do not affect.
 double processorTime() {
   timespec time{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
@@ -65,8 +65,8 @@ class CostlyPattern : public testing::TestWithParam<Costly> {};
 constexpr std::size_t kLongPattern = 10'000;
 constexpr double kMilliseconds = 50;
 
-// Each of these makes a search that goes back take longer than anyone waits. The least of several
-// times counts, each of a new pattern: the others hold what else the computer does.
+// Each of these would make a backtracking search take forever. The least of several times counts,
+// each with a new pattern, because the others include other load.
 TEST_P(CostlyPattern, TakesAMoment) {
   for (const std::size_t length :
        {Pattern(GetParam().pattern).mostBytes(), std::size_t{1} << 20U}) {

@@ -60,7 +60,7 @@ TEST(Settings, TheTemplateIsUnderstood) {
   EXPECT_EQ(settings.rules.hide[0].kept, Kept::app);
 }
 
-// What the template shows behind "# " holds when it is uncommented.
+// The template's examples after "# " are valid when uncommented.
 TEST(Settings, TheTemplateIsUnderstoodWithAllItShows) {
   std::string text;
   std::string_view rest = settingsTemplate();

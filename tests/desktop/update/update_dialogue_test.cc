@@ -24,7 +24,7 @@ std::string jsonWithImage() {
 
 class UpdateDialogueTest : public UpdateCheckerTest {
  protected:
-  // Holds the dialogue to its end. Its status is absent when there was none.
+  // Runs the dialogue to its end. The status is absent if it did not end.
   [[nodiscard]] std::optional<int> talk(bool downloads, bool isWatched = true) {
     std::optional<int> status;
     UpdateDialogue::Output output{.tell = [this](std::string_view text) { told_ += text; },
@@ -43,7 +43,7 @@ class UpdateDialogueTest : public UpdateCheckerTest {
 
   [[nodiscard]] const UrlOpener& opener() const override { return downloadOpener_; }
 
-  bool isChecked_ = true;  // by the system, of what is in an image
+  bool isChecked_ = true;  // whether the system checks programs in an image
   const DownloadOpener downloadOpener_{opener_, [this](const std::string&) { return isChecked_; }};
   std::string told_;
   std::string complaint_;

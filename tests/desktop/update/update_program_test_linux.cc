@@ -1,6 +1,6 @@
-// "Tessum update" as it is built and installed. It asks the addresses that it was built with; a
-// proxy leads them to a server on the loopback interface, and a view of the file system of its own
-// makes that server's authority the one that the system trusts.
+// "Tessum update" as built and installed. It uses its built-in addresses; a proxy maps them to a
+// server on the loopback interface, and private mounts make the system trust that server's
+// authority.
 
 #include <curl/curl.h>
 #include <gtest/gtest.h>
@@ -45,7 +45,7 @@ std::string pathOf(const HttpsConnection& connection) {
   return request.substr(start, request.find(' ', start) - start);
 }
 
-// Answers with the description of the release, and with `image` where its file is asked for.
+// Answers with the description of the release, or with `image` when its file is requested.
 HttpsServer::Answer offering(HttpsServer::Answer image) {
   return [image = std::move(image)](HttpsConnection& connection) {
     if (pathOf(connection) == kLatest) {

@@ -22,7 +22,7 @@ Class plainMeta{nullptr, "plain", {}};
 Class plain{&plainMeta, "plain", {}};
 Class elementClass{&plainMeta, "AXUIElement", {}};
 
-// There is one of each, and it is not counted.
+// There is one of each, without reference counting.
 Object theWorkspace{&NSWorkspace, 1, nullptr};
 Object theCenter{&NSNotificationCenter, 1, nullptr};
 Object theMainQueue{&NSOperationQueue, 1, nullptr};
@@ -80,7 +80,7 @@ bool isLow(char16_t unit) {
   return unit >= 0xDC00 && unit < 0xE000;
 }
 
-// Half a surrogate pair becomes `lossByte`; with none the text ends before it.
+// Half a surrogate pair becomes `lossByte`; without one the text ends before it.
 std::string utf8Of(std::u16string_view units, unsigned char lossByte, std::size_t& converted) {
   std::string bytes;
   const auto put = [&bytes](char32_t byte) { bytes += static_cast<char>(byte); };
@@ -310,8 +310,8 @@ double CGEventSourceSecondsSinceLastEventType(int state, unsigned type) {
   return theDesktop->secondsSinceInput;
 }
 
-// The documentation does not say what a call that fails leaves in the place of the value: here it
-// is something that must not be used.
+// The documentation does not say what a failing call leaves in the output value; here it is a value
+// that must not be used.
 int AXUIElementCopyAttributeValue(const Element* element, const Object* name, Object** value) {
   TESSUM_CHECK(element->patience > 0 && element->patience <= 1, "waits too long for an answer");
   static Element window{{&elementClass, 1, nullptr}, kWindow};

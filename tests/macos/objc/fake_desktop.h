@@ -1,7 +1,6 @@
-// The part of AppKit, Core Foundation, Core Graphics and the accessibility API that the core asks
-// for what is in front and for input, as plain C++ that a test steers. It does what their
-// documentation says, as far as we understand it: a test with it shows what our code does, not
-// what macOS does.
+// The part of AppKit, Core Foundation, Core Graphics and the accessibility API that the core uses
+// for windows and input, as plain C++ that a test controls. It follows their documentation as we
+// understand it: a test with it shows what our code does, not what macOS does.
 
 #pragma once
 
@@ -15,16 +14,16 @@
 
 namespace tessum::fake {
 
-// What AppKit hands out. Each call makes an object that belongs to the caller.
+// AppKit's objects. Each call creates an object that the caller owns.
 [[nodiscard]] Object* makeApplication(std::optional<std::u16string> name,
                                       std::optional<std::u16string> bundleIdentifier, int process);
 [[nodiscard]] Object* makeText(std::u16string text);
 [[nodiscard]] Object* makeWindow();
 
-// The value that stands for the focused window when an attribute is asked of it.
+// The value that represents the focused window in attribute queries.
 inline constexpr int kWindow = -1;
 
-// One desktop at a time: it is the shared workspace while it lives.
+// One desktop at a time: it is the shared workspace during its lifetime.
 class Desktop {
  public:
   Desktop();
@@ -39,14 +38,14 @@ class Desktop {
   // user info when it is null. Takes over the caller's reference.
   void postActivation(Object* value);
 
-  // Runs what waits for the main queue.
+  // Runs the main queue's pending tasks.
   void runMainQueue();
 
   // How many registrations for activations there are.
   [[nodiscard]] std::size_t observers() const { return observers_.size(); }
 
-  // What the accessibility API answers: a code of AXError and, where it is not null, a value that
-  // belongs to the asker then.
+  // The accessibility API's result: a code of AXError and a value, if not null, that the caller
+  // then owns.
   struct Attribute {
     int error = 0;
     Object* value = nullptr;
@@ -55,7 +54,7 @@ class Desktop {
   // Answers for the element of a process, or for kWindow.
   std::function<Attribute(int process, const std::string& name)> attribute;
 
-  // What the event source answers, for all kinds of input to this session.
+  // The event source's result for all kinds of input to this session.
   double secondsSinceInput = 0;
 
  private:

@@ -1,5 +1,5 @@
-// The part of Core Foundation and IOKit that tells of the lock and of the computer's sleep, as
-// plain C++ that a test steers. It does what their documentation says, as far as it was understood.
+// The part of Core Foundation and IOKit that reports the lock and the computer's sleep, as plain
+// C++ that a test controls. It follows their documentation as we understand it.
 
 #pragma once
 
@@ -21,13 +21,13 @@ class Power {
   Power(const Power&) = delete;
   Power& operator=(const Power&) = delete;
 
-  // Whether a program can register for what is told of power.
+  // Whether a program can register for power notifications.
   bool permitsRegistration = true;
 
-  // Posts a notification to those who observe that name.
+  // Posts a notification to the observers of that name.
   void post(const std::string& name) const;
 
-  // Tells the program that has registered; `change` names what it has to allow.
+  // Notifies the registered program; `change` names what it has to allow.
   void send(unsigned message, std::intptr_t change) const;
 
   // What the program has allowed.

@@ -1,4 +1,4 @@
-// What the desktop of macOS tells, with the fake desktop behind it.
+// The front source of macOS, over the fake desktop.
 
 #include "core/workspace/mac/front_source.h"
 
@@ -149,7 +149,7 @@ TEST_F(MacFrontSource, LooksForAnotherTitleEveryFiveSeconds) {
 
 TEST_F(MacFrontSource, AsksNobodyWhileNothingIsInFront) {
   start();
-  desktop_.attribute = nullptr;  // asking would end the test
+  desktop_.attribute = nullptr;  // a query would end the test
   loop_.advance(60);
   EXPECT_EQ(told().size(), 1U);
 }

@@ -1,4 +1,4 @@
-// Runs the source of presence as macOS would compile it, with the fake computer behind it.
+// Runs the presence source as macOS would compile it, over the fake computer.
 
 #include <gtest/gtest.h>
 

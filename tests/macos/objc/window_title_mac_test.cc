@@ -1,4 +1,4 @@
-// Reads titles through a fake accessibility API that counts what it hands out.
+// Reads titles through a fake accessibility API that counts its objects.
 
 #include "core/workspace/mac/window_title.h"
 
@@ -67,7 +67,7 @@ TEST_F(WindowTitle, IsAbsentForEachFailureToTellTheWindow) {
   for (const int error : kErrors) {
     fake::Object* title = fake::makeText(u"Notes");
     EXPECT_EQ(titleWith({error, nullptr}, {0, title}), std::nullopt) << error;
-    fake::release(title);  // nobody asked for it
+    fake::release(title);  // it was not requested
   }
 }
 

@@ -1,4 +1,4 @@
-// 64 bits wide both, but on macOS int64_t is another type: long long.
+// Both are 64 bits wide, but on macOS int64_t is another type: long long.
 
 #include <cstdint>
 

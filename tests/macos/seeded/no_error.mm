@@ -1,4 +1,4 @@
-// Near every error, without any of them.
+// Close to every error, without any of them.
 
 #import <AppKit/AppKit.h>
 #include <CoreFoundation/CoreFoundation.h>

@@ -130,7 +130,7 @@ TEST_F(DesktopEntriesTest, AreReadAgainWhenFilesComeAndGo) {
   entries.refresh();
   EXPECT_EQ(nameOf(entries.withId("sub-a")), "sub-a=New");
   std::filesystem::remove(folder_.file("second/sub/a.desktop"));
-  // Folders note the time of a change in steps that two changes of a test may share.
+  // Folder modification times are coarse, so two changes of a test may share one.
   std::filesystem::last_write_time(folder_.file("second/sub"),
                                    std::filesystem::file_time_type::min() + std::chrono::hours(1));
   entries.refresh();

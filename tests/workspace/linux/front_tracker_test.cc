@@ -12,7 +12,7 @@ namespace {
 
 using Told = std::vector<std::string>;
 
-// The fake clock's seconds stand for moments too.
+// The fake clock's seconds also serve as moments.
 class FrontTrackerTest : public testing::Test {
  protected:
   static constexpr double kMoment = FrontTracker::kMomentWithoutWindow;
@@ -32,7 +32,7 @@ class FrontTrackerTest : public testing::Test {
 
   [[nodiscard]] Moment now() const { return {clock_.now().secondsSince1970}; }
 
-  // What has been told since the last call, such as "a 'title' @3".
+  // The reports since the last call, such as "a 'title' @3".
   [[nodiscard]] Told told() { return std::exchange(told_, {}); }
 
   void tell(const std::optional<Front>& front, Moment since) {
@@ -105,7 +105,7 @@ TEST_F(FrontTrackerTest, ALongerTimeWithoutAWindowCountsFromItsBeginning) {
   loop_.advance(1);
   show(std::nullopt);
   loop_.advance(kMoment / 2);
-  show(std::nullopt);  // does not begin the moment anew
+  show(std::nullopt);  // does not restart the delay
   EXPECT_EQ(told(), Told{"a @0"});
   loop_.advance(kMoment / 2);
   EXPECT_EQ(told(), Told{"none @1"});

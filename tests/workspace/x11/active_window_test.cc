@@ -40,7 +40,7 @@ TEST_F(X11FrontTest, WhatAWindowManagerLeavesBehindDoesNotCount) {
 
 class ActiveWindowX11Test : public X11FrontTest {
  protected:
-  // Applications are called by their window's class.
+  // Applications are named after their window's class.
   void SetUp() override {
     for (const char* name : {"A", "B", "C"}) {
       windows_.push_back(desktop_.addWindow(name));
@@ -122,7 +122,7 @@ TEST_F(ActiveWindowX11Test, TheEndOfTheWindowManagerIsToldOnce) {
   desktop_.removeWindow(manager_);
   ASSERT_TRUE(comesTo("none"));
   EXPECT_EQ(notices_, Told{kNoManager});
-  desktop_.publishActiveWindow(windows_[1]);  // by nobody who could be trusted
+  desktop_.publishActiveWindow(windows_[1]);  // with no window manager running
   ASSERT_TRUE(runUntil([&] { return true; }));
   EXPECT_EQ(told(), Told{"none"});
 }

@@ -9,7 +9,7 @@ namespace {
 
 using Told = std::vector<std::string>;
 
-// With a window manager that is a program of its own.
+// With a real window manager.
 class FrontSourceX11Test : public X11FrontTest {
  protected:
   void SetUp() override { desktop_.startWindowManager(); }

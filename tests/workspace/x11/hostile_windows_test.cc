@@ -1,4 +1,4 @@
-// Windows that say things nobody expects.
+// Windows with unexpected properties.
 
 #include <atomic>
 #include <thread>
@@ -32,7 +32,7 @@ class HostileWindows : public X11FrontTest {
     desktop_.setProperty(window_, "_NET_WM_NAME", "UTF8_STRING", bytes);
   }
 
-  // Whether `title` is told, after another one.
+  // Whether `title` is reported after another one.
   [[nodiscard]] bool comesToTitle(const std::optional<std::string>& title) {
     return runUntil([&] { return this->title() == title; });
   }
@@ -61,7 +61,7 @@ TEST_F(HostileWindows, ALongTitleInAnOldEncodingIsCutToo) {
   const std::string latin1(kLongestTitle, '\xE9');
   desktop_.setProperty(window_, "WM_NAME", "STRING", latin1);
   EXPECT_TRUE(comesToTitle(repeated("\u00E9", kLongestTitle / 2)));
-  // Each character is in another character set than the one before.
+  // Each character is in a different character set from the previous one.
   desktop_.setProperty(window_, "WM_NAME", "COMPOUND_TEXT",
                        repeated("\x1B-B\xE9\x1B-A\xE9", kLongestTitle / 8));
   EXPECT_TRUE(comesToTitle(repeated("\u00E9", kLongestTitle / 4)));

@@ -29,7 +29,7 @@ class IdleSourceX11Test : public X11Test {
   void moveMouse() { desktop_.run("xdotool", {"mousemove_relative", "--", "1", "1"}); }
   void pressKey() { desktop_.run("xdotool", {"key", "--clearmodifiers", "a"}); }
 
-  // Runs the loop until that is told.
+  // Runs the loop until that is reported.
   [[nodiscard]] bool comesTo(const std::string& what) {
     return runUntil([&] { return !told_.empty() && told_.back().what == what; });
   }
@@ -146,7 +146,7 @@ TEST_F(IdleSourceX11Test, TheScreenSaverTellsTheSameMoreSlowly) {
   idle->watch(4, handlers("a"));
   ASSERT_TRUE(comesTo("a idle"));
   expectBetween(before, told_.back().moment, after);
-  letPass(2);  // so that the next question comes soon after the input
+  letPass(2);  // so that the next poll comes soon after the input
   before = clock_.now();
   moveMouse();
   after = clock_.now();

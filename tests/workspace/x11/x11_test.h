@@ -1,4 +1,4 @@
-// A desktop of a test's own, with the loop that what is tested runs on.
+// A private X11 desktop, with the loop that the code under test runs on.
 
 #pragma once
 
@@ -27,7 +27,7 @@ class X11Test : public testing::Test {
     return isDone();
   }
 
-  // Lets `seconds` go by while the loop does not run.
+  // Waits for `seconds` without running the loop.
   void letPass(double seconds) const {
     const Moment start = clock_.now();
     EXPECT_TRUE(eventually([&] { return secondsBetween(start, clock_.now()) >= seconds; }));
@@ -38,7 +38,7 @@ class X11Test : public testing::Test {
   const SystemSteadyClock clock_{};
 };
 
-// With what a source of that desktop tells.
+// With the reports of a front source.
 class X11FrontTest : public X11Test {
  protected:
   struct Telling {
@@ -60,14 +60,14 @@ class X11FrontTest : public X11Test {
     });
   }
 
-  // What was told last: "App", "App: title" or "none".
+  // The last report: "App", "App: title" or "none".
   [[nodiscard]] std::string front() const { return textOf(tellings_.back()); }
 
   [[nodiscard]] std::optional<std::string> title() const {
     return tellings_.back().front ? tellings_.back().front->title : std::nullopt;
   }
 
-  // All that was told since the last call.
+  // All reports since the last call.
   [[nodiscard]] std::vector<std::string> told() {
     std::vector<std::string> texts;
     for (; toldBefore_ < tellings_.size(); ++toldBefore_) {
@@ -76,7 +76,7 @@ class X11FrontTest : public X11Test {
     return texts;
   }
 
-  // Runs the loop until that is told.
+  // Runs the loop until that is reported.
   [[nodiscard]] bool comesTo(const std::string& text) {
     return runUntil([&] { return front() == text; });
   }
