@@ -10,8 +10,7 @@
 
 namespace tessum {
 
-// Keeps the current state of each session; an end before its start deletes or shortens sessions, as
-// in SessionJournal.
+// Keeps the current state of each session; stores an end before the start unchanged.
 class WrittenSessions final : public SessionWriter {
  public:
   std::int64_t insert(const Activity& activity) override {
