@@ -68,7 +68,7 @@ TEST_F(ClientCommands, InstallWithHttpPointsAtTheEndpoint) {
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(config(kClaudeFile), kHttpConfig);
   EXPECT_EQ(config(kWindsurfFile), kHttpConfig);
-  EXPECT_NE(run.errors.find("\"Tessum record --http\" must be running"), std::string::npos);
+  EXPECT_NE(run.errors.find("only while \"Tessum record --http\" is running"), std::string::npos);
 }
 
 TEST_F(ClientCommands, InstallTakesTheFileOfAnyApplication) {
