@@ -8,9 +8,9 @@
 namespace tessum {
 namespace {
 
-// At worst a search takes a step, about half a nanosecond, for each byte and each instruction of
-// the pattern's program. These are some 20 milliseconds.
-constexpr std::size_t kMostSteps = 40'000'000;
+// At worst a search takes a step, about two nanoseconds, for each byte and each instruction of the
+// pattern's program. These are some 20 milliseconds.
+constexpr std::size_t kMostSteps = 10'000'000;
 constexpr std::size_t kAlwaysSearched = 1024;  // bytes
 
 re2::RE2::Options options() {
