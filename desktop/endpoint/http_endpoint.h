@@ -21,9 +21,10 @@ enum class OpenTo {
 // Main thread only.
 class HTTPEndpoint {
  public:
-  // Serves the store at `databasePath` on `port`. `clock` and `calendar` must outlive the endpoint,
-  // whose thread uses them: nobody else may use the calendar meanwhile. Throws DatabaseError,
-  // MCPServerError::invalidPort, and std::system_error that says why the port cannot be had.
+  // Serves the store at `databasePath` on `port`, after up to 5 s for a lock of another program.
+  // `clock` and `calendar` must outlive the endpoint, whose thread uses them: nobody else may use
+  // the calendar meanwhile. Throws DatabaseError, MCPServerError::invalidPort, and
+  // std::system_error that says why the port cannot be had.
   HTTPEndpoint(const std::string& databasePath, std::uint16_t port, OpenTo openTo,
                const Clock& clock, const Calendar& calendar);
 

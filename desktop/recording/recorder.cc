@@ -3,17 +3,16 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
 #include <stdexcept>
 #include <string_view>
-#include <thread>
 #include <utility>
 
 #include "core/platform/private_files.h"
 #include "core/presence/system_presence.h"
 #include "core/store/database.h"
 #include "core/store/history.h"
+#include "core/store/lock_patience.h"
 #include "desktop/recording/left_open.h"
 #include "desktop/reports/wall_clock.h"
 #include "desktop/settings/settings_file.h"
@@ -73,20 +72,13 @@ void sayWhatWasLeftOpen(const std::vector<Activity>& ended) {
 // database must be detected before recording begins.
 std::string preparedDatabase(const Host& host, const RecorderState& before) {
   std::string path = historyPath(host.locations);
-  const auto deadline =
-      std::chrono::steady_clock::now() + std::chrono::duration<double>(kLockPatienceSeconds);
-  while (true) {
-    try {
-      { const Database made(path, host.calendar); }
-      History history(path, History::Access::write);
-      history.tryWriting();
-      sayWhatWasLeftOpen(endLeftOpen(history, before));
-      return path;
-    } catch (const DatabaseError& error) {
-      if (!error.isLocked() || std::chrono::steady_clock::now() >= deadline) throw;
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-  }
+  outlastingLocks(kLockPatienceSeconds, [&] {
+    { const Database made(path, host.calendar); }
+    History history(path, History::Access::write);
+    history.tryWriting();
+    sayWhatWasLeftOpen(endLeftOpen(history, before));
+  });
+  return path;
 }
 
 // What keeps the user from being away, as far as the settings allow it to be shown: a reason may be

@@ -46,9 +46,10 @@ void KWin::script(const std::string& title, const std::string& statements) const
   const std::string path = home().file("script.js");
   writeFile(path, "for (const window of workspace.clientList()) {\n  if (window.caption == '" +
                       title + "') { " + statements + " }\n}\n");
+  // KWin reads the file in the background, so the script stays until the next one.
+  static_cast<void>(call("unloadScript", {"string:test"}));
   static_cast<void>(call("loadScript", {"string:" + path, "string:test"}));
   static_cast<void>(call("start", {}));
-  static_cast<void>(call("unloadScript", {"string:test"}));
 }
 
 std::string KWin::call(const std::string& member, const std::vector<std::string>& arguments) const {

@@ -62,7 +62,8 @@ class KWinFrontSource final : public FrontSource {
         tracker_(loop, [this](const auto& front, Moment since) { handler_(front, since); }) {}
 
   ~KWinFrontSource() override {
-    if (!owner_.empty()) unload();
+    if (owner_.empty()) return;
+    static_cast<void>(call("unloadScript", {std::string(kName)}, [](const BusMessage&) {}));
   }
 
   void start(Handler handler) override {
@@ -78,6 +79,7 @@ class KWinFrontSource final : public FrontSource {
     const bool hadOwner = !owner_.empty();
     owner_ = owner;
     calls_ = nullptr;
+    unloading_ = nullptr;
     loading_ = nullptr;
     if (!owner.empty()) return load();
     if (!hadOwner) return;
@@ -96,18 +98,20 @@ class KWinFrontSource final : public FrontSource {
                               .interface = kKWinScriptInterface,
                               .member = kKWinScriptMember},
                              [this](const BusMessage& call) { show(call); });
-    unload();
     script_.emplace(kwinScript(session_->uniqueName()));
     if (!script_->isWritten()) return fail();
+    // KWin refuses to load a script whose name has just been unloaded until it has come back to its
+    // main loop, as it has when the answer is here.
+    unloading_ =
+        call("unloadScript", {std::string(kName)}, [this](const BusMessage&) { loadUnloaded(); });
+  }
+
+  void loadUnloaded() {
     loading_ =
         call("loadScript", {script_->path(), std::string(kName)}, [this](const BusMessage& reply) {
           if (reply.isError()) return fail();
           static_cast<void>(call("start", {}, [](const BusMessage&) {}));
         });
-  }
-
-  void unload() {
-    static_cast<void>(call("unloadScript", {std::string(kName)}, [](const BusMessage&) {}));
   }
 
   void fail() {
@@ -139,6 +143,7 @@ class KWinFrontSource final : public FrontSource {
   std::string owner_;  // of KWin's name
   std::optional<ScriptFile> script_;
   BusSlot calls_;
+  BusSlot unloading_;
   BusSlot loading_;
   std::optional<BusName> kwin_;
 };
