@@ -86,7 +86,7 @@ std::string usageCsv(const Usage& usage, const std::vector<Grouping>& by, std::s
 }  // namespace
 
 struct RecordData::Row {
-  const char* kind;
+  const char* kind = nullptr;
   Date start;
   std::optional<Date> end;
   std::optional<std::string> appName;

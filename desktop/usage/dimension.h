@@ -16,7 +16,7 @@ namespace tessum {
 
 // A group, and until when a session stays in it.
 struct GroupSpan {
-  int group;  // from 0
+  int group = 0;
   Date end;
 };
 

@@ -30,10 +30,12 @@ std::uint32_t numberFrom(const std::string& text) {
 }  // namespace
 
 std::optional<FocusedWindow> readFocusedWindow(const BusMessage& message) {
-  using Parts = std::tuple<std::string, std::string, std::string, std::string, std::uint32_t>;
-  auto parts = message.readOne<Parts>();
-  if (parts) return std::make_from_tuple<FocusedWindow>(std::move(*parts));
   using Text = std::string;
+  if (auto parts = message.readOne<std::tuple<Text, Text, Text, Text, std::uint32_t>>()) {
+    auto& [application, instance, windowClass, title, process] = *parts;
+    return FocusedWindow{std::move(application), std::move(instance), std::move(windowClass),
+                         std::move(title), process};
+  }
   auto texts = message.read<Text, Text, Text, Text, Text>();
   if (!texts) return std::nullopt;
   auto& [application, instance, windowClass, title, process] = *texts;

@@ -95,8 +95,8 @@ class WaylandConnection {
     void operator()(wl_display* display) const;
   };
   struct Global {
-    std::uint32_t name;
-    std::uint32_t version;
+    std::uint32_t name = 0;
+    std::uint32_t version = 0;
   };
   struct Events;
 

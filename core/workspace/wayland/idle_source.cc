@@ -77,7 +77,7 @@ class WaylandIdleSource final : public IdleSource {
 
  private:
   struct News {
-    bool isIdle;
+    bool isIdle = false;
     Moment when;
   };
   struct Destroy {
