@@ -123,7 +123,7 @@ class GnomeTest : public testing::Test {
   }
 
   SystemMainLoop loop_;
-  const SystemSteadyClock clock_;
+  const SystemSteadyClock clock_{};
   PrivateBus place_;
   const TemporaryFolder folder_;
   const ScopedVariable address_{"DBUS_SESSION_BUS_ADDRESS", place_.address().c_str()};

@@ -39,7 +39,7 @@ class FrontSourceWaylandTest : public testing::Test {
   }
 
   SystemMainLoop loop_;
-  const SystemSteadyClock clock_;
+  const SystemSteadyClock clock_{};
   FakeCompositor compositor_;
   std::unique_ptr<FrontSource> source_;
   std::vector<std::string> notices_;

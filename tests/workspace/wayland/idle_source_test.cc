@@ -41,7 +41,7 @@ class IdleSourceWayland : public testing::TestWithParam<FakeCompositor::Idle> {
   }
 
   SystemMainLoop loop_;
-  const SystemSteadyClock clock_;
+  const SystemSteadyClock clock_{};
   FakeCompositor compositor_{GetParam()};
   std::unique_ptr<IdleSource> source_;
   Told told_;
