@@ -79,7 +79,7 @@ class GroupTable {
            {std::to_string(percent) + "%"},
            {counted(group.total.sessions, "session"), Tone::faint},
            {bar(shareOf(seconds, whole), kBarColumns), level == 0 ? Tone::accent : Tone::faint}});
-      add(group.groups, level + 1);
+      if (!group.groups.empty()) add(group.groups, level + 1);
     }
   }
 

@@ -101,8 +101,8 @@ struct FakeCompositor::Offers {
 FakeCompositor::FakeCompositor(Idle idle)
     : display_(wl_display_create()), wakeUp_(eventfd(0, EFD_CLOEXEC)) {
   if (wl_display_add_socket(display_, kDisplay) != 0) throw std::runtime_error("no display");
-  wl_event_loop_add_fd(wl_display_get_event_loop(display_), wakeUp_, WL_EVENT_READABLE,
-                       Offers::onWakeUp, this);
+  wakeUpSource_ = wl_event_loop_add_fd(wl_display_get_event_loop(display_), wakeUp_,
+                                       WL_EVENT_READABLE, Offers::onWakeUp, this);
   wl_global_create(display_, &zwlr_foreign_toplevel_manager_v1_interface, 3, this,
                    Offers::bindManager);
   wl_global_create(display_, &wl_seat_interface, 5, this, Offers::bindSeat);
@@ -125,6 +125,7 @@ void FakeCompositor::stop() {
   run([this] { wl_display_terminate(display_); });
   thread_.join();
   wl_display_destroy_clients(display_);
+  wl_event_source_remove(wakeUpSource_);
   wl_display_destroy(display_);
 }
 

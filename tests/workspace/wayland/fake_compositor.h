@@ -68,6 +68,7 @@ class FakeCompositor {
   const ScopedVariable variable_{"XDG_RUNTIME_DIR", folder_.path().c_str()};
   wl_display* display_;
   int wakeUp_;
+  wl_event_source* wakeUpSource_ = nullptr;
   std::function<void()> task_;
   bool isStopping_ = false;
   wl_resource* manager_ = nullptr;
