@@ -35,8 +35,7 @@ using ActivityVisitor = std::function<void(const Activity&)>;
 class Database final : public SessionWriter {
  public:
   // Opens the file at `path`, creating it, for the user alone (0600), and its tables where they are
-  // missing. Throws
-  // DatabaseError. `calendar` says where days begin and must outlive the store.
+  // missing. Throws DatabaseError. `calendar` says where days begin and must outlive the store.
   Database(std::string path, const Calendar& calendar);
   ~Database() override;
   Database(const Database&) = delete;
