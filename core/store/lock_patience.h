@@ -9,6 +9,9 @@
 
 namespace tessum {
 
+// How long a program waits at its start, and the recorder at its end, for other programs' locks.
+inline constexpr double kLockPatienceSeconds = 5;
+
 // Runs `action` again every 20 ms while it throws a DatabaseError of a lock, for up to `seconds`,
 // and gives its result. Throws what it throws otherwise, and its last error after that time. It
 // blocks: only for the start of a program.

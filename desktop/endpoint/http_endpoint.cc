@@ -10,8 +10,6 @@
 namespace tessum {
 namespace {
 
-constexpr double kLockPatienceSeconds = 5;
-
 // The recorder, or another program, may be writing at this moment.
 std::shared_ptr<Database> openedStore(const std::string& path, const Calendar& calendar) {
   return outlastingLocks(kLockPatienceSeconds,

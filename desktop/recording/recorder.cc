@@ -21,9 +21,6 @@
 namespace tessum {
 namespace {
 
-// How long to wait for a lock on the database when recording begins and ends.
-constexpr double kLockPatienceSeconds = 5;
-
 // How often the lock's file is touched, to record that the recorder is running: after a crash, the
 // open session ends at that time. With the tick's interval it is never a minute old.
 constexpr double kTouchSeconds = 30;
