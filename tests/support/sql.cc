@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <array>
+#include <fstream>
 #include <memory>
 #include <stdexcept>
 
@@ -54,6 +56,16 @@ std::vector<std::string> Sql::rows(const std::string& query) {
 std::string Sql::row(const std::string& query) {
   const auto all = rows(query);
   return all.empty() ? "" : all.front();
+}
+
+std::uint32_t changeCounter(const std::string& path) {
+  constexpr std::streamoff kOffset = 24;
+  std::ifstream file(path, std::ios::binary);
+  std::array<unsigned char, 4> bytes{};
+  file.seekg(kOffset).read(reinterpret_cast<char*>(bytes.data()), bytes.size());
+  std::uint32_t count = 0;
+  for (const unsigned char byte : bytes) count = count << 8U | byte;
+  return count;
 }
 
 std::string sqliteText(int result) {

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,10 @@ class Sql {
  private:
   sqlite3* db_ = nullptr;
 };
+
+// How often the file at `path` has been written to: its change counter, as SQLite's file format has
+// it, read without a lock.
+[[nodiscard]] std::uint32_t changeCounter(const std::string& path);
 
 // SQLite's message for a result such as SQLITE_BUSY.
 [[nodiscard]] std::string sqliteText(int result);

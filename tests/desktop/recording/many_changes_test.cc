@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <thread>
 #include <utility>
@@ -24,17 +22,6 @@ constexpr int kRequestsAtOnce = 2000;
 // In memory if the system has such a folder: this tests the sessions, not the disk.
 const char* fastFolder() {
   return std::filesystem::is_directory("/dev/shm") ? "/dev/shm" : nullptr;
-}
-
-// The number of writes to the store, from its file's change counter, read without a lock.
-std::uint32_t writesOf(const std::string& store) {
-  constexpr std::streamoff kOffset = 24;
-  std::ifstream file(store, std::ios::binary);
-  std::array<unsigned char, 4> bytes{};
-  file.seekg(kOffset).read(reinterpret_cast<char*>(bytes.data()), bytes.size());
-  std::uint32_t count = 0;
-  for (const unsigned char byte : bytes) count = count << 8U | byte;
-  return count;
 }
 
 // Like eventually(), for conditions that take less than a millisecond and are awaited thousands of
@@ -73,13 +60,13 @@ class ManyChanges : public testing::Test {
 };
 
 TEST_F(ManyChanges, EachIsOneSessionInOrder) {
-  const std::uint32_t before = writesOf(recorder_->store());
+  const std::uint32_t before = changeCounter(recorder_->store());
   Recorder::Rows expected{"D|NULL|NULL|closed"};
   for (int i = 0; i < kChanges; ++i) {
     desktop_.activate(windowOfChange(i));
     // The end of one session and the beginning of the next are one write.
     const std::uint32_t writes = before + static_cast<std::uint32_t>(i + 1);
-    ASSERT_TRUE(soon([&] { return writesOf(recorder_->store()) >= writes; })) << i;
+    ASSERT_TRUE(soon([&] { return changeCounter(recorder_->store()) >= writes; })) << i;
     expected.push_back(std::string(1, "ABC"[i % 3]) + "|NULL|NULL|closed");
   }
   expected.back() = expected.back().substr(0, 12) + "open";
@@ -93,7 +80,7 @@ TEST_F(ManyChanges, OfManyAtOnceTheLastIsRecordedAndNoneIsInvented) {
   Recorder::Rows sessions;
   std::uint32_t writes = 0;
   ASSERT_TRUE(eventually([&] {
-    if (std::exchange(writes, writesOf(recorder_->store())) != writes) return false;
+    if (std::exchange(writes, changeCounter(recorder_->store())) != writes) return false;
     sessions = recorder_->sessions();
     return sessions.size() > 1 && sessions.back() == "D|NULL|NULL|open";
   })) << sessions.size();

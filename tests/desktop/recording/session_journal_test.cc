@@ -57,14 +57,6 @@ class SessionJournalTest : public testing::Test {
     }
   }
 
-  // The file's change counter; see SQLite's file format.
-  [[nodiscard]] std::uint32_t writes() const {
-    const std::string header = readFile(path_).substr(24, 4);
-    std::uint32_t count = 0;
-    for (const char byte : header) count = count << 8U | static_cast<unsigned char>(byte);
-    return count;
-  }
-
   TemporaryFolder folder_;
   const std::string path_ = folder_.file("activities.db");
   const SystemCalendar calendar_{};
@@ -80,12 +72,12 @@ TEST_F(SessionJournalTest, StoresTheEndOfASessionAndTheNextOneInOneWrite) {
   const auto editor = begin("Editor", 10.5);
   journal_->updateTitle(editor, "a.txt");
   ASSERT_TRUE(comesTo({"Editor|a.txt|10.5|NULL"}));
-  const auto before = writes();
+  const auto before = changeCounter(path_);
   journal_->updateEndTime(editor, {20.25});
   journal_->updateTitle(begin("Mail", 20.25), "Inbox");
   ASSERT_TRUE(comesTo({"Editor|a.txt|10.5|20.25", "Mail|Inbox|20.25|NULL"}));
   tryFor(2);
-  EXPECT_EQ(writes(), before + 1);
+  EXPECT_EQ(changeCounter(path_), before + 1);
 }
 
 TEST_F(SessionJournalTest, ALockOfAWriterDelaysSessionsAndLosesNone) {
