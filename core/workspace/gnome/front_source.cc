@@ -15,7 +15,6 @@
 #include "core/workspace/linux/focused_window.h"
 #include "core/workspace/linux/front_tracker.h"
 #include "core/workspace/linux/window_identifier.h"
-#include "core/workspace/title.h"
 
 namespace tessum {
 namespace {
@@ -90,12 +89,7 @@ class GnomeFrontSource final : public FrontSource {
   }
 
   void show(const BusMessage& message) {
-    auto focused = readFocusedWindow(message);
-    if (!focused) return;
-    if (focused->isNone()) return tracker_.show(std::nullopt, clock_.now());
-    FrontWindow window = identifier_.identify(describe(*focused, identifier_.hostName()));
-    window.title = titleFrom(std::move(focused->title));
-    tracker_.show(window, clock_.now());
+    showFocusedWindow(message, identifier_, clock_.now(), tracker_);
   }
 
   SystemMainLoop& loop_;

@@ -1,15 +1,22 @@
 // Windows in front on KWin, as a script in it tells them.
 //
-// KWin reads the script from a file and runs it until it is unloaded by its name. A script that a
-// recorder has left behind, as after a crash, calls a program that is gone; it is unloaded first.
+// KWin reads the script from a file and runs it until it is unloaded by its name. Several programs
+// may each have one, as the doctor beside the recorder, so a script is named after its process, and
+// so is its file. A program that was killed leaves both behind; the next one removes them.
 
 #include "core/workspace/kwin/front_source.h"
 
-#include <stdlib.h>
+#include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -20,7 +27,6 @@
 #include "core/workspace/linux/focused_window.h"
 #include "core/workspace/linux/front_tracker.h"
 #include "core/workspace/linux/window_identifier.h"
-#include "core/workspace/title.h"
 
 namespace tessum {
 namespace {
@@ -28,14 +34,32 @@ namespace {
 constexpr char kKWin[] = "org.kde.KWin";
 constexpr char kPath[] = "/Scripting";
 constexpr char kScripting[] = "org.kde.kwin.Scripting";
-constexpr char kName[] = "com.tessum.FocusedWindow";
+constexpr char kName[] = "com.tessum.FocusedWindow.";  // and the process id
+
+std::filesystem::path scriptFolder() {
+  return environment("XDG_RUNTIME_DIR", "/tmp");
+}
+
+// The names of scripts whose programs are gone.
+std::vector<std::string> abandonedScripts() {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (const auto& file : std::filesystem::directory_iterator(scriptFolder(), error)) {
+    const std::string name = file.path().filename();
+    if (!name.starts_with(kName)) continue;
+    const auto process = std::atoi(name.c_str() + std::size(kName) - 1);
+    if (process > 0 && kill(process, 0) != 0 && errno == ESRCH) names.push_back(name);
+  }
+  return names;
+}
 
 // A file for the user alone, which goes with the object.
 class ScriptFile {
  public:
-  explicit ScriptFile(const std::string& text)
-      : path_(environment("XDG_RUNTIME_DIR", "/tmp") + "/tessum-kwin-XXXXXX") {
-    const Descriptor file(mkstemp(path_.data()));
+  ScriptFile(const std::string& name, const std::string& text) : path_(scriptFolder() / name) {
+    unlink(path_.c_str());  // of an earlier process with our id
+    const Descriptor file(
+        open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
     isWritten_ = file.number() >= 0 && write(file.number(), text.data(), text.size()) ==
                                            static_cast<ssize_t>(text.size());
   }
@@ -63,7 +87,7 @@ class KWinFrontSource final : public FrontSource {
 
   ~KWinFrontSource() override {
     if (owner_.empty()) return;
-    static_cast<void>(call("unloadScript", {std::string(kName)}, [](const BusMessage&) {}));
+    static_cast<void>(call("unloadScript", {name_}, [](const BusMessage&) {}));
   }
 
   void start(Handler handler) override {
@@ -98,20 +122,23 @@ class KWinFrontSource final : public FrontSource {
                               .interface = kKWinScriptInterface,
                               .member = kKWinScriptMember},
                              [this](const BusMessage& call) { show(call); });
-    script_.emplace(kwinScript(session_->uniqueName()));
+    for (const std::string& name : abandonedScripts()) {
+      static_cast<void>(call("unloadScript", {name}, [](const BusMessage&) {}));
+      unlink((scriptFolder() / name).c_str());
+    }
+    script_.reset();
+    script_.emplace(name_, kwinScript(session_->uniqueName()));
     if (!script_->isWritten()) return fail();
     // KWin refuses to load a script whose name has just been unloaded until it has come back to its
     // main loop, as it has when the answer is here.
-    unloading_ =
-        call("unloadScript", {std::string(kName)}, [this](const BusMessage&) { loadUnloaded(); });
+    unloading_ = call("unloadScript", {name_}, [this](const BusMessage&) { loadUnloaded(); });
   }
 
   void loadUnloaded() {
-    loading_ =
-        call("loadScript", {script_->path(), std::string(kName)}, [this](const BusMessage& reply) {
-          if (reply.isError()) return fail();
-          static_cast<void>(call("start", {}, [](const BusMessage&) {}));
-        });
+    loading_ = call("loadScript", {script_->path(), name_}, [this](const BusMessage& reply) {
+      if (reply.isError()) return fail();
+      static_cast<void>(call("start", {}, [](const BusMessage&) {}));
+    });
   }
 
   void fail() {
@@ -126,12 +153,7 @@ class KWinFrontSource final : public FrontSource {
   }
 
   void show(const BusMessage& message) {
-    auto focused = readFocusedWindow(message);
-    if (!focused) return;
-    if (focused->isNone()) return tracker_.show(std::nullopt, clock_.now());
-    FrontWindow window = identifier_.identify(describe(*focused, identifier_.hostName()));
-    window.title = titleFrom(std::move(focused->title));
-    tracker_.show(window, clock_.now());
+    showFocusedWindow(message, identifier_, clock_.now(), tracker_);
   }
 
   const SteadyClock& clock_;
@@ -140,7 +162,8 @@ class KWinFrontSource final : public FrontSource {
   const WorkspaceNoticeHandler notice_;
   Handler handler_;
   FrontTracker tracker_;
-  std::string owner_;  // of KWin's name
+  const std::string name_ = kName + std::to_string(getpid());  // of the script
+  std::string owner_;                                          // of KWin's name
   std::optional<ScriptFile> script_;
   BusSlot calls_;
   BusSlot unloading_;

@@ -51,4 +51,14 @@ WindowDescription describe(const FocusedWindow& window, const std::string& hostN
           .clientMachine = hostName};
 }
 
+void showFocusedWindow(const BusMessage& message, WindowIdentifier& identifier, Moment now,
+                       FrontTracker& tracker) {
+  auto focused = readFocusedWindow(message);
+  if (!focused) return;
+  if (focused->isNone()) return tracker.show(std::nullopt, now);
+  FrontWindow window = identifier.identify(describe(*focused, identifier.hostName()));
+  window.title = titleFrom(std::move(focused->title));
+  tracker.show(window, now);
+}
+
 }  // namespace tessum

@@ -8,7 +8,9 @@
 #include <string>
 
 #include "core/bus/bus_message.h"
+#include "core/workspace/linux/front_tracker.h"
 #include "core/workspace/linux/front_window.h"
+#include "core/workspace/linux/window_identifier.h"
 
 namespace tessum {
 
@@ -30,6 +32,10 @@ struct FocusedWindow {
 // Reads an answer or a signal of the extension, or a call of the script, which gives the process as
 // a text. Absent when it has other types. Main thread only.
 [[nodiscard]] std::optional<FocusedWindow> readFocusedWindow(const BusMessage& message);
+
+// Shows `tracker` the window that `message` tells of, if it can be read. Main thread only.
+void showFocusedWindow(const BusMessage& message, WindowIdentifier& identifier, Moment now,
+                       FrontTracker& tracker);
 
 // What the window says about its application, cut to what can be kept. The process is one of the
 // machine called `hostName`. Any thread.
