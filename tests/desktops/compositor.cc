@@ -23,7 +23,6 @@ bool isInstalled(const std::string& program) {
 }
 
 Compositor::Compositor() : TestDesktop(User::ordinary) {
-  setBuses("unix:path=/nonexistent", "unix:path=/nonexistent");
   run("mkdir", {"-m", "700", home().file("run")});
 }
 
@@ -45,15 +44,32 @@ void Compositor::setDisplays(const std::string& wayland, const std::string& x11)
   displays_ = {"WAYLAND_DISPLAY=" + wayland, "DISPLAY=" + x11};
 }
 
-void Compositor::setBuses(const std::string& session, const std::string& system) {
-  buses_ = {"DBUS_SESSION_BUS_ADDRESS=" + session, "DBUS_SYSTEM_BUS_ADDRESS=" + system};
+std::string Compositor::startBuses() {
+  session_ = startBus("session");
+  system_ = startBus("system");
+  logind_ = start(TESSUM_LOGIN_MANAGER, {});
+  if (!logind_->readLine()) throw std::runtime_error("no logind: " + logind_->errors());
+  return session_;
+}
+
+std::string Compositor::startBus(const std::string& name) {
+  const std::string address = "unix:path=" + runtimeFile(name);
+  writeFile(home().file(name + ".conf"),
+            "<busconfig><listen>" + address +
+                "</listen><policy context='default'><allow user='*'/><allow send_destination='*' "
+                "eavesdrop='true'/><allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
+  buses_.push_back(start("dbus-daemon", {"--config-file=" + home().file(name + ".conf"), "--nofork",
+                                         "--nopidfile", "--print-address"}));
+  if (!buses_.back()->readLine()) throw std::runtime_error("no bus: " + buses_.back()->errors());
+  return address;
 }
 
 // Without a bus GTK would look for the one of accessibility, and wait.
 std::vector<std::string> Compositor::variables() const {
-  std::vector<std::string> all{"XDG_RUNTIME_DIR=" + home().file("run"), "NO_AT_BRIDGE=1"};
+  std::vector<std::string> all{"XDG_RUNTIME_DIR=" + home().file("run"), "NO_AT_BRIDGE=1",
+                               "DBUS_SESSION_BUS_ADDRESS=" + session_,
+                               "DBUS_SYSTEM_BUS_ADDRESS=" + system_, "XDG_SESSION_ID=7"};
   all.insert(all.end(), displays_.begin(), displays_.end());
-  all.insert(all.end(), buses_.begin(), buses_.end());
   return all;
 }
 

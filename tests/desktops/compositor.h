@@ -29,6 +29,10 @@ class Compositor : public TestDesktop {
   void freeze() { process_->kill(SIGSTOP); }
   void thaw() { process_->kill(SIGCONT); }
 
+  // logind, where there is one, wants the screen to be locked, or unlocked.
+  void lock() const { logind_->writeLine("Lock"); }
+  void unlock() const { logind_->writeLine("Unlock"); }
+
   // Adds a desktop entry for the recorder; `keys` are further lines.
   void addDesktopEntry(const std::string& id, const std::string& name,
                        const std::string& keys = "") const;
@@ -51,14 +55,20 @@ class Compositor : public TestDesktop {
   // The displays that the compositor has made.
   void setDisplays(const std::string& wayland, const std::string& x11);
 
-  // Where the bus is that its programs find, of the session and of the system.
-  void setBuses(const std::string& session, const std::string& system);
+  // Gives it and its programs buses of their own, of the session and of the system, and a logind.
+  // Returns the address of the session's.
+  std::string startBuses();
 
   [[nodiscard]] std::vector<std::string> variables() const override;
 
  private:
+  [[nodiscard]] std::string startBus(const std::string& name);
+
   std::vector<std::string> displays_{"WAYLAND_DISPLAY=", "DISPLAY="};
-  std::vector<std::string> buses_;
+  std::string session_ = "unix:path=/nonexistent";  // the addresses of the buses
+  std::string system_ = session_;
+  std::vector<std::unique_ptr<ChildProcess>> buses_;
+  std::unique_ptr<ChildProcess> logind_;
   std::unique_ptr<ChildProcess> process_;
 };
 

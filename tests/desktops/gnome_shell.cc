@@ -41,11 +41,7 @@ void GnomeShell::Close::operator()(sd_bus* bus) const {
 
 GnomeShell::GnomeShell(Extension extension)
     : extension_(shellExtensionFor(run(kProgram, {"--version"}).substr(kVersionStart))) {
-  const std::string session = startBus("session");
-  setBuses(session, startBus("system"));
-  connect(session);
-  logind_ = start(TESSUM_LOGIN_MANAGER, {});
-  expect(logind_->readLine().has_value(), "no logind");
+  connect(startBuses());
 
   run("mkdir", {"-p", home().file("config/glib-2.0/settings")});
   const std::string enabled = extension == Extension::turnedOn ? "'" + extension_ + "'" : "";
@@ -57,8 +53,7 @@ GnomeShell::GnomeShell(Extension extension)
 
   launch(kProgram,
          {"--headless", "--wayland", "--virtual-monitor", "1280x800", "--wayland-display", "gnome"},
-         {"GSETTINGS_BACKEND=keyfile", "LIBGL_ALWAYS_SOFTWARE=1", "XDG_SESSION_ID=7",
-          "XDG_CURRENT_DESKTOP=GNOME"},
+         {"GSETTINGS_BACKEND=keyfile", "LIBGL_ALWAYS_SOFTWARE=1", "XDG_CURRENT_DESKTOP=GNOME"},
          [this] { return isOverviewShown(); });
   const std::string said = errors();
   std::smatch x11;
@@ -123,18 +118,6 @@ bool GnomeShell::isOverviewShown() const {
   return sd_bus_get_property_trivial(bus_.get(), kShell, kShellPath, kShell, "OverviewActive",
                                      nullptr, 'b', &isShown) >= 0 &&
          isShown != 0;
-}
-
-std::string GnomeShell::startBus(const std::string& name) {
-  const std::string address = "unix:path=" + runtimeFile(name);
-  writeFile(home().file(name + ".conf"),
-            "<busconfig><listen>" + address +
-                "</listen><policy context='default'><allow user='*'/><allow send_destination='*' "
-                "eavesdrop='true'/><allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
-  buses_.push_back(start("dbus-daemon", {"--config-file=" + home().file(name + ".conf"), "--nofork",
-                                         "--nopidfile", "--print-address"}));
-  expect(buses_.back()->readLine().has_value(), "no bus");
-  return address;
 }
 
 void GnomeShell::connect(const std::string& address) {

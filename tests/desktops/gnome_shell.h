@@ -41,10 +41,6 @@ class GnomeShell final : public Compositor {
   // Shows the overview, or leaves it.
   void setOverview(bool isShown) const;
 
-  // logind wants the screen to be locked, or unlocked.
-  void lock() const { logind_->writeLine("Lock"); }
-  void unlock() const { logind_->writeLine("Unlock"); }
-
  protected:
   [[nodiscard]] std::vector<std::string> variables() const override;
 
@@ -53,15 +49,12 @@ class GnomeShell final : public Compositor {
     void operator()(sd_bus* bus) const;
   };
 
-  [[nodiscard]] std::string startBus(const std::string& name);
   void connect(const std::string& address);
   void callExtension(const char* method) const;
   void startInput();
   [[nodiscard]] bool isOverviewShown() const;
 
-  const std::string extension_;  // that fits the shell
-  std::vector<std::unique_ptr<ChildProcess>> buses_;
-  std::unique_ptr<ChildProcess> logind_;
+  const std::string extension_;         // that fits the shell
   std::unique_ptr<sd_bus, Close> bus_;  // a connection to the session's
   std::string input_;                   // the path of a remote desktop's session
 };

@@ -8,11 +8,7 @@ namespace tessum {
 // The program as it is installed has a power that not every container can grant, so a copy without
 // it runs. KWin tells its X11 display to the programs that it starts.
 KWin::KWin(Permission permission) {
-  const std::string address = "unix:path=" + runtimeFile("bus");
-  setBuses(address, "unix:path=/nonexistent");
-  bus_ = start("dbus-daemon", {"--session", "--nofork", "--print-address", "--address=" + address});
-  if (!bus_->readLine()) throw std::runtime_error("no bus: " + bus_->errors());
-
+  startBuses();
   run("mkdir", {"-p", home().file("bin"), home().file("data/applications")});
   const std::string program = home().file("bin/kwin_wayland");
   std::filesystem::copy_file(run("sh", {"-c", "command -v kwin_wayland"}), program);
@@ -28,7 +24,7 @@ KWin::KWin(Permission permission) {
   std::filesystem::permissions(tell, std::filesystem::perms{0755});
   launch(program,
          {"--virtual", "--xwayland", "--width", "1280", "--height", "800", "--no-global-shortcuts",
-          "--no-lockscreen", "--socket", "wayland-test", tell},
+          "--socket", "wayland-test", tell},
          {"KWIN_COMPOSE=Q"}, [&] { return std::filesystem::exists(told); });
   std::string x11;
   std::istringstream(readFile(told)) >> x11;

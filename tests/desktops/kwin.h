@@ -2,13 +2,15 @@
 
 #pragma once
 
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "tests/desktops/compositor.h"
 
 namespace tessum {
 
-class KWin final : public Compositor {
+class KWin : public Compositor {
  public:
   static constexpr const char* kProgram = "kwin_wayland";
 
@@ -37,8 +39,31 @@ class KWin final : public Compositor {
   void allow(const std::string& program, const std::string& interface) const;
   [[nodiscard]] std::string call(const std::string& member,
                                  const std::vector<std::string>& arguments) const;
+};
 
-  std::unique_ptr<ChildProcess> bus_;
+// One that does not let the recorder see its windows on Wayland.
+class RefusingKWin final : public KWin {
+ public:
+  RefusingKWin() : KWin(Permission::refused) {}
+};
+
+// A test with a recorder, whose windows are dialogs, which are native, and X11 terminals.
+template <typename Desktop>
+class KWinTest : public CompositorTest<Desktop> {
+ protected:
+  void SetUp() override {
+    CompositorTest<Desktop>::SetUp();
+    if (this->IsSkipped()) return;
+    this->desktop_->addDesktopEntry("debian-xterm", "X Terminal of the Test",
+                                    "StartupWMClass=XTerm");
+  }
+
+  [[nodiscard]] std::unique_ptr<ChildProcess> showDialog(const std::string& title) {
+    return this->desktop_->start("zenity", {"--info", "--title", title, "--text", "What?"});
+  }
+
+  const std::string dialogRow_ = "zenity|zenity|Question";
+  const std::string xtermRow_ = "X Terminal of the Test|debian-xterm|";
 };
 
 }  // namespace tessum

@@ -1,30 +1,19 @@
 // `Tessum record` on a KWin that does not let it see the windows on Wayland: a script tells of
 // them.
 
+#include <gmock/gmock.h>
+
 #include "tests/desktops/kwin.h"
 #include "tests/support/eventually.h"
 
 namespace tessum {
 namespace {
 
-class KWinScriptRecording : public CompositorTest<KWin> {
- protected:
-  void SetUp() override {
-    CompositorTest::SetUp();
-    if (IsSkipped()) return;
-    desktop_.reset();
-    desktop_.emplace(KWin::Permission::refused);
-    desktop_->addDesktopEntry("debian-xterm", "X Terminal of the Test", "StartupWMClass=XTerm");
-  }
-
-  const std::string dialogRow_ = "zenity|zenity|Question";
-  const std::string xtermRow_ = "X Terminal of the Test|debian-xterm|";
-};
+using KWinScriptRecording = KWinTest<RefusingKWin>;
 
 TEST_F(KWinScriptRecording, WritesWhatAPersonDoes) {
   record({"--away-after", "never"});
-  const auto dialog =
-      desktop_->start("zenity", {"--info", "--title", "Question", "--text", "What?"});
+  const auto dialog = showDialog("Question");
   ASSERT_TRUE(shows(dialogRow_));
   Terminal xterm(*desktop_, "xterm", "an X11 window");
   ASSERT_TRUE(shows(xtermRow_ + "an X11 window"));
@@ -44,8 +33,7 @@ TEST_F(KWinScriptRecording, WritesWhatAPersonDoes) {
 }
 
 TEST_F(KWinScriptRecording, GoesOnAfterARecorderThatWasKilled) {
-  const auto dialog =
-      desktop_->start("zenity", {"--info", "--title", "Question", "--text", "What?"});
+  const auto dialog = showDialog("Question");
   record({"--away-after", "never"});
   ASSERT_TRUE(shows(dialogRow_));
   recorder_->process().kill(SIGKILL);
@@ -56,6 +44,17 @@ TEST_F(KWinScriptRecording, GoesOnAfterARecorderThatWasKilled) {
     const auto sessions = recorder_->sessions();
     return !sessions.empty() && sessions.back() == xtermRow_ + "an X11 window|open";
   }));
+}
+
+TEST_F(KWinScriptRecording, GoesOnBesideADoctor) {
+  const auto dialog = showDialog("Question");
+  record({"--away-after", "never"});
+  ASSERT_TRUE(shows(dialogRow_));
+  const auto doctor = desktop_->start(desktop_->recorderProgram(TESSUM_PROGRAM), {"doctor"});
+  EXPECT_THAT(doctor->readRest(), testing::HasSubstr("a script in KWin"));
+  const Terminal xterm(*desktop_, "xterm", "an X11 window");
+  ASSERT_TRUE(shows(xtermRow_ + "an X11 window"));
+  stopRecorder();
 }
 
 }  // namespace

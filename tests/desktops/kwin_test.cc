@@ -9,22 +9,7 @@ namespace {
 
 constexpr ExitStatus kFailed{.code = 1, .signal = {}};
 
-class KWinRecording : public CompositorTest<KWin> {
- protected:
-  void SetUp() override {
-    CompositorTest::SetUp();
-    if (IsSkipped()) return;
-    desktop_->addDesktopEntry("debian-xterm", "X Terminal of the Test", "StartupWMClass=XTerm");
-  }
-
-  // Shows a dialog, a native window.
-  [[nodiscard]] std::unique_ptr<ChildProcess> showDialog(const std::string& title) {
-    return desktop_->start("zenity", {"--info", "--title", title, "--text", "What?"});
-  }
-
-  const std::string dialogRow_ = "zenity|zenity|Question";
-  const std::string xtermRow_ = "X Terminal of the Test|debian-xterm|";
-};
+using KWinRecording = KWinTest<KWin>;
 
 TEST_F(KWinRecording, WritesWhatAPersonDoes) {
   record();
@@ -82,6 +67,17 @@ TEST_F(KWinRecording, EndsWithTheLastInputAndBeginsWithTheNext) {
   ASSERT_TRUE(showsNothing());
   desktop_->touch();
   EXPECT_TRUE(shows(dialogRow_));
+  stopRecorder();
+}
+
+TEST_F(KWinRecording, NothingIsInFrontWhileTheScreenIsLocked) {
+  const auto dialog = showDialog("Question");
+  record({"--away-after", "never"});
+  ASSERT_TRUE(shows(dialogRow_));
+  desktop_->lock();
+  ASSERT_TRUE(showsNothing());
+  desktop_->unlock();
+  ASSERT_TRUE(shows(dialogRow_));
   stopRecorder();
 }
 
