@@ -38,7 +38,9 @@ EntryReport checkEntry(const json::Value& entry) {
     if (const auto* command = textMember(*object, "command")) {
       return {"stdio", problemOfCommand(*command)};
     }
-    if (const auto* url = textMember(*object, "url")) return {"HTTP", problemOfURL(*url)};
+    for (const char* key : {"url", "httpUrl"}) {
+      if (const auto* url = textMember(*object, key)) return {"HTTP", problemOfURL(*url)};
+    }
   }
   return {"unknown", "it names neither a program nor a URL"};
 }

@@ -2,21 +2,17 @@
 
 #include <system_error>
 
-#include "core/install/mcp_client.h"
-#include "desktop/clients/client_files.h"
-#include "desktop/clients/config_file.h"
+#include "desktop/clients/assistants.h"
+#include "desktop/clients/registration.h"
 
 namespace tessum {
 
 std::vector<std::string> registeredClients(const Host& host) {
   std::vector<std::string> names;
-  for (const MCPClient client : MCPClient::allCases()) {
-    const std::string file = clientFiles(client, host.locations).front();
+  for (const Assistant& assistant : knownAssistants(host.locations)) {
     try {
-      const ConfigFile config = lookAt(host.files, file);
-      if (config.object && tessumEntry(*config.object) != nullptr) {
-        names.emplace_back(client.displayName());
-      }
+      const RegistrationFile file{assistant.files.front(), assistant.format};
+      if (registrationIn(file, host).entry) names.emplace_back(assistant.name);
     } catch (const std::system_error&) {
     }
   }

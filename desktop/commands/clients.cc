@@ -5,39 +5,37 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <vector>
 
 #include "core/base/text.h"
-#include "core/install/mcp_client.h"
-#include "core/install/mcp_installer.h"
-#include "desktop/clients/client_files.h"
-#include "desktop/clients/config_file.h"
-#include "desktop/clients/endpoint_state.h"
-#include "desktop/clients/entry_check.h"
+#include "desktop/clients/assistants.h"
+#include "desktop/clients/registration.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/reports/text_layout.h"
 
 namespace tessum {
 namespace {
 
+using Outcome = RegistrationChange::Outcome;
+
 // The arguments of install and uninstall.
 struct Targets {
   std::vector<std::string> names;
   bool all = false;
   std::string file;
+  bool isDryRun = false;
 };
 
-// One application of the catalogue, or a file of another application.
+// One known application, or a file of another one.
 struct Target {
-  std::optional<MCPClient> client;
-  std::vector<std::string> files;  // the first is the one that is read
+  std::optional<Assistant> assistant;
+  std::vector<RegistrationFile> files;  // the first is the one that is read
 
   [[nodiscard]] std::string name() const {
-    return client ? std::string(client->displayName()) : files.front();
+    return assistant ? std::string(assistant->name) : files.front().path;
   }
 };
 
@@ -50,29 +48,33 @@ void note(const std::string& text) {
   std::fprintf(stderr, "%s\n", text.c_str());
 }
 
-MCPClient clientArgument(const std::string& name) {
+Target targetOf(const Assistant& assistant) {
+  Target target{.assistant = assistant, .files = {}};
+  for (const std::string& file : assistant.files) {
+    target.files.push_back({file, assistant.format});
+  }
+  return target;
+}
+
+Target nameArgument(const std::string& name, const Host& host) {
+  if (const auto assistant = assistantNamed(name, host.locations)) return targetOf(*assistant);
   std::string known;
-  for (const MCPClient client : MCPClient::allCases()) {
-    if (lowerCaseAscii(client.rawValue()) == lowerCaseAscii(name)) return client;
-    known += (known.empty() ? "\"" : ", \"") + std::string(client.rawValue()) + "\"";
+  for (const Assistant& assistant : knownAssistants(host.locations)) {
+    known += (known.empty() ? "\"" : ", \"") + std::string(assistant.name) + "\"";
   }
   throw CLI::ValidationError("there is no application \"" + name + "\"; the known ones are " +
                              known + "; for any other, give its file with --file");
 }
 
+// The targets that are named; none when `--all` stands for them.
 std::vector<Target> targetsArgument(const Targets& given, const Host& host) {
   std::vector<Target> targets;
-  const auto add = [&](MCPClient client) {
-    targets.push_back({client, clientFiles(client, host.locations)});
-  };
-  for (const std::string& name : given.names) add(clientArgument(name));
-  if (given.all) {
-    for (const MCPClient client : MCPClient::allCases()) add(client);
-  }
+  for (const std::string& name : given.names) targets.push_back(nameArgument(name, host));
   if (!given.file.empty()) {
-    targets.push_back({std::nullopt, {std::filesystem::absolute(given.file).string()}});
+    const auto path = std::filesystem::absolute(given.file).lexically_normal();
+    targets.push_back({std::nullopt, {{path.string(), {}}}});
   }
-  if (targets.empty()) {
+  if (targets.empty() && !given.all) {
     throw CLI::ValidationError("name an application, or give --all or --file PATH");
   }
   return targets;
@@ -81,29 +83,31 @@ std::vector<Target> targetsArgument(const Targets& given, const Host& host) {
 ////////////////////////////////////////////////////////////////////////////////////////////////
 // clients
 
-void addRow(Table& table, const Host& host, MCPClient client, const std::string& file,
-            bool isReadByClient) {
+void addRow(Table& table, const Host& host, const Assistant& assistant, const std::string& file) {
   using Cell = Table::Cell;
+  const bool isRead = file == assistant.files.front();
   const auto row = [&](const char* isRegistered, const std::string& form, const Cell& works) {
-    table.addRow(
-        {Cell{std::string(client.displayName())}, {isRegistered}, {form}, works, {shown(file)}});
+    table.addRow({Cell{std::string(assistant.name)},
+                  {isPresent(assistant, host.files) ? "yes" : "no"},
+                  {isRegistered},
+                  {form},
+                  works,
+                  {shown(file)}});
   };
-  ConfigFile config;
+  Registration found;
   try {
-    config = lookAt(host.files, file);
+    found = registrationIn({file, assistant.format}, host);
   } catch (const std::system_error& error) {
     note(shown(error.what()));
     return row("unknown", "-", {"-"});
   }
-  if (config.isDamaged()) note(shown(file) + " is not a JSON object.");
-
-  const json::Value* entry = config.object ? tessumEntry(*config.object) : nullptr;
-  if (entry == nullptr) {
-    if (isReadByClient) row("no", "-", {"-"});
+  if (!found.problem.empty()) note(shown(file) + ": " + shown(found.problem) + ".");
+  if (!found.entry) {
+    if (isRead) row(found.problem.empty() ? "no" : "unknown", "-", {"-"});
     return;
   }
-  EntryReport report = checkEntry(*entry);
-  if (!isReadByClient) report.problem = "the application does not read this file";
+  EntryReport& report = *found.entry;
+  if (!isRead) report.problem = "the application does not read this file";
   const Cell works =
       report.problem.empty() ? Cell{"yes", Tone::good} : Cell{"no: " + report.problem, Tone::bad};
   row("yes", report.form, works);
@@ -111,15 +115,15 @@ void addRow(Table& table, const Host& host, MCPClient client, const std::string&
 
 void listClients(const Host& host) {
   using enum Table::Alignment;
-  Table table({left, left, left, left, left});
+  Table table({left, left, left, left, left, left});
   table.addRow({{"Application", Tone::strong},
+                {"Here", Tone::strong},
                 {"Registered", Tone::strong},
                 {"Entry", Tone::strong},
                 {"Works now", Tone::strong},
                 {"Configuration file", Tone::strong}});
-  for (const MCPClient client : MCPClient::allCases()) {
-    const auto files = clientFiles(client, host.locations);
-    for (const std::string& file : files) addRow(table, host, client, file, file == files.front());
+  for (const Assistant& assistant : knownAssistants(host.locations)) {
+    for (const std::string& file : assistant.files) addRow(table, host, assistant, file);
   }
   Paper paper = standardOutputPaper();
   paper.columns = 0;  // never cut a path
@@ -140,88 +144,117 @@ void attempt(Host& host, Work work) {
   }
 }
 
-MCPInstaller installerFor(const Host& host) {
-  return {usualEndpointURL(), host.files, host.locations};
+// Says why a file was refused.
+void refuse(const RegistrationChange& change, Host& host) {
+  note("Tessum: " + printableLines(validUtf8(change.problem)));
+  host.status = kFailure;
 }
 
-// `config` with our entry. Throws std::runtime_error when the stdio server is missing, because no
-// application could use that entry. We check the entry itself because it was made for this file.
-ConfigFile::Object withEntry(const ConfigFile& config, bool useStdio, const Host& host) {
-  auto edited =
-      installerFor(host).setTessumEntry(config.object.value_or(ConfigFile::Object()), useStdio);
-  if (useStdio && !checkEntry(*tessumEntry(edited)).problem.empty()) {
-    throw std::runtime_error(
-        "there is no TessumMCP beside this program, so no application could start it");
+void install(const Target& target, const RegistrationOptions& options, Host& host) {
+  const RegistrationFile& file = target.files.front();
+  const RegistrationChange change = registerIn(file, options, host);
+  const std::string where =
+      (target.assistant ? "with " + target.name() + " " : "") + "in " + shown(file.path) + ".\n";
+  switch (change.outcome) {
+    case Outcome::refused:
+      refuse(change, host);
+      return note(
+          "Or have the whole file rewritten, with a copy of it kept aside: give --replace.");
+    case Outcome::unchanged:
+      return print("Already registered " + where);
+    case Outcome::changed:
+      break;
   }
-  return edited;
-}
-
-void install(const Target& target, bool useStdio, const Host& host) {
-  const std::string& file = target.files.front();
-  const ConfigFile config = lookAt(host.files, file);
-  const auto edited = withEntry(config, useStdio, host);
-  if (config.isDamaged()) {
-    note(shown(file) + " is not a JSON object; a copy of it is " +
-         shown(keepCopy(host.files, file, *config.bytes)) + ".");
+  if (options.isDryRun) return printForeign(change.difference);
+  if (!change.copy.empty()) {
+    note(shown(file.path) + " was no plain JSON object; a copy of it is " + shown(change.copy) +
+         ".");
   }
-  installerFor(host).writeConfig(edited, file);
-  print("Registered " + (target.client ? "with " + target.name() + " " : "") + "in " + shown(file) +
-        ".\n");
+  print("Registered " + where);
   if (target.files.size() > 1) {
-    note(target.name() + " reads this file and not " + shown(target.files.back()) + ".");
+    note(target.name() + " reads this file and not " + shown(target.files.back().path) + ".");
   }
-  if (target.client == MCPClient::claudeDesktop) {
+  if (target.assistant && target.assistant->id == "claude-desktop") {
     note(
         "Claude Desktop rewrites its file while it runs. If it is running, quit it, repeat this "
         "command, and start it again.");
   }
 }
 
-void installAll(const std::vector<Target>& targets, bool useStdio, Host& host) {
-  for (const Target& target : targets) {
-    attempt(host, [&] { install(target, useStdio, host); });
+void installAll(const Targets& given, const RegistrationOptions& options, Host& host) {
+  std::vector<Target> targets = targetsArgument(given, host);
+  if (given.all) {
+    for (const Assistant& assistant : knownAssistants(host.locations)) {
+      if (isPresent(assistant, host.files)) targets.push_back(targetOf(assistant));
+    }
   }
-  if (!useStdio) {
+  if (targets.empty()) {
+    return print("No application that \"clients\" names is on this computer.\n");
+  }
+  for (const Target& target : targets) {
+    attempt(host, [&] { install(target, options, host); });
+  }
+  if (options.form == EntryForm::http) {
     note("Applications find Tessum only while \"Tessum record --http\" is running.");
   }
 }
 
-enum class Removal { removed, notRegistered, failed };
-
-Removal uninstallFrom(const std::string& file, Host& host) {
-  const ConfigFile config = lookAt(host.files, file);
-  if (config.isDamaged()) {
-    note("Tessum: " + shown(file) + " is not a JSON object. It was left as it is.");
-    host.status = kFailure;
-    return Removal::failed;
+// Returns whether an entry was found, or may be there.
+bool uninstallFrom(const RegistrationFile& file, const RegistrationOptions& options, Host& host) {
+  const RegistrationChange change = unregisterFrom(file, options, host);
+  switch (change.outcome) {
+    case Outcome::refused:
+      refuse(change, host);
+      return true;
+    case Outcome::unchanged:
+      return false;
+    case Outcome::changed:
+      break;
   }
-  if (!config.object || tessumEntry(*config.object) == nullptr) return Removal::notRegistered;
-  installerFor(host).writeConfig(MCPInstaller::removeTessumEntry(*config.object), file);
-  print("Removed from " + shown(file) + ".\n");
-  return Removal::removed;
+  if (options.isDryRun) {
+    printForeign(change.difference);
+  } else {
+    print("Removed from " + shown(file.path) + ".\n");
+  }
+  return true;
 }
 
-void uninstall(const Target& target, Host& host) {
-  bool isRegisteredNowhere = true;
-  for (const std::string& file : target.files) {
-    Removal removal = Removal::failed;
-    attempt(host, [&] { removal = uninstallFrom(file, host); });
-    isRegisteredNowhere &= removal == Removal::notRegistered;
+bool uninstall(const Target& target, const RegistrationOptions& options, Host& host) {
+  bool isFound = false;
+  for (const RegistrationFile& file : target.files) {
+    bool isFoundHere = true;
+    attempt(host, [&] { isFoundHere = uninstallFrom(file, options, host); });
+    isFound |= isFoundHere;
   }
-  if (isRegisteredNowhere) print("Not registered with " + shown(target.name()) + ".\n");
+  return isFound;
 }
 
-void addTargets(CLI::App& command, Targets& targets) {
+void uninstallAll(const Targets& given, Host& host) {
+  const RegistrationOptions options{.isDryRun = given.isDryRun};
+  for (const Target& target : targetsArgument(given, host)) {
+    if (!uninstall(target, options, host)) {
+      print("Not registered with " + shown(target.name()) + ".\n");
+    }
+  }
+  if (!given.all) return;
+  bool isFound = false;
+  for (const Assistant& assistant : knownAssistants(host.locations)) {
+    isFound |= uninstall(targetOf(assistant), options, host);
+  }
+  if (!isFound) print("Not registered with any application.\n");
+}
+
+void addTargets(CLI::App& command, Targets& targets, const char* all) {
   auto* names =
       command.add_option("NAME", targets.names, "applications, as \"clients\" names them")
           ->type_name("");
-  command.add_flag("--all", targets.all, "every application that \"clients\" names")
-      ->excludes(names);
+  command.add_flag("--all", targets.all, all)->excludes(names);
   command
       .add_option("--file", targets.file,
                   "the configuration file of another application that keeps its servers under "
                   "\"mcpServers\"")
       ->type_name("PATH");
+  command.add_flag("--dry-run", targets.isDryRun, "show what would change, and change nothing");
 }
 
 }  // namespace
@@ -239,36 +272,42 @@ void addClientCommands(CLI::App& app, Host& host) {
   struct InstallOptions {
     Targets targets;
     bool http = false;
+    bool isRewrite = false;
   };
   auto* installing = app.add_subcommand("install", "Register Tessum with assistant applications");
   const auto options = std::make_shared<InstallOptions>();
-  addTargets(*installing, options->targets);
+  addTargets(*installing, options->targets, "every application that is on this computer");
   installing->add_flag("--http", options->http,
                        "use the endpoint of \"Tessum record --http\" instead of starting "
                        "TessumMCP");
+  installing->add_flag("--replace", options->isRewrite,
+                       "rewrite the whole file, a copy kept aside of one that is not plain JSON");
   installing->footer(
-      "Only the entry \"tessum\" is written; the rest of the file keeps its values. A file that\n"
-      "is not a JSON object is copied first.\n\n"
+      "Only the entry \"tessum\" is written; every other byte of the file stays. A file that\n"
+      "cannot be edited safely is left as it is, and the lines to paste are shown.\n\n"
       "Examples:\n"
       "  Tessum install cursor windsurf\n"
-      "  Tessum install \"Claude Desktop\"\n"
+      "  Tessum install \"Claude Desktop\" --dry-run\n"
       "  Tessum install --all --http\n"
       "  Tessum install --file ~/.config/other/mcp.json");
   installing->callback([&host, options] {
-    installAll(targetsArgument(options->targets, host), !options->http, host);
+    installAll(options->targets,
+               {.form = options->http ? EntryForm::http : EntryForm::stdio,
+                .isDryRun = options->targets.isDryRun,
+                .isRewrite = options->isRewrite},
+               host);
   });
 
   auto* uninstalling = app.add_subcommand("uninstall", "Remove Tessum from assistant applications");
   const auto targets = std::make_shared<Targets>();
-  addTargets(*uninstalling, *targets);
+  addTargets(*uninstalling, *targets, "every application that has Tessum's entry");
   uninstalling->footer(
-      "Only the entry \"tessum\" is removed. A file without one is not touched.\n\n"
+      "Only the entry \"tessum\" is removed, and what was made for it. A file without one is not\n"
+      "touched.\n\n"
       "Examples:\n"
       "  Tessum uninstall cursor\n"
-      "  Tessum uninstall --all");
-  uninstalling->callback([&host, targets] {
-    for (const Target& target : targetsArgument(*targets, host)) uninstall(target, host);
-  });
+      "  Tessum uninstall --all --dry-run");
+  uninstalling->callback([&host, targets] { uninstallAll(*targets, host); });
 }
 
 }  // namespace tessum

@@ -4,37 +4,34 @@
 #include <system_error>
 
 #include "core/base/limits.h"
-#include "core/install/mcp_client.h"
-#include "desktop/clients/client_files.h"
-#include "desktop/clients/config_file.h"
+#include "desktop/clients/assistants.h"
 #include "desktop/clients/endpoint_state.h"
-#include "desktop/clients/entry_check.h"
+#include "desktop/clients/registration.h"
 #include "desktop/doctor/finding.h"
 
 namespace tessum {
 namespace {
 
-std::string remedyFor(const EntryReport& report, const MCPClient client) {
+std::string remedyFor(const EntryReport& report, const Assistant& assistant) {
   if (report.form == "HTTP") return "Start \"Tessum record --http\", or register anew.";
-  return "Register anew: Tessum install \"" + std::string(client.rawValue()) + "\"";
+  return "Register anew: Tessum install " + std::string(assistant.id);
 }
 
-std::vector<Finding> checkClientFile(const Host& host, MCPClient client, const std::string& file) {
-  const std::string name(client.displayName());
+std::vector<Finding> checkClientFile(const Host& host, const Assistant& assistant,
+                                     const std::string& file) {
+  const std::string name(assistant.name);
   try {
-    const ConfigFile config = lookAt(host.files, file);
-    if (config.isDamaged()) {
-      return {{name + ": " + file +
-                   " is not plain JSON, so registering the application would "
-                   "replace it.",
-               "Fix the file; comments and trailing commas are not plain JSON."}};
+    const Registration found = registrationIn({file, assistant.format}, host);
+    if (!found.problem.empty()) {
+      return {
+          {name + ": " + file + " cannot be made out: " + found.problem + ".",
+           "Fix the file, or see what \"Tessum install " + std::string(assistant.id) + "\" says."}};
     }
-    const json::Value* entry = config.object ? tessumEntry(*config.object) : nullptr;
-    if (entry == nullptr) return {};
-    const EntryReport report = checkEntry(*entry);
+    if (!found.entry) return {};
+    const EntryReport& report = *found.entry;
     if (report.problem.empty()) return {{name + " is registered in " + file + ".", ""}};
     return {{name + ": the entry in " + file + " does not work: " + report.problem + ".",
-             remedyFor(report, client)}};
+             remedyFor(report, assistant)}};
   } catch (const std::system_error& error) {
     return {{name + ": " + error.what(), "Look at the file's permissions."}};
   }
@@ -44,9 +41,9 @@ std::vector<Finding> checkClientFile(const Host& host, MCPClient client, const s
 
 std::vector<Finding> checkClients(const Host& host) {
   std::vector<Finding> findings;
-  for (const MCPClient client : MCPClient::allCases()) {
-    for (const std::string& file : clientFiles(client, host.locations)) {
-      for (auto& finding : checkClientFile(host, client, file)) findings.push_back(finding);
+  for (const Assistant& assistant : knownAssistants(host.locations)) {
+    for (const std::string& file : assistant.files) {
+      for (auto& finding : checkClientFile(host, assistant, file)) findings.push_back(finding);
     }
   }
   return findings;

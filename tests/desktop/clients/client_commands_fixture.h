@@ -49,6 +49,13 @@ class ClientCommands : public testing::Test {
     return entry.required("command").text();
   }
 
+  // Makes the folders by which the core's applications are known to be here.
+  void makeFolders() const {
+    for (const char* name : {kClaudeFile, kCursorFile, kWindsurfFile, kContinueFile}) {
+      static_cast<void>(user_.file(name));
+    }
+  }
+
   // The table's row for the file `name`, with single blanks between words; empty when there is
   // none.
   [[nodiscard]] std::string row(const char* name) const {

@@ -1,0 +1,62 @@
+// Adds and removes one entry in the text of a configuration file, and leaves every other byte.
+//
+// Each edit is verified: the text is read before and after, by a reader that is not the editor's,
+// and must differ by the entry alone. What cannot be edited in this way is refused.
+
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "core/json/value.h"
+
+namespace tessum {
+
+// Why a text cannot be edited, as a clause: "line 3: it has two members \"mcpServers\"".
+class CannotEdit : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// What an edit added. Taking it out again gives the text from before, byte for byte.
+struct Addition {
+  std::string text;               // the added text, but for the comma before it
+  bool hasComma = false;          // a comma was added behind the member before
+  bool hasContainer = false;      // the table of servers was added with it
+
+  friend bool operator==(const Addition&, const Addition&) = default;
+};
+
+struct EditedText {
+  std::string text;
+  std::optional<Addition> addition;  // absent when an entry was replaced in its place
+};
+
+// One syntax; the entry is the member `key` of the root's member `container`. Immutable. All calls
+// throw CannotEdit. An empty text is an empty root.
+class ConfigText {
+ public:
+  virtual ~ConfigText() = default;
+
+  // The entry; absent when there is none.
+  [[nodiscard]] virtual std::optional<json::Value> entry(std::string_view text) const = 0;
+
+  // `text` with `entry` added or replaced.
+  [[nodiscard]] virtual EditedText withEntry(std::string_view text,
+                                             const json::Value& entry) const = 0;
+
+  // `text` without its entry, which must exist; also without the container when it was added and
+  // is empty now. `made` says what was added when it is known, which may be out of date.
+  [[nodiscard]] virtual std::string withoutEntry(std::string_view text,
+                                                 const std::optional<Addition>& made) const = 0;
+
+  // Whether `text` holds nothing: no member and no comment.
+  [[nodiscard]] virtual bool isEmpty(std::string_view text) const = 0;
+
+  // The lines to paste into a file that has no container.
+  [[nodiscard]] virtual std::string lines(const json::Value& entry) const = 0;
+};
+
+}  // namespace tessum
