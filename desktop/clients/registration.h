@@ -42,8 +42,9 @@ struct RegistrationChange {
   };
   Outcome outcome = Outcome::unchanged;
   std::string difference = {};  // of the file's lines, as "diff -u" shows it; only when changed
-  std::string copy = {};  // the path of the copy kept aside; empty when there is none
-  std::string problem = {};  // why it was refused, and the lines to paste or to take out; else empty
+  std::string copy = {};        // the path of the copy kept aside; empty when there is none
+  std::string problem =
+      {};  // why it was refused, and the lines to paste or to take out; else empty
 };
 
 // Adds our entry, or makes it right; missing folders and a missing file are made. Throws
@@ -59,7 +60,7 @@ struct RegistrationChange {
 // What a file says about us.
 struct Registration {
   std::optional<EntryReport> entry = {};  // absent when there is no entry
-  std::string problem = {};  // why the file cannot be made out; else empty
+  std::string problem = {};               // why the file cannot be made out; else empty
 };
 
 // Checks the entry too, and so may wait a few seconds for the endpoint.

@@ -22,9 +22,9 @@ class CannotEdit : public std::runtime_error {
 
 // What an edit added. Taking it out again gives the text from before, byte for byte.
 struct Addition {
-  std::string text;               // the added text, but for the comma before it
-  bool hasComma = false;          // a comma was added behind the member before
-  bool hasContainer = false;      // the table of servers was added with it
+  std::string text;           // the added text, but for the comma before it
+  bool hasComma = false;      // a comma was added behind the member before
+  bool hasContainer = false;  // the table of servers was added with it
 
   friend bool operator==(const Addition&, const Addition&) = default;
 };

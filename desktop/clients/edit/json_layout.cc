@@ -156,8 +156,7 @@ JsonObject JsonLayout::objectAt(std::size_t open) const {
   while (uncommented_[at] != '}') {
     JsonMember member;
     const std::size_t endOfKey = endOfString(uncommented_, at);
-    const json::Value key =
-        json::parse(std::string_view(uncommented_).substr(at, endOfKey - at));
+    const json::Value key = json::parse(std::string_view(uncommented_).substr(at, endOfKey - at));
     member.key = *key.text();
     member.whole.begin = at;
     member.value.begin = skipWhiteSpace(skipWhiteSpace(endOfKey) + 1);

@@ -17,14 +17,14 @@ struct TextRange {
 };
 
 struct JsonMember {
-  std::string key;        // without escapes
-  TextRange whole = {};   // from the key's quote to the value's end
+  std::string key;       // without escapes
+  TextRange whole = {};  // from the key's quote to the value's end
   TextRange value = {};
   std::optional<std::size_t> comma = {};  // behind the value
 };
 
 struct JsonObject {
-  std::size_t open = 0;   // of its brace
+  std::size_t open = 0;  // of its brace
   std::size_t close = 0;
   std::vector<JsonMember> members = {};
 

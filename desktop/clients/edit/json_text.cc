@@ -60,8 +60,7 @@ EditedText withMember(std::string_view text, const JsonLayout& layout, const Jso
   if (object.members.empty()) {
     std::size_t at = object.open + 1;
     if (style.hasLines) at = layout.endOfCommentsBehind(at);
-    const bool isLineLeft =
-        text.substr(at, object.close - at).find('\n') != std::string_view::npos;
+    const bool isLineLeft = text.substr(at, object.close - at).find('\n') != std::string_view::npos;
     if (style.hasLines && !isLineLeft) {
       addition.text += style.lineBreak + indentationAt(text, object.open);
     }
@@ -86,9 +85,9 @@ EditedText withDocument(std::string_view text, const json::Value& document) {
   JsonStyle style;
   style.lineBreak = lineBreakOf(text);
   const bool isLineOpen = text.size() > startOfText(text) && !text.ends_with('\n');
-  Addition addition{.text = (isLineOpen ? style.lineBreak : "") + style.written(document) +
-                            style.lineBreak,
-                    .hasContainer = true};
+  Addition addition{
+      .text = (isLineOpen ? style.lineBreak : "") + style.written(document) + style.lineBreak,
+      .hasContainer = true};
   return {std::string(text) + addition.text, addition};
 }
 
@@ -97,7 +96,8 @@ TextRange rangeToRemove(std::string_view text, const JsonLayout& layout, const J
   const std::size_t end = member.comma ? *member.comma + 1 : member.whole.end;
   const std::size_t begin = text.find_last_not_of(kWhiteSpace, member.whole.begin - 1) + 1;
   const auto next = text.find_first_not_of(" \t", end);
-  const bool isLineLeft = next != std::string_view::npos && text[next] != '\n' && text[next] != '\r';
+  const bool isLineLeft =
+      next != std::string_view::npos && text[next] != '\n' && text[next] != '\r';
   // What follows on the line must not become part of a comment.
   if (isLineLeft && layout.endsLineComment(begin)) return {member.whole.begin, end};
   return {begin, end};
@@ -175,8 +175,8 @@ EditedText JsonText::withEntry(std::string_view text, const json::Value& entry) 
     if (const JsonMember* old = before.servers->find(key_)) {
       JsonStyle style = styleOf(text, before.root, *before.servers);
       style.indentation = indentationAt(text, old->whole.begin);
-      edited.text = withInsertion(withoutRange(text, old->value), old->value.begin,
-                                  style.written(entry));
+      edited.text =
+          withInsertion(withoutRange(text, old->value), old->value.begin, style.written(entry));
     } else {
       edited = withMember(text, before.layout, *before.servers, key_, entry);
     }
@@ -191,8 +191,8 @@ EditedText JsonText::withEntry(std::string_view text, const json::Value& entry) 
 std::optional<std::string> JsonText::withoutAddition(const Parsed& before,
                                                      const Addition& made) const {
   const JsonObject& object = made.hasContainer ? before.root : *before.servers;
-  const auto member = std::find_if(
-      object.members.begin(), object.members.end(), [&](const JsonMember& candidate) {
+  const auto member =
+      std::find_if(object.members.begin(), object.members.end(), [&](const JsonMember& candidate) {
         return candidate.key == (made.hasContainer ? container_ : key_);
       });
   // The first quote of what was added is that of its key.

@@ -53,8 +53,8 @@ std::string textDifference(const std::string& path, const std::optional<std::str
   const std::size_t oldEnd = old.size() - tail;
   const std::size_t nowEnd = now.size() - tail;
   std::string out = "--- " + (before ? path : "/dev/null") + "\n+++ " +
-                    (after ? path : "/dev/null") + "\n@@ -" + span(begin, oldEnd + context) +
-                    " +" + span(begin, nowEnd + context) + " @@\n";
+                    (after ? path : "/dev/null") + "\n@@ -" + span(begin, oldEnd + context) + " +" +
+                    span(begin, nowEnd + context) + " @@\n";
   append(out, ' ', old, begin, head);
   append(out, '-', old, head, oldEnd);
   append(out, '+', now, head, nowEnd);
