@@ -20,7 +20,7 @@ apt_packages() {
       echo clang curl dbus-daemon libgtest-dev libssl-dev openbox openssl strace x11-utils xdotool \
         xterm xvfb zenity
       ;;
-    desktops) echo dbus-bin foot gnome-shell kwin-wayland layer-shell-qt qtwayland5 sway swaylock xterm xwayland zenity ;;
+    desktops) echo dbus-bin foot gnome-shell i3-wm kwin-wayland layer-shell-qt qtwayland5 sway swaylock xterm xwayland zenity ;;
     package) echo dpkg-dev file ;;
     install) echo binutils cmake debootstrap ;;
     benchmark) echo libbenchmark-dev ;;
