@@ -4,18 +4,27 @@
 
 #include <cstdio>
 #include <exception>
+#include <string>
 
 #include "core/base/text.h"
 #include "core/platform/app_info.h"
 #include "core/store/database_error.h"
 #include "core/store/history.h"
 #include "desktop/command.h"
+#include "desktop/commands/command_line.h"
 #include "desktop/commands/commands.h"
+#include "desktop/commands/standard_output.h"
 #include "desktop/reports/text_layout.h"
 #include "desktop/settings/settings_reader.h"
 
 namespace tessum {
 namespace {
+
+int refuse(const std::string& mistake) {
+  std::fprintf(stderr, "Tessum: %s\nRun with --help for usage.\n",
+               printable(validUtf8(mistake)).c_str());
+  return kUsage;
+}
 
 int runCommand(int argc, char** argv) {
   const SystemClock clock;
@@ -30,9 +39,6 @@ int runCommand(int argc, char** argv) {
   app.require_subcommand(1);
   app.set_version_flag("--version", "Tessum " + SystemAppInfo().version().value_or("unknown"),
                        "print the version and exit");
-  app.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return "Tessum: " + printable(validUtf8(error.what())) + "\nRun with --help for usage.\n";
-  });
   app.footer(
       "\"Tessum COMMAND --help\" has examples. The exit status is 0 on success, 1 when the\n"
       "command failed and 2 when the command line or the settings were wrong.");
@@ -52,10 +58,19 @@ int runCommand(int argc, char** argv) {
   addSettingsCommand(app, host);
   addClientCommands(app, host);
   addUpdateCommand(app, host);
+  addCompleteCommand(app, host);
+  addHelpCommand(app);
   try {
+    requireKnownCommands(app, argc, argv);
     app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    print(app.help());
+  } catch (const CLI::CallForVersion& version) {
+    print(version.what() + std::string("\n"));
+  } catch (const CLI::ExtrasError& error) {
+    return refuse(unexpectedText(app, error));
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kSuccess : kUsage;
+    return refuse(error.what());
   }
   return host.status;
 }

@@ -17,8 +17,8 @@ apt_packages() {
         wayland-protocols
       ;;
     test)
-      echo clang curl dbus-daemon libgtest-dev libssl-dev openbox openssl strace x11-utils xdotool \
-        xterm xvfb zenity
+      echo clang curl dbus-daemon fish libgtest-dev libssl-dev openbox openssl strace x11-utils \
+        xdotool xterm xvfb zenity zsh
       ;;
     desktops) echo dbus-bin foot gnome-shell i3-wm kwin-wayland layer-shell-qt qtwayland5 sway swaylock xterm xwayland zenity ;;
     package) echo dpkg-dev file ;;

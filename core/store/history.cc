@@ -199,6 +199,23 @@ std::optional<DayRange> History::beginnings() {
   return range;
 }
 
+// Jumps in the index from each name to the next one.
+constexpr char kAppNames[] =
+    R"(WITH RECURSIVE app(name) AS (
+SELECT MIN(app_name) FROM activities
+UNION ALL
+SELECT (SELECT MIN(app_name) FROM activities WHERE app_name > name) FROM app
+WHERE name IS NOT NULL)
+SELECT name FROM app WHERE name IS NOT NULL;)";
+
+std::vector<std::string> History::appNames() {
+  Statement statement(db_.get(), kAppNames);
+  std::vector<std::string> names;
+  while (statement.nextRow()) names.push_back(statement.text(0));
+  requireComplete(db_.get());
+  return names;
+}
+
 constexpr char kNotesBehind[] =
     R"(SELECT id, text, started_at, ended_at
 FROM annotations

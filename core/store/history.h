@@ -123,6 +123,9 @@ class History {
   void visitSessionsIn(const DayRange& range, Date now,
                        const std::function<void(const Activity&)>& visit);
 
+  // The names of all applications with a session, in the order of their bytes.
+  [[nodiscard]] std::vector<std::string> appNames();
+
   // From the first to the last moment at which a session or a note began; absent where there is
   // none.
   [[nodiscard]] std::optional<DayRange> beginnings();

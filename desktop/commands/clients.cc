@@ -92,7 +92,7 @@ void addRow(Table& table, const Host& host, const Assistant& assistant, const st
                   {isRegistered},
                   {form},
                   works,
-                  {shown(file)}});
+                  {shown(file), Tone::plain, Table::Fit::whole}});
   };
   Registration found;
   try {
@@ -125,9 +125,7 @@ void listClients(const Host& host) {
   for (const Assistant& assistant : knownAssistants(host.locations)) {
     for (const std::string& file : assistant.files) addRow(table, host, assistant, file);
   }
-  Paper paper = standardOutputPaper();
-  paper.columns = 0;  // never cut a path
-  print(table.text(paper));
+  print(table.text(standardOutputPaper()));
 }
 
 ////////////////////////////////////////////////////////////////////////////////////////////////

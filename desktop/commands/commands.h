@@ -27,5 +27,6 @@ void addBackupCommand(CLI::App& app, Host& host);
 void addSettingsCommand(CLI::App& app, Host& host);
 void addClientCommands(CLI::App& app, Host& host);  // clients, install and uninstall
 void addUpdateCommand(CLI::App& app, Host& host);
+void addCompleteCommand(CLI::App& app, Host& host);
 
 }  // namespace tessum

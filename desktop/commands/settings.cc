@@ -53,7 +53,9 @@ void showSettings(const Host& host) {
   using enum Table::Alignment;
   Table table({left, left, left});
   const auto add = [&](const char* name, const std::string& value, int line) {
-    table.addRow({{name, Tone::faint}, {value}, {lineText(line), Tone::faint}});
+    table.addRow({{name, Tone::faint},
+                  {value, Tone::plain, Table::Fit::whole},
+                  {lineText(line), Tone::faint}});
   };
   add("away-after", awayAfterText(settings.awayAfter.value), settings.awayAfter.line);
   add("titles", titlesText(settings.titles.value), settings.titles.line);
@@ -62,10 +64,8 @@ void showSettings(const Host& host) {
   for (const Category& category : settings.rules.categories) {
     add("category", category.name + ":" + patternText(category.windows), category.line);
   }
-  Paper paper = standardOutputPaper();
-  paper.columns = 0;  // never cut a pattern
   print(printable(path) + (host.files.exists(path) ? "" : ", which does not exist") + "\n\n" +
-        table.text(paper));
+        table.text(standardOutputPaper()));
 }
 
 void check(const Host& host) {

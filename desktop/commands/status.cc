@@ -78,8 +78,9 @@ void showStatus(const Host& host) {
   const RecorderState recorder = recorderState(host.locations);
   using enum Table::Alignment;
   Table table({left, left});
-  const auto add = [&](const char* name, const std::string& value, Tone tone = Tone::plain) {
-    table.addRow({{name, Tone::faint}, {value, tone}});
+  const auto add = [&](const char* name, const std::string& value, Tone tone = Tone::plain,
+                       Table::Fit fit = Table::Fit::wrap) {
+    table.addRow({{name, Tone::faint}, {value, tone, fit}});
   };
   if (recorder.isRecording) {
     add("Recording",
@@ -99,15 +100,14 @@ void showStatus(const Host& host) {
     History history(path, History::Access::read);
     add("In front", sessionText(currentSession(recorder, history.openSessions()), now));
     add("Note", noteText(history.openNotes(), now));
-    add("History", path + ", " + sizeText(std::filesystem::file_size(path)));
+    add("History", path + ", " + sizeText(std::filesystem::file_size(path)), Tone::plain,
+        Table::Fit::whole);
   } catch (const NoHistory&) {
-    add("History", path + ", which does not exist yet");
+    add("History", path + ", which does not exist yet", Tone::plain, Table::Fit::whole);
   }
   add("Clients", clientsText(host));
   add("Endpoint", endpointText());
-  Paper paper = standardOutputPaper();
-  paper.columns = 0;  // never cut a path
-  print(table.text(paper));
+  print(table.text(standardOutputPaper()));
 }
 
 }  // namespace

@@ -131,6 +131,13 @@ std::string longPeriodText(const Period& period) {
   return longDateText(period.first) + " – " + longDateText(period.last);
 }
 
+const std::vector<std::string>& periodWords() {
+  static const std::vector<std::string> kWords{
+      "today",  "yesterday", "week",      "last-week", "month",  "last-month", "year",
+      "monday", "tuesday",   "wednesday", "thursday",  "friday", "saturday",   "sunday"};
+  return kWords;
+}
+
 Period parsePeriod(std::string_view text, const CalendarDate& today) {
   const std::string lower = lowerCaseAscii(text);
   const auto dots = lower.find("..");

@@ -15,6 +15,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/platform/calendar.h"
 
@@ -40,6 +41,9 @@ class PeriodError : public std::invalid_argument {
  public:
   using std::invalid_argument::invalid_argument;
 };
+
+// The periods that are plain words, such as today and last-week.
+[[nodiscard]] const std::vector<std::string>& periodWords();
 
 // The period that `text` means on the day `today`. Throws PeriodError.
 [[nodiscard]] Period parsePeriod(std::string_view text, const CalendarDate& today);

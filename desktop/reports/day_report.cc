@@ -13,8 +13,6 @@ namespace {
 
 using enum Table::Alignment;
 
-constexpr std::size_t kBarColumns = 24;
-
 std::string totalText(std::span<const Activity> sessions, Date now) {
   double seconds = 0;
   for (const Activity& session : sessions) seconds += secondsUntil(now, session);
@@ -44,7 +42,7 @@ std::string usageTable(std::span<const Activity> sessions, Date now, const Paper
                   {summary.formattedDuration()},
                   {std::to_string(percent) + "%"},
                   {counted(summary.sessionCount, "session"), Tone::faint},
-                  {bar(share, kBarColumns), Tone::accent}});
+                  Table::barCell(share, Tone::accent)});
   }
   return table.text(paper);
 }

@@ -5,8 +5,6 @@
 #include <iterator>
 #include <utility>
 
-#include "core/base/check.h"
-
 namespace tessum {
 namespace {
 
@@ -84,6 +82,19 @@ bool turnsDirection(char32_t c) {
          c == 0x200F || c == 0x061C;
 }
 
+// As much of `text` from its front as `columns` hold.
+std::string_view beginning(std::string_view text, std::size_t columns) {
+  std::string_view rest = text;
+  std::size_t width = 0;
+  while (!rest.empty()) {
+    const Character character = firstCharacter(rest);
+    width += widthOf(character.codePoint);
+    if (width > columns) break;
+    rest.remove_prefix(character.bytes.size());
+  }
+  return text.substr(0, text.size() - rest.size());
+}
+
 }  // namespace
 
 std::size_t displayWidth(std::string_view text) {
@@ -129,20 +140,34 @@ std::string printableLines(std::string_view text) {
 
 std::string shortened(std::string_view text, std::size_t columns) {
   if (displayWidth(text) <= columns) return std::string(text);
-  if (columns == 0) return {};
-  std::string out;
-  std::size_t width = 0;
-  while (true) {
-    const Character character = firstCharacter(text);
-    width += widthOf(character.codePoint);
-    if (width > columns - 1) break;
-    out += character.bytes;
-    text.remove_prefix(character.bytes.size());
+  return columns == 0 ? "" : std::string(beginning(text, columns - 1)) + "…";
+}
+
+std::vector<std::string> wrapped(std::string_view text, std::size_t columns) {
+  std::vector<std::string> lines(1);
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(' '), text.size());
+    std::string_view word = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    const std::size_t gap = lines.back().empty() ? 0 : 1;
+    if (displayWidth(lines.back()) + gap + displayWidth(word) <= columns) {
+      lines.back().append(gap, ' ') += word;
+      continue;
+    }
+    if (gap > 0) lines.emplace_back();
+    while (displayWidth(word) > columns && word.find('/') == std::string_view::npos) {
+      const std::string_view part = beginning(word, std::max<std::size_t>(columns, 2));
+      lines.back() = part;
+      lines.emplace_back();
+      word.remove_prefix(part.size());
+    }
+    lines.back() = word;
   }
-  return out + "…";
+  return lines;
 }
 
 std::string bar(double share, std::size_t columns) {
+  if (columns == 0) return {};
   constexpr const char* kEighths[] = {"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
   const double all = static_cast<double>(columns * 8);
   auto eighths = static_cast<std::size_t>(std::lround(std::clamp(share, 0.0, 1.0) * all));
@@ -175,55 +200,6 @@ std::string toned(std::string_view text, Tone tone, const Paper& paper) {
       break;
   }
   return begin + std::string(text) + "\x1b[0m";
-}
-
-void Table::addRow(std::vector<Cell> cells) {
-  TESSUM_CHECK(cells.size() == alignments_.size(), "a row needs one cell for each column");
-  for (Cell& cell : cells) cell.text = printable(cell.text);
-  rows_.push_back(std::move(cells));
-}
-
-std::string Table::text(const Paper& paper) const {
-  constexpr std::size_t kGap = 2;
-  // Of a column that others follow: names come from anywhere.
-  constexpr std::size_t kWidestColumn = 60;
-  std::vector<std::size_t> widths(alignments_.size());
-  for (const auto& row : rows_) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      widths[i] = std::max(widths[i], displayWidth(row[i].text));
-      if (i + 1 < row.size()) widths[i] = std::min(widths[i], kWidestColumn);
-    }
-  }
-  std::size_t before = 0;  // columns before the last cell
-  for (std::size_t i = 0; i < widths.size(); ++i) {
-    before += kGap + (i + 1 < widths.size() ? widths[i] : 0);
-  }
-  constexpr std::size_t kLeast = 8;  // on narrow paper lines are too long rather than empty
-  if (paper.columns > 0) {
-    const std::size_t rest = paper.columns > before ? paper.columns - before : 0;
-    widths.back() = std::min(widths.back(), std::max(rest, kLeast));
-  }
-
-  std::string out;
-  for (const auto& row : rows_) {
-    std::size_t pending = kGap;  // blanks, written only if something follows them
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      // Without an end of the line, a cell that is too wide moves the rest of its own row alone.
-      const std::string cell = paper.columns > 0 ? shortened(row[i].text, widths[i]) : row[i].text;
-      const std::size_t width = displayWidth(cell);
-      const std::size_t blanks = width < widths[i] ? widths[i] - width : 0;
-      if (alignments_[i] == Alignment::right) pending += blanks;
-      if (!cell.empty()) {
-        out.append(pending, ' ');
-        pending = 0;
-        out += toned(cell, row[i].tone, paper);
-      }
-      if (alignments_[i] == Alignment::left) pending += blanks;
-      pending += kGap;
-    }
-    out += '\n';
-  }
-  return out;
 }
 
 }  // namespace tessum

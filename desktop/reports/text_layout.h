@@ -1,9 +1,12 @@
-// Lays out text in columns, using the width that terminals give each character.
+// Lays out text in columns, using the width that terminals give each character. The bodies of Table
+// are in table.cc.
 
 #pragma once
 
 #include <concepts>
 #include <cstddef>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +42,10 @@ struct Paper {
   return std::to_string(count) + " " + noun;
 }
 
+// `text` in lines of at most `columns`, divided at blanks. A word that is wider is divided, too,
+// except one with a slash: that may be a path, and stays whole.
+[[nodiscard]] std::vector<std::string> wrapped(std::string_view text, std::size_t columns);
+
 // A bar for `share` of `columns`, in eighths of a column; any share above 0 is visible.
 [[nodiscard]] std::string bar(double share, std::size_t columns);
 
@@ -47,17 +54,33 @@ enum class Tone { plain, strong, faint, accent, good, bad };
 
 [[nodiscard]] std::string toned(std::string_view text, Tone tone, const Paper& paper);
 
-// Rows of cells in columns as wide as their widest cell. The last column takes the rest of the line
-// and is cut at the paper's width. Not thread-safe.
+// Rows of cells in columns as wide as their widest cell. On paper that is too narrow the widest
+// columns of text get narrower; what still does not fit continues in an indented line. Not
+// thread-safe.
 class Table {
  public:
-  enum class Alignment { left, right };
+  enum class Alignment {
+    left,
+    right  // for numbers and times, which are never cut
+  };
+
+  // What becomes of a text that is too wide.
+  enum class Fit {
+    cut,    // its end
+    wrap,   // into several lines; only for the last column
+    whole,  // never cut, as paths are: it gets a line of its own
+  };
   struct Cell {
     std::string text;  // made printable by the table
     Tone tone = Tone::plain;
+    Fit fit = Fit::cut;
+    std::optional<double> share = std::nullopt;  // shows a bar of that part of the column instead
   };
 
   explicit Table(std::vector<Alignment> columns) : alignments_(std::move(columns)) {}
+
+  // A bar; narrow paper has none.
+  [[nodiscard]] static Cell barCell(double share, Tone tone);
 
   // Each row has one cell for each column.
   void addRow(std::vector<Cell> cells);
@@ -66,6 +89,18 @@ class Table {
   [[nodiscard]] std::string text(const Paper& paper) const;
 
  private:
+  struct Column {
+    std::size_t width = 0;
+    std::size_t least = 0;    // to which the width may shrink
+    bool beginsLine = false;  // of the row's further lines
+  };
+
+  // As wide as the cells, or as those that are not whole.
+  [[nodiscard]] std::vector<Column> naturalColumns(bool countsWholeCells) const;
+  [[nodiscard]] std::vector<Column> columnsFor(const Paper& paper) const;
+  [[nodiscard]] static std::size_t lineWidth(std::span<const Column> line);
+  static void narrow(std::span<Column> line, std::size_t most);
+
   std::vector<Alignment> alignments_;
   std::vector<std::vector<Cell>> rows_;
 };

@@ -12,8 +12,6 @@ namespace {
 
 using enum Table::Alignment;
 
-constexpr std::size_t kBarColumns = 24;
-
 // How many titles are shown of what a rule took, or of what none took.
 constexpr std::size_t kTitles = 5;
 
@@ -78,7 +76,7 @@ class GroupTable {
            {shortDuration(seconds)},
            {std::to_string(percent) + "%"},
            {counted(group.total.sessions, "session"), Tone::faint},
-           {bar(shareOf(seconds, whole), kBarColumns), level == 0 ? Tone::accent : Tone::faint}});
+           Table::barCell(shareOf(seconds, whole), level == 0 ? Tone::accent : Tone::faint)});
       if (!group.groups.empty()) add(group.groups, level + 1);
     }
   }
@@ -101,7 +99,7 @@ std::string dayTable(const std::vector<UsageGroup>& days, const CalendarDate& fi
     table.addRow({{std::string(weekdayName(weekday)).substr(0, 3), Tone::faint},
                   {day.name.value_or("")},
                   {day.total.sessions > 0 ? shortDuration(day.total.seconds) : "–"},
-                  {bar(shareOf(day.total.seconds, largest), kBarColumns), Tone::accent}});
+                  Table::barCell(shareOf(day.total.seconds, largest), Tone::accent)});
   }
   return table.text(paper);
 }

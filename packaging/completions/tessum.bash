@@ -1,46 +1,72 @@
 # Completion of tessum for bash.
 
+# Offers what the program completes as KIND. The word at the cursor may be quoted.
+_tessum_offer() {
+  local line typed=${word//\\/}
+  [[ $word != [\"\']* ]] || typed=${word:1}
+  while IFS= read -r line; do
+    [[ $line == "$typed"* ]] || continue
+    [[ $word == [\"\']* ]] || printf -v line %q "$line"
+    COMPREPLY+=("$line")
+  done < <("${COMP_WORDS[0]/#~/$HOME}" complete "$1" "$typed" 2>/dev/null)
+}
+
 _tessum() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local command=${COMP_WORDS[1]} words=
-  local periods='today yesterday week last-week month last-month year'
+  local command=${COMP_WORDS[1]} words= kind=
+  local commands='record serve pause resume status day usage category notes search note timeline clients install uninstall
+    update doctor export forget backup settings help'
+  # Bash makes a word of the sign in --app=NAME.
+  if [ "$word" = = ]; then
+    word=
+  elif [ "$previous" = = ]; then
+    previous=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
   if [ "$COMP_CWORD" -eq 1 ]; then
-    words='record serve pause resume status day usage category notes search note timeline clients install uninstall update
-      doctor export forget backup settings --help --version'
+    words="$commands --help --version"
   else
     case $previous in
-      --from | --to | --in) words=$periods ;;
+      --from | --to | --in) kind=periods ;;
+      --app) kind=applications ;;
+      --category) kind=categories ;;
       --format) words='csv json' ;;
       --by) words='app title category note day weekday hour' ;;
       -o | --output | --file) compopt -o default ;;
       --titles) words='each last none' ;;
       --away-after) words=never ;;
-      --for | --limit | --top | --app | --title | --category) ;;
+      --for | --limit | --top | --title) ;;
       *)
         case $command in
           record) words='--http --http-open --away-after --titles --no-update-check --help' ;;
           serve) words='--open --help' ;;
-          day) words="$periods --app --title --category --json --csv --plain --help" ;;
-          usage) words="$periods --by --top --app --title --category --json --csv --plain --help" ;;
-          category) words="try $periods --help" ;;
-          notes) words="$periods --json --csv --plain --help" ;;
+          day) words='--app --title --category --json --csv --plain --help' ;;
+          usage) words='--by --top --app --title --category --json --csv --plain --help' ;;
+          category) words='try --help' ;;
+          notes) words='--json --csv --plain --help' ;;
           search) words='--json --csv --plain --limit --in --help' ;;
           note) words='--for --end --help' ;;
-          timeline) words="$periods --output --help" ;;
+          timeline) words='--output --help' ;;
           install) words='--all --file --http --help' ;;
           uninstall) words='--all --file --help' ;;
           update) words='--download --help' ;;
           doctor) words='--mend --close-open --help' ;;
-          export) words="$periods --from --to --format --raw --help" ;;
-          forget) words="$periods --from --to --app --title --hidden --yes --help" ;;
+          export) words='--from --to --format --raw --help' ;;
+          forget) words='--from --to --app --title --hidden --yes --help' ;;
           pause) words='until 30m 1h --help' ;;
           settings) words='edit check try --help' ;;
           backup) compopt -o default ;;
+          help) words=$commands ;;
           *) words='--help' ;;
+        esac
+        case $command in
+          day | usage | category | notes | timeline | export | forget) kind=periods ;;
+          install | uninstall) kind=clients ;;
+          settings) [ "$previous" != try ] || kind=applications ;;
         esac
         ;;
     esac
   fi
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+  [ -z "$kind" ] || _tessum_offer "$kind"
 }
 complete -F _tessum tessum Tessum

@@ -29,6 +29,12 @@ Terminal::~Terminal() {
   if (screen_ >= 0) close(screen_);
 }
 
+void Terminal::type(std::string_view keys) const {
+  if (write(host_, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size())) {
+    throw std::system_error(errno, std::generic_category(), "nothing can be typed");
+  }
+}
+
 std::string Terminal::readAll() {
   close(screen_);
   screen_ = -1;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace tessum {
 
@@ -17,6 +18,9 @@ class Terminal {
 
   // The descriptor for a program's standard streams.
   [[nodiscard]] int screen() const { return screen_; }
+
+  // Types `keys`; throws std::system_error.
+  void type(std::string_view keys) const;
 
   // Everything written until the programs on the terminal have ended. Closes the screen.
   [[nodiscard]] std::string readAll();

@@ -115,5 +115,10 @@ TEST(Period, ThatIsRefusedIsQuotedWithoutHarmToATerminal) {
   }
 }
 
+TEST(PeriodWords, AreAllPeriods) {
+  for (const std::string& word : periodWords())
+    EXPECT_NO_THROW(static_cast<void>(parsePeriod(word, kToday))) << word;
+}
+
 }  // namespace
 }  // namespace tessum
