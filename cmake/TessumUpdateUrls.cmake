@@ -1,9 +1,9 @@
 # The URLs where the update checker asks for releases: deployment settings, fixed at build time.
+# Without the primary one the programs never look for a newer version.
 
-set(TESSUM_UPDATE_PRIMARY_URL "https://updates.tessum.example/" CACHE STRING
-  "Base URL of the release service")
-set(TESSUM_UPDATE_FALLBACK_URL "https://updates-fallback.tessum.example/" CACHE STRING
-  "Base URL that is asked when the primary one fails")
+set(TESSUM_UPDATE_PRIMARY_URL "" CACHE STRING "Base URL of the release service, if there is one")
+set(TESSUM_UPDATE_FALLBACK_URL "" CACHE STRING
+  "Base URL that is asked when the primary one fails; may be empty")
 
 # Sets the variable `result` to TRUE or FALSE. isBaseUrl() of core/update/urls.h rejects the same
 # texts at run time.
@@ -23,9 +23,12 @@ function(tessum_is_base_url text result)
   set(${result} TRUE PARENT_SCOPE)
 endfunction()
 
+if(TESSUM_UPDATE_FALLBACK_URL AND NOT TESSUM_UPDATE_PRIMARY_URL)
+  message(FATAL_ERROR "TESSUM_UPDATE_FALLBACK_URL is set, but TESSUM_UPDATE_PRIMARY_URL is not")
+endif()
 foreach(setting TESSUM_UPDATE_PRIMARY_URL TESSUM_UPDATE_FALLBACK_URL)
   tessum_is_base_url("${${setting}}" is_base_url)
-  if(NOT is_base_url)
+  if(NOT is_base_url AND NOT "${${setting}}" STREQUAL "")
     message(FATAL_ERROR
       "${setting} is not an absolute HTTPS URL without query and fragment: ${${setting}}")
   endif()

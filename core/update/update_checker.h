@@ -58,7 +58,8 @@ class UpdateChecker {
   template <typename T>
   using Done = std::function<void(Outcome<T>)>;
 
-  // Over the base URLs that the build was configured with. Nothing is asked yet.
+  // Over the base URLs that the build was configured with. Nothing is asked yet. A build without
+  // any must not make a checker.
   explicit UpdateChecker(const Surroundings& surroundings);
 
   // Over the given base URLs, in the order in which they are to be tried. A text that is not one,

@@ -106,10 +106,6 @@ bool isBasePath(std::string_view path) {
 
 }  // namespace
 
-std::vector<std::string> configuredBaseUrls() {
-  return {TESSUM_UPDATE_PRIMARY_URL, TESSUM_UPDATE_FALLBACK_URL};
-}
-
 // cmake/TessumUpdateUrls.cmake refuses the same texts when the build is configured.
 bool isBaseUrl(std::string_view text) {
   constexpr std::string_view kScheme = "https://";

@@ -8,7 +8,8 @@
 
 namespace tessum {
 
-// The base URLs that this build was configured with: the primary one, then the fallback.
+// The base URLs that this build was configured with: the primary one, then the fallback. Empty
+// where it has no release service.
 [[nodiscard]] std::vector<std::string> configuredBaseUrls();
 
 // Whether `text` is an absolute HTTPS URL that a path can be appended to: a host, perhaps a port

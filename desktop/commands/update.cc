@@ -10,6 +10,7 @@
 
 #include "core/loop/system_main_loop.h"
 #include "core/loop/termination_signals.h"
+#include "core/update/urls.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/update/update_dialogue.h"
 #include "desktop/update/updater.h"
@@ -29,6 +30,11 @@ void showOnTerminal(std::string_view text) {
 }
 
 int runUpdate(const Locations& locations, bool downloads) {
+  if (configuredBaseUrls().empty()) {
+    complain(
+        "this copy was built without a release service, so it never looks for newer versions\n");
+    return kFailure;
+  }
   SystemMainLoop loop;
   int status = kFailure;
   // An interrupt ends the command in an orderly way and leaves no partial download behind.
@@ -36,10 +42,11 @@ int runUpdate(const Locations& locations, bool downloads) {
   Updater updater(loop, locations);
   UpdateDialogue::Output output{.tell = print, .complain = complain, .showProgress = {}};
   if (isatty(STDERR_FILENO) != 0) output.showProgress = showOnTerminal;
-  UpdateDialogue dialogue(updater.checker(), updater.opener(), downloads, output, [&](int outcome) {
-    status = outcome;
-    loop.quit();
-  });
+  UpdateDialogue dialogue(updater.checker(), updater.opener(), downloads, systemDelivery(), output,
+                          [&](int outcome) {
+                            status = outcome;
+                            loop.quit();
+                          });
   dialogue.start();
   loop.run();
   return status;
@@ -50,7 +57,8 @@ int runUpdate(const Locations& locations, bool downloads) {
 void addUpdateCommand(CLI::App& app, Host& host) {
   auto* command = app.add_subcommand("update", "See whether there is a newer version");
   const auto downloads = std::make_shared<bool>(false);
-  command->add_flag("--download", *downloads, "download the newer version");
+  command->add_flag("--download", *downloads,
+                    "download the newer version, where the system has it as a disk image");
   command->footer(
       "Examples:\n"
       "  Tessum update\n"

@@ -13,6 +13,7 @@
 #include "core/store/database.h"
 #include "core/store/history.h"
 #include "core/store/lock_patience.h"
+#include "core/update/urls.h"
 #include "desktop/recording/left_open.h"
 #include "desktop/reports/wall_clock.h"
 #include "desktop/settings/settings_file.h"
@@ -114,8 +115,9 @@ Recorder::Recorder(const Host& host, const RecordingOptions& options)
 }
 
 void Recorder::watchForReleases() {
+  if (configuredBaseUrls().empty()) return;
   updater_.emplace(loop_, host_.locations);
-  announceReleases(updater_->checker(), [](std::string_view line) {
+  announceReleases(updater_->checker(), systemDelivery(), [](std::string_view line) {
     std::fprintf(stderr, "%.*s", static_cast<int>(line.size()), line.data());
   });
 }

@@ -35,7 +35,7 @@ class Recorder {
   Recorder(const Host& host, const RecordingOptions& options);
 
   // Checks for a newer version now and every six hours while recording, and prints one line when
-  // there is one.
+  // there is one. Does nothing in a build without a release service.
   void watchForReleases();
 
   // Also serves assistants over HTTP, from a separate process, and prints the URL. Throws what

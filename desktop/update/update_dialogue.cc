@@ -28,10 +28,12 @@ std::string announcement(const ReleaseInfo& release, const std::string& running)
 }  // namespace
 
 UpdateDialogue::UpdateDialogue(UpdateChecker& checker, const DownloadOpener& opener, bool downloads,
-                               Output output, std::function<void(int status)> onEnd)
+                               Delivery delivery, Output output,
+                               std::function<void(int status)> onEnd)
     : checker_(checker),
       opener_(opener),
       downloads_(downloads),
+      delivery_(delivery),
       output_(std::move(output)),
       onEnd_(std::move(onEnd)) {
   checker_.setOnStateChange([this](const UpdateState& state) {
@@ -55,8 +57,13 @@ void UpdateDialogue::start() {
 
 void UpdateDialogue::on(const update_state::Available& found) {
   output_.tell(announcement(found.release, version_) + "\n");
-  if (downloads_) return checker_.downloadAndInstall(found.release);
-  output_.tell("Run \"Tessum update --download\" to fetch it.\n");
+  if (downloads_ && delivery_.isDownload) return checker_.downloadAndInstall(found.release);
+  const std::string instruction = delivery_.instruction + std::string("\n");
+  if (downloads_) {
+    output_.complain("Releases are not downloaded on this system. " + instruction);
+    return onEnd_(kFailure);
+  }
+  output_.tell(instruction);
   onEnd_(kSuccess);
 }
 
@@ -100,16 +107,17 @@ std::string progressText(double fraction) {
          std::string(3 - percent.size(), ' ') + percent + " %";
 }
 
-void announceReleases(UpdateChecker& checker, Say say) {
+void announceReleases(UpdateChecker& checker, const Delivery& delivery, Say say) {
   const std::string running = checker.appVersion().value_or("");
   // Shared because each state is delivered to a copy of the observer.
   const auto announced = std::make_shared<std::string>();
-  checker.setOnStateChange([running, announced, say = std::move(say)](const UpdateState& state) {
-    const auto* found = std::get_if<update_state::Available>(&state);
-    if (found == nullptr || found->release.tag == *announced) return;
-    *announced = found->release.tag;
-    say(announcement(found->release, running) + " Run \"Tessum update --download\" to fetch it.\n");
-  });
+  checker.setOnStateChange(
+      [running, announced, delivery, say = std::move(say)](const UpdateState& state) {
+        const auto* found = std::get_if<update_state::Available>(&state);
+        if (found == nullptr || found->release.tag == *announced) return;
+        *announced = found->release.tag;
+        say(announcement(found->release, running) + " " + delivery.instruction + "\n");
+      });
   checker.startPeriodicChecks();
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "core/update/update_checker.h"
+#include "desktop/update/delivery.h"
 #include "desktop/update/download_opener.h"
 
 namespace tessum {
@@ -14,8 +15,8 @@ namespace tessum {
 // Prints one line of text, which ends in a line feed.
 using Say = std::function<void(std::string_view line)>;
 
-// The command "update": one check and, if requested, the download of the new release. Main thread
-// only.
+// The command "update": one check and, if that is requested and the system's way, the download of
+// the new release. Main thread only.
 class UpdateDialogue {
  public:
   struct Output {
@@ -29,7 +30,7 @@ class UpdateDialogue {
   // Becomes the observer of `checker`, whose opener is `opener`; both must outlive this object.
   // `onEnd` is called once, with the exit status.
   UpdateDialogue(UpdateChecker& checker, const DownloadOpener& opener, bool downloads,
-                 Output output, std::function<void(int status)> onEnd);
+                 Delivery delivery, Output output, std::function<void(int status)> onEnd);
   ~UpdateDialogue();
   UpdateDialogue(const UpdateDialogue&) = delete;
   UpdateDialogue& operator=(const UpdateDialogue&) = delete;
@@ -49,6 +50,7 @@ class UpdateDialogue {
   UpdateChecker& checker_;
   const DownloadOpener& opener_;
   const bool downloads_;
+  const Delivery delivery_;
   const Output output_;
   const std::function<void(int)> onEnd_;
   std::string version_;   // the running one
@@ -59,7 +61,8 @@ class UpdateDialogue {
 [[nodiscard]] std::string progressText(double fraction);
 
 // Checks now and every six hours, and prints one line for each release that is newer than the
-// running version. Does not report failures. Becomes the observer of `checker`. Main thread only.
-void announceReleases(UpdateChecker& checker, Say say);
+// running version and how to get it. Does not report failures. Becomes the observer of `checker`.
+// Main thread only.
+void announceReleases(UpdateChecker& checker, const Delivery& delivery, Say say);
 
 }  // namespace tessum

@@ -17,6 +17,9 @@ namespace {
 
 constexpr auto kImagePath = "/releases/macos/v1.4.0/assets/Setup.dmg";
 
+constexpr Delivery kImage{.isDownload = true, .instruction = "Fetch it."};
+constexpr Delivery kPackage{.isDownload = false, .instruction = "Get its package."};
+
 std::string jsonWithImage() {
   return R"({"tag":"v1.4.0","name":"","body":"","prerelease":false,"publishedAt":"",)"
          R"("assets":[{"name":"Setup.dmg","size":4,"contentType":""}]})";
@@ -25,7 +28,8 @@ std::string jsonWithImage() {
 class UpdateDialogueTest : public UpdateCheckerTest {
  protected:
   // Runs the dialogue to its end. The status is absent if it did not end.
-  [[nodiscard]] std::optional<int> talk(bool downloads, bool isWatched = true) {
+  [[nodiscard]] std::optional<int> talk(bool downloads, bool isWatched = true,
+                                        const Delivery& delivery = kImage) {
     std::optional<int> status;
     UpdateDialogue::Output output{.tell = [this](std::string_view text) { told_ += text; },
                                   .complain = [this](std::string_view text) { complaint_ += text; },
@@ -33,7 +37,7 @@ class UpdateDialogueTest : public UpdateCheckerTest {
     if (isWatched) {
       output.showProgress = [this](std::string_view text) { shown_.emplace_back(text); };
     }
-    UpdateDialogue dialogue(*checker_, downloadOpener_, downloads, output,
+    UpdateDialogue dialogue(*checker_, downloadOpener_, downloads, delivery, output,
                             [&](int end) { status = end; });
     dialogue.start();
     EXPECT_TRUE(loop_.runUntil([&] { return status.has_value(); }));
@@ -64,8 +68,19 @@ TEST_F(UpdateDialogueTest, SaysWhatIsNewerAndHowToGetIt) {
   EXPECT_EQ(talk(false), 0);
   EXPECT_EQ(told_,
             "Tessum 1.4.0 is available; this is 1.2.0.\n"
-            "Run \"Tessum update --download\" to fetch it.\n");
+            "Fetch it.\n");
   EXPECT_EQ(server->paths().size(), 1u);
+}
+
+TEST_F(UpdateDialogueTest, DownloadsNothingWhereReleasesCannotBeUsed) {
+  const auto server =
+      serve(Routes(kLatestPath, answering(jsonWithImage())).set(kImagePath, answering("disk")));
+  makeChecker(server->url(), unreachableUrl());
+  EXPECT_EQ(talk(true, true, kPackage), 1);
+  EXPECT_EQ(told_, "Tessum 1.4.0 is available; this is 1.2.0.\n");
+  EXPECT_EQ(complaint_, "Releases are not downloaded on this system. Get its package.\n");
+  EXPECT_EQ(server->paths().size(), 1u);
+  EXPECT_TRUE(opener_.urls().empty());
 }
 
 TEST_F(UpdateDialogueTest, DownloadsAndOpensWhenAskedTo) {
@@ -161,7 +176,7 @@ TEST_F(UpdateDialogueTest, AnnouncesEachReleaseOnce) {
   });
   makeChecker(server->url(), unreachableUrl());
   std::vector<std::string> lines;
-  announceReleases(*checker_, [&](std::string_view line) { lines.emplace_back(line); });
+  announceReleases(*checker_, kPackage, [&](std::string_view line) { lines.emplace_back(line); });
   const auto reached = [&](std::size_t requests) {
     return loop_.runUntil([&] {
       return server->paths().size() == requests &&
@@ -172,8 +187,8 @@ TEST_F(UpdateDialogueTest, AnnouncesEachReleaseOnce) {
   loop_.advance(21600);
   ASSERT_TRUE(reached(2));
   loop_.runPosted();
-  EXPECT_EQ(lines, std::vector<std::string>{"Tessum 1.4.0 is available; this is 1.2.0. Run "
-                                            "\"Tessum update --download\" to fetch it.\n"});
+  EXPECT_EQ(lines, std::vector<std::string>{"Tessum 1.4.0 is available; this is 1.2.0. "
+                                            "Get its package.\n"});
   isNextOut = true;
   loop_.advance(21600);
   ASSERT_TRUE(loop_.runUntil([&] { return lines.size() == 2; }));
@@ -183,7 +198,7 @@ TEST_F(UpdateDialogueTest, AnnouncesEachReleaseOnce) {
 TEST_F(UpdateDialogueTest, AnnouncesNoFailures) {
   makeChecker(unreachableUrl(), unreachableUrl());
   std::string lines;
-  announceReleases(*checker_, [&](std::string_view line) { lines += line; });
+  announceReleases(*checker_, kPackage, [&](std::string_view line) { lines += line; });
   ASSERT_TRUE(loop_.runUntil(
       [&] { return std::holds_alternative<update_state::Error>(checker_->currentState()); }));
   loop_.runPosted();

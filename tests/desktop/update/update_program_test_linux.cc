@@ -1,13 +1,12 @@
-// "Tessum update" as built and installed. It uses its built-in addresses; a proxy maps them to a
-// server on the loopback interface, and private mounts make the system trust that server's
-// authority.
+// "Tessum update": the program of this build, and the same with a release service. A proxy maps the
+// built-in addresses to a server on the loopback interface, and private mounts make the system
+// trust that server's authority.
 
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -17,20 +16,23 @@
 #include "core/update/urls.h"
 #include "tests/desktop/user.h"
 #include "tests/support/child_process.h"
-#include "tests/support/eventually.h"
 #include "tests/support/https/https_server.h"
 #include "tests/support/mounts_linux.h"
-#include "tests/support/terminal.h"
 
 namespace tessum {
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kServices[] = {TESSUM_UPDATE_PRIMARY_URL, TESSUM_UPDATE_FALLBACK_URL};
 constexpr auto kLatest = "/releases/macos/latest";
 constexpr auto kRelease =
     R"({"tag":"v99.1","name":"Tessum","body":"","prerelease":false,"publishedAt":"2025-03-04",)"
     R"("assets":[{"name":"Setup.dmg","size":1,"contentType":""}]})";
+
+constexpr auto kInstruction =
+    "Get its package where this one came from, or make it from the sources; docs/PACKAGES.md says "
+    "how.\n";
 
 constexpr int kNoViewOfItsOwn = 77;
 
@@ -63,7 +65,7 @@ HttpsServer::Answer answering(std::string body) {
 class UpdateProgram : public testing::Test {
  protected:
   UpdateProgram() {
-    for (const std::string& url : configuredBaseUrls()) {
+    for (const char* url : kServices) {
       names_ += (names_.empty() ? "DNS:" : ",DNS:") + hostOf(url);
     }
     const fs::path trusted = curl_version_info(CURLVERSION_NOW)->cainfo;
@@ -95,25 +97,19 @@ class UpdateProgram : public testing::Test {
     if (!takeOwnMounts() || !mountFolder(trustedFolder_, systemFolder_)) _exit(kNoViewOfItsOwn);
   }
 
-  [[nodiscard]] std::unique_ptr<ChildProcess> start(
-      const std::vector<std::string>& arguments,
-      const std::function<void()>& prepare = [] {}) const {
-    return std::make_unique<ChildProcess>(
-        hostProgram(),
-        ChildProcess::Options{
-            .arguments = arguments, .environment = user_.environment(), .prepare = [this, prepare] {
-              trustAuthority();
-              prepare();
-            }});
-  }
-
   [[nodiscard]] Outcome run(const std::vector<std::string>& arguments) const {
-    const auto program = start(arguments);
-    std::string output = program->readRest();
-    return {program->finish().code.value_or(-1), std::move(output), program->errors()};
+    return runAfter([this] { trustAuthority(); }, arguments);
   }
 
-  [[nodiscard]] std::string updatesFolder() const { return user_.dataFolder() + "/Updates"; }
+  // `prepare` runs in the child, before the program.
+  [[nodiscard]] Outcome runAfter(const std::function<void()>& prepare,
+                                 const std::vector<std::string>& arguments) const {
+    ChildProcess program(
+        TESSUM_PROGRAM,
+        {.arguments = arguments, .environment = user_.environment(), .prepare = prepare});
+    return outcomeOf(program);
+  }
+
   [[nodiscard]] std::string announcement() const {
     return "Tessum 99.1 is available; this is " TESSUM_VERSION ".\n";
   }
@@ -136,16 +132,43 @@ TEST_F(UpdateProgram, SaysThatItIsUpToDate) {
   EXPECT_FALSE(fs::exists(user_.dataFolder())) << "nothing was to be stored";
 }
 
-TEST_F(UpdateProgram, SaysWhatIsAvailableAndFetchesNothing) {
+TEST_F(UpdateProgram, SaysWhatIsAvailableAndWherePackagesComeFrom) {
   serve(offering(answering("image")));
   const Outcome outcome = run({"update"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.output, announcement() + "Run \"Tessum update --download\" to fetch it.\n");
+  EXPECT_EQ(outcome.output, announcement() + kInstruction);
   EXPECT_EQ(server_->paths(), std::vector<std::string>{kLatest});
 }
 
+TEST_F(UpdateProgram, NeverDownloadsADiskImage) {
+  serve(offering(answering("image")));
+  const Outcome outcome = run({"update", "--download"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, announcement());
+  EXPECT_EQ(outcome.errors,
+            std::string("Tessum: Releases are not downloaded on this system. ") + kInstruction);
+  EXPECT_EQ(server_->paths(), std::vector<std::string>{kLatest});
+  EXPECT_FALSE(fs::exists(user_.dataFolder())) << "nothing was to be stored";
+  EXPECT_FALSE(fs::exists(user_.file("opened")));
+}
+
+TEST(UpdateProgramWithoutAService, SaysSoAndAsksNobody) {
+  if (!configuredBaseUrls().empty()) GTEST_SKIP() << "this build has a release service";
+  User user;
+  user.set("https_proxy", "http://127.0.0.1:9");  // where a request would fail otherwise
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"update"}, {"update", "--download"}}) {
+    const Outcome outcome = user.run(words);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors,
+              "Tessum: this copy was built without a release service, so it never looks for newer "
+              "versions\n");
+  }
+}
+
 TEST_F(UpdateProgram, AsksTheSecondServiceWhenTheFirstFails) {
-  const std::string first = "Host: " + hostOf(configuredBaseUrls().front());
+  const std::string first = "Host: " + hostOf(kServices[0]);
   serve([first](HttpsConnection& connection) {
     if (connection.request().find(first + "\r\n") != std::string::npos) return connection.cut();
     connection.respond(kRelease);
@@ -154,32 +177,6 @@ TEST_F(UpdateProgram, AsksTheSecondServiceWhenTheFirstFails) {
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_TRUE(outcome.output.starts_with(announcement())) << outcome.output;
   EXPECT_EQ(server_->paths(), (std::vector<std::string>{kLatest, kLatest}));
-}
-
-TEST_F(UpdateProgram, DownloadsTheFileAndSaysWhereItIs) {
-  const std::string image(300'000, 'x');
-  serve(offering(answering(image)));
-  const Outcome outcome = run({"update", "--download"});
-  const std::string file = updatesFolder() + "/Setup.dmg";
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.output, announcement() + "Downloaded to " + file + "\n");
-  EXPECT_EQ(outcome.errors, "") << "progress is for those who watch";
-  EXPECT_EQ(readFile(file), image);
-  EXPECT_EQ(server_->paths(),
-            (std::vector<std::string>{kLatest, "/releases/macos/v99.1/assets/Setup.dmg"}));
-  EXPECT_FALSE(fs::exists(user_.file("opened")));
-}
-
-TEST_F(UpdateProgram, ShowsProgressOnATerminal) {
-  serve(offering(answering(std::string(300'000, 'x'))));
-  Terminal terminal(80);
-  const int screen = terminal.screen();
-  const auto program = start({"update", "--download"}, [screen] { dup2(screen, STDERR_FILENO); });
-  const std::string shown = terminal.readAll();
-  EXPECT_EQ(program->finish(), kSuccess);
-  EXPECT_NE(shown.find("\r\033[K["), std::string::npos) << shown;
-  EXPECT_NE(shown.find(" %"), std::string::npos) << shown;
-  EXPECT_TRUE(shown.ends_with("\r\033[K")) << "the bar goes when it is done";
 }
 
 TEST_F(UpdateProgram, FailsWhenNobodyAnswers) {
@@ -192,41 +189,11 @@ TEST_F(UpdateProgram, FailsWhenNobodyAnswers) {
 
 TEST_F(UpdateProgram, FailsWhenTheSystemDoesNotTrustTheServer) {
   serve(offering(answering("image")));
-  const Outcome outcome = user_.run({"update"});
+  const Outcome outcome = runAfter([] {}, {"update"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.errors,
             std::string("Tessum: ") + curl_easy_strerror(CURLE_PEER_FAILED_VERIFICATION) + "\n");
   EXPECT_EQ(server_->paths(), std::vector<std::string>());
-}
-
-TEST_F(UpdateProgram, LeavesNothingOfADownloadThatBreaksOff) {
-  serve(offering([](HttpsConnection& connection) {
-    connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n");
-    connection.send(std::string(500, 'x'));
-    connection.cut();
-  }));
-  const Outcome outcome = run({"update", "--download"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.output, announcement());
-  EXPECT_TRUE(outcome.errors.starts_with("Tessum: ")) << outcome.errors;
-  EXPECT_TRUE(fs::is_empty(updatesFolder()));
-  EXPECT_FALSE(fs::exists(user_.file("opened")));
-}
-
-TEST_F(UpdateProgram, LeavesNothingOfADownloadThatIsInterrupted) {
-  serve(offering([](HttpsConnection& connection) {
-    connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n");
-    connection.send(std::string(500, 'x'));
-    connection.waitUntilClosed();
-  }));
-  const auto program = start({"update", "--download"});
-  ASSERT_TRUE(
-      eventually([&] { return fs::exists(updatesFolder()) && !fs::is_empty(updatesFolder()); }));
-  program->kill(SIGINT);
-  EXPECT_EQ(program->finish(), (ExitStatus{.code = 1, .signal = {}}));
-  EXPECT_EQ(program->readRest(), announcement());
-  EXPECT_TRUE(fs::is_empty(updatesFolder()));
-  EXPECT_FALSE(fs::exists(user_.file("opened")));
 }
 
 }  // namespace
