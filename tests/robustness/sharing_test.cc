@@ -81,13 +81,16 @@ TEST_F(Sharing, TwoServersAndAWriterAnswerEveryRequest) {
   expectWholeDatabase();
 }
 
-TEST_F(Sharing, ALockedStoreIsAnErrorUntilItIsFree) {
+TEST_F(Sharing, ALockedStoreReadsAsEmptyAndTakesNoNoteUntilItIsFree) {
   makeStore();
   ChildProcess server(serverProgram());
   ASSERT_FALSE(ask(server, toolCall(1, "get_annotations")).isError);
   {
     Sql other(databasePath());
     other.run("BEGIN EXCLUSIVE");
+    const Answer empty = ask(server, toolCall(2, "get_annotations"));
+    EXPECT_FALSE(empty.isError);
+    EXPECT_EQ(empty.text, "No annotations found.");
     const Answer answer = ask(server, annotation(2, "kept out"));
     EXPECT_TRUE(answer.isError);
     EXPECT_EQ(answer.text, "Error: Failed to execute statement: " + sqliteText(SQLITE_BUSY));
