@@ -21,7 +21,7 @@ struct Host {
   const Calendar& calendar;
   const Locations& locations;
   const Files& files;
-  const UrlOpener& opener;
+  const SystemUrlOpener& opener;
   int status = kSuccess;
 };
 

@@ -27,7 +27,8 @@ struct ProgramStreams {
 [[nodiscard]] pid_t startProgram(std::vector<std::string> arguments,
                                  const ProgramStreams& streams = {});
 
-// Waits for the end of a process that was started here, and takes its exit status. Any thread.
-void waitForProgram(pid_t process);
+// Waits for the end of a process that was started here, and takes its exit status. Gives that, or
+// -1 when a signal ended it. Any thread.
+int waitForProgram(pid_t process);
 
 }  // namespace tessum

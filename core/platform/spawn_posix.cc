@@ -77,8 +77,10 @@ pid_t startProgram(std::vector<std::string> arguments, const ProgramStreams& str
   return process;
 }
 
-void waitForProgram(pid_t process) {
-  retried([process] { return waitpid(process, nullptr, 0); });
+int waitForProgram(pid_t process) {
+  int status = 0;
+  retried([&] { return waitpid(process, &status, 0); });
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 }  // namespace tessum

@@ -20,6 +20,10 @@ class UrlOpener {
 class SystemUrlOpener final : public UrlOpener {
  public:
   void open(const std::string& url) const override;
+
+  // The same, but waits up to two seconds to learn whether it worked. False when the desktop has
+  // nothing to open it with, or says that it failed.
+  [[nodiscard]] bool hasOpened(const std::string& url) const;
 };
 
 }  // namespace tessum

@@ -11,8 +11,8 @@
 #include "desktop/commands/forget_hidden.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/commands/text_search.h"
-#include "desktop/reports/timeline.h"
 #include "desktop/reports/wall_clock.h"
+#include "desktop/timeline/page.h"
 
 namespace tessum {
 namespace {

@@ -7,9 +7,9 @@
 
 #include "core/store/history.h"
 #include "desktop/commands/standard_output.h"
-#include "desktop/reports/timeline.h"
 #include "desktop/settings/hidden_sessions.h"
 #include "desktop/settings/settings_file.h"
+#include "desktop/timeline/page.h"
 
 namespace tessum {
 namespace {

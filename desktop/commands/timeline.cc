@@ -11,8 +11,8 @@
 #include "core/update/urls.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/standard_output.h"
-#include "desktop/reports/day_report.h"
-#include "desktop/reports/timeline.h"
+#include "desktop/settings/settings_file.h"
+#include "desktop/timeline/page.h"
 
 namespace tessum {
 namespace {
@@ -22,42 +22,64 @@ struct TimelineOptions {
   std::string file;
 };
 
-void showTimeline(const Host& host, const TimelineOptions& options) {
-  const ReportDays days = reportDays(host);
+// More would be no picture any longer, and too large for a browser.
+constexpr int kMostDays = 366;
+
+std::string pageOf(const Host& host, const TimelineOptions& options) {
+  const Settings settings = loadSettings(host.locations, host.files);
+  const ReportDays days(host.calendar, settings.dayStarts.value);
   const Period period = periodArgument(options.period, host, days);
-  if (dayCount(period) > 1) throw CLI::ValidationError("the timeline is a picture of one day");
+  const Date now = host.clock.now();
   History history(historyPath(host.locations), History::Access::read);
-  const std::string page = timelinePage(readDay(history, days, period.first, host.clock.now()));
-  if (!options.file.empty()) {
-    if (std::filesystem::exists(options.file) && !std::filesystem::is_regular_file(options.file)) {
-      throw std::runtime_error(options.file + " is not a file that can be replaced");
-    }
-    host.files.replace(options.file, page);
-    print("The timeline is in " + options.file + ".\n");
-    return;
+  if (dayCount(timelinePeriod(history, period, days, now)) > kMostDays) {
+    throw CLI::ValidationError("the timeline shows up to a year; " + longPeriodText(period) +
+                               " is more");
   }
+  return timelinePage(readTimeline(history, days, settings.rules, period, now));
+}
+
+void writePage(const Host& host, const std::string& file, const std::string& page) {
+  if (std::filesystem::exists(file) && !std::filesystem::is_regular_file(file)) {
+    throw std::runtime_error(file + " is not a file that can be replaced");
+  }
+  host.files.replace(file, page);
+  print("The timeline is in " + file + ".\n");
+}
+
+void showPage(const Host& host, const std::string& page) {
   const std::string path = timelinePath(host.locations);
   // The page keeps the rights of the one that it replaces.
   if (std::filesystem::exists(path)) closeToOthers(path);
   host.files.replace(path, page);
-  print("The timeline is in " + path + ".\n");
-  host.opener.open(fileUrl(path));
+  const bool isShown = host.opener.hasOpened(fileUrl(path));
+  print("The timeline is in " + path +
+        (isShown ? ", and your browser was asked to open it.\n"
+                 : ". No browser could be opened; open the file in one yourself.\n"));
+}
+
+void showTimeline(const Host& host, const TimelineOptions& options) {
+  const std::string page = pageOf(host, options);
+  if (options.file.empty()) return showPage(host, page);
+  if (options.file != "-") return writePage(host, options.file, page);
+  closeOutputToOthers();
+  print(page);
 }
 
 }  // namespace
 
 void addTimelineCommand(CLI::App& app, Host& host) {
-  auto* command = app.add_subcommand("timeline", "A picture of a day, in your browser");
+  auto* command =
+      app.add_subcommand("timeline", "A picture of up to a year to explore, in your browser");
   const auto options = std::make_shared<TimelineOptions>();
   addPeriodArgument(*command, options->period);
   command
       ->add_option("-o,--output", options->file,
-                   "write the page to this file instead of opening it")
+                   "write the page to this file instead of opening it; - is standard output")
       ->type_name("FILE");
   command->footer(
       "Examples:\n"
       "  Tessum timeline\n"
-      "  Tessum timeline yesterday\n"
+      "  Tessum timeline last-week\n"
       "  Tessum timeline 2025-03-04 -o tuesday.html");
   command->callback([&host, options] { showTimeline(host, *options); });
 }

@@ -22,6 +22,9 @@ struct WallTime {
 // becomes the nearest one inside. Any thread.
 [[nodiscard]] WallTime wallTime(Date date);
 
+// How far the wall is ahead of UTC at `date`.
+[[nodiscard]] double secondsAheadOfUtc(Date date);
+
 [[nodiscard]] std::string clockText(Date date);  // 09:15
 [[nodiscard]] std::string dateText(Date date);   // 2025-03-04
 

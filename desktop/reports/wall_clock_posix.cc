@@ -25,10 +25,6 @@ tm localTime(Date date) {
   return local;
 }
 
-double secondsAheadOfUtc(Date date) {
-  return static_cast<double>(localTime(date).tm_gmtoff);
-}
-
 // Seconds from the local time at `date` to the next time of day `seconds`, ignoring clock changes.
 double secondsUntil(double seconds, Date date) {
   const tm local = localTime(date);
@@ -51,6 +47,10 @@ std::string twoDigits(int value) {
 }
 
 }  // namespace
+
+double secondsAheadOfUtc(Date date) {
+  return static_cast<double>(localTime(date).tm_gmtoff);
+}
 
 WallTime wallTime(Date date) {
   const tm local = localTime(date);

@@ -49,7 +49,8 @@ struct HideRule {
 struct Category {
   std::string name;
   WindowPattern windows;
-  int line = 0;  // in the settings
+  std::optional<std::string> colour;  // as #rrggbb, in small letters
+  int line = 0;                       // in the settings
 };
 
 struct Rules {

@@ -1,5 +1,6 @@
 #include "desktop/settings/settings.h"
 
+#include "core/base/text.h"
 #include "desktop/settings/duration.h"
 
 namespace tessum {
@@ -43,6 +44,14 @@ std::optional<int> parseDayStarts(std::string_view text) {
   const auto minute = parseTimeOfDay(text);
   if (!minute || *minute == 24 * 60) return std::nullopt;
   return minute;
+}
+
+std::optional<std::string> parseColour(std::string_view text) {
+  constexpr std::size_t kLength = 7;
+  std::string colour = lowerCaseAscii(text);
+  if (colour.size() != kLength || colour[0] != '#') return std::nullopt;
+  if (colour.find_first_not_of("0123456789abcdef", 1) != std::string::npos) return std::nullopt;
+  return colour;
 }
 
 }  // namespace tessum

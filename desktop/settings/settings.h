@@ -49,4 +49,7 @@ struct Settings {
 // Minutes after midnight, less than a day, of a text such as 04:00. Absent for any other text.
 [[nodiscard]] std::optional<int> parseDayStarts(std::string_view text);
 
+// A colour such as #3a7bd5, in small letters. Absent for any other text.
+[[nodiscard]] std::optional<std::string> parseColour(std::string_view text);
+
 }  // namespace tessum

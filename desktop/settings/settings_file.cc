@@ -53,6 +53,7 @@ keep = "app"
 # [[category]]
 # name = "Mail"
 # title = '(?i)inbox'
+# color = "#3a7bd5"            # on the page of "Tessum timeline"
 )";
 
 }  // namespace

@@ -111,6 +111,12 @@ Kept keptOf(const toml::node& node) {
   return Kept::app;
 }
 
+std::string colourOf(const toml::node& node) {
+  const auto colour = parseColour(textOf(node));
+  if (!colour) fail(node, "unknown colour " + inQuotes(textOf(node)) + "; write it as #3a7bd5");
+  return *colour;
+}
+
 HideRule readHideRule(const toml::table& table) {
   HideRule rule;
   rule.line = lineOf(table);
@@ -131,10 +137,10 @@ HideRule readHideRule(const toml::table& table) {
 Category readCategory(const toml::table& table) {
   Category category;
   category.line = lineOf(table);
-  readTable(table,
-            {{"name", [&](const auto& node) { category.name = textOf(node); }},
-             {"app", [&](const auto& node) { category.windows.app = patternOf(node); }},
-             {"title", [&](const auto& node) { category.windows.title = patternOf(node); }}});
+  readTable(table, {{"name", [&](const auto& node) { category.name = textOf(node); }},
+                    {"app", [&](const auto& node) { category.windows.app = patternOf(node); }},
+                    {"title", [&](const auto& node) { category.windows.title = patternOf(node); }},
+                    {"color", [&](const auto& node) { category.colour = colourOf(node); }}});
   if (trimWhiteSpace(category.name).empty()) fail(table, "it has no name");
   if (!category.windows.app && !category.windows.title) {
     fail(table, "it does not say what belongs to it: give app or title");

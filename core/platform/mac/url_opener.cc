@@ -18,11 +18,15 @@ using Owned = std::unique_ptr<std::remove_pointer_t<Ref>, Releaser>;
 }  // namespace
 
 void SystemUrlOpener::open(const std::string& url) const {
+  (void)hasOpened(url);  // nobody is to be told
+}
+
+bool SystemUrlOpener::hasOpened(const std::string& url) const {
   const Owned<CFStringRef> text(
       CFStringCreateWithCString(kCFAllocatorDefault, url.c_str(), kCFStringEncodingUTF8));
-  if (!text) return;
+  if (!text) return false;
   const Owned<CFURLRef> address(CFURLCreateWithString(kCFAllocatorDefault, text.get(), nullptr));
-  if (address) LSOpenCFURLRef(address.get(), nullptr);
+  return address && LSOpenCFURLRef(address.get(), nullptr) == noErr;
 }
 
 }  // namespace tessum

@@ -41,7 +41,7 @@ TEST(Settings, RulesComeInTheirOrder) {
   const Rules rules = readSettings(
                           "[[hide]]\napp='a'\n[[hide]]\ntitle='b'\nkeep='app'\n"
                           "[[hide]]\nbetween='18:00-08:00'\ndays=['sat','sun']\n"
-                          "[[category]]\nname='C'\napp='d'\n")
+                          "[[category]]\nname='C'\napp='d'\ncolor='#3A7bd5'\n")
                           .rules;
   ASSERT_EQ(rules.hide.size(), 3U);
   EXPECT_EQ(rules.hide[0].windows.app->text(), "a");
@@ -52,6 +52,7 @@ TEST(Settings, RulesComeInTheirOrder) {
   EXPECT_EQ(rules.hide[2].line, 6);
   ASSERT_EQ(rules.categories.size(), 1U);
   EXPECT_EQ(rules.categories[0].line, 9);
+  EXPECT_EQ(rules.categories[0].colour, "#3a7bd5");
 }
 
 TEST(Settings, TheTemplateIsUnderstood) {
@@ -132,6 +133,12 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{"[[hide]]\ndays = []",
               "line 2, column 8: days are expected; write them as [\"sat\", \"sun\"]"},
         Wrong{"[[category]]\napp = 'a'", "line 1, column 1: it has no name"},
+        Wrong{"[[category]]\nname = 'a'\napp = 'a'\ncolor = 'blue'",
+              "line 4, column 9: unknown colour \"blue\"; write it as #3a7bd5"},
+        Wrong{"[[category]]\nname = 'a'\napp = 'a'\ncolor = '#12345g'",
+              "line 4, column 9: unknown colour \"#12345g\"; write it as #3a7bd5"},
+        Wrong{"[[category]]\nname = 'a'\napp = 'a'\ncolour = '#123456'",
+              "line 4, column 1: unknown key \"colour\"; did you mean \"color\"?"},
         Wrong{"[[category]]\nname = 'a'",
               "line 1, column 1: it does not say what belongs to it: give app or title"}),
     [](const auto& tested) { return std::to_string(tested.index); });

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/base/date.h"
-#include "desktop/reports/day_report.h"
+#include "desktop/timeline/timeline_history.h"
 
 namespace tessum {
 
@@ -15,22 +15,24 @@ inline constexpr double kPlotRight = 1050;
 
 // The part of the day that is drawn. On a day with a clock change, one hour is missing or drawn
 // twice.
-class TimelineScale {
+class DayScale {
  public:
   // From the full hour before the first event to the full hour after the last one, at least four
   // hours; working hours when there are no events.
-  explicit TimelineScale(const DayHistory& history);
+  explicit DayScale(const TimelineHistory& history);
+
+  [[nodiscard]] DayRange range() const { return {start_, end_}; }
 
   // Between kPlotLeft and kPlotRight; a date outside the drawn part lies on its edge.
   [[nodiscard]] double x(Date date) const;
 
   [[nodiscard]] bool contains(Date date) const;
 
-  // The full hours, from left to right.
+  // The moments at which the wall shows a full hour, from left to right.
   [[nodiscard]] std::vector<Date> hours() const;
 
  private:
-  void include(const DayHistory& history, Date start, Date end);
+  void include(const DayRange& day, Date start, Date end);
 
   Date start_;
   Date end_;
