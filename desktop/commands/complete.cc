@@ -8,9 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "core/base/text.h"
-#include "core/install/mcp_client.h"
 #include "core/store/history.h"
+#include "desktop/clients/assistants.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/commands.h"
 #include "desktop/commands/standard_output.h"
@@ -29,8 +28,8 @@ bool hasHistory(const Host& host) {
   return host.files.exists(historyPath(host.locations));
 }
 
-// The years from `first` to `last`; the months of a year, or the days of a month, once `begin` names
-// it.
+// The years from `first` to `last`; the months of a year, or the days of a month, once `begin`
+// names it.
 Words datesBetween(const CalendarDate& first, const CalendarDate& last, const std::string& begin) {
   const std::size_t length = begin.size() < 5 ? 4 : begin.size() < 8 ? 7 : 10;
   Words words;
@@ -66,9 +65,10 @@ Words categories(const Host& host, const std::string&) {
   return {names.begin(), names.end()};
 }
 
-Words clients(const Host&, const std::string&) {
+Words clients(const Host& host, const std::string&) {
   Words names;
-  for (const MCPClient client : MCPClient::allCases()) names.push_back(lowerCaseAscii(client.rawValue()));
+  for (const Assistant& assistant : knownAssistants(host.locations))
+    names.emplace_back(assistant.id);
   return names;
 }
 
@@ -105,8 +105,12 @@ void addCompleteCommand(CLI::App& app, Host& host) {
       ->type_name("")
       ->required();
   const auto begin = std::make_shared<std::string>();
-  command->add_option("WORD", *begin, "what has been typed of it: the months of a year and the days of a month are shown "
-                                      "once it is typed")->type_name("");
+  command
+      ->add_option(
+          "WORD", *begin,
+          "what has been typed of it: the months of a year and the days of a month are shown "
+          "once it is typed")
+      ->type_name("");
   command->footer(
       "Examples:\n"
       "  Tessum complete applications\n"

@@ -81,7 +81,7 @@ std::vector<Table::Column> Table::naturalColumns(bool countsWholeCells) const {
       const Cell& cell = row[i];
       if (cell.fit == Fit::whole && !countsWholeCells) continue;
       const std::size_t width = cell.share ? kBarColumns : displayWidth(cell.text);
-      const std::size_t least = cell.share                              ? 0
+      const std::size_t least = cell.share                           ? 0
                                 : alignments_[i] == Alignment::right ? width
                                                                      : kNarrowestText;
       columns[i].width = std::max(columns[i].width, width);

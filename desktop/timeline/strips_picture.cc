@@ -53,7 +53,8 @@ class Drawing {
     out_ += "<g class=\"strips\">\n";
     for (std::size_t i = 0; i < history_.days.size(); ++i) drawStrip(i);
     return "<svg viewBox=\"0 0 " + decimal(kWidth) + " " + decimal(bottom_ + 8) +
-           "\" role=\"img\" aria-label=\"A strip for each day, with its hours from the top down\">\n" +
+           "\" role=\"img\" aria-label=\"A strip for each day, with its hours from the top "
+           "down\">\n" +
            out_ + "</g>\n</svg>\n";
   }
 
@@ -154,10 +155,9 @@ class Drawing {
   void drawPaths(std::size_t index, const std::vector<Span>& spans) {
     std::map<std::string, std::string> paths;
     for (const Span& span : spans) {
-      paths[styleOf(span)] += "M" + decimal(x(index)) + " " + decimal(span.start) + "h" +
-                              decimal(width_) + "v" +
-                              decimal(std::max(span.end - span.start, kLeastHeight)) + "h" +
-                              decimal(-width_) + "z";
+      paths[styleOf(span)] +=
+          "M" + decimal(x(index)) + " " + decimal(span.start) + "h" + decimal(width_) + "v" +
+          decimal(std::max(span.end - span.start, kLeastHeight)) + "h" + decimal(-width_) + "z";
     }
     for (const auto& [style, path] : paths) {
       out_ += "<path class=\"" + style + "\" d=\"" + path + "\"/>\n";

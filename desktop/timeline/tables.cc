@@ -54,10 +54,10 @@ std::string appTable(const TimelineHistory& history) {
   std::string rows;
   for (const AppRow& app : appRows(history, kMostApps)) {
     const std::string style = app.apps.size() > 1 ? "other" : colourStyle(app.name);
-    rows += row(cell("name", "<svg class=\"swatch\" viewBox=\"0 0 10 10\"><rect class=\"" + style +
-                                 "\" rx=\"3\" width=\"10\" height=\"10\"/></svg>" +
-                                 escaped(app.name)) +
-                lengthCell(app.seconds) + shareCell(app.seconds, total));
+    rows +=
+        row(cell("name", "<svg class=\"swatch\" viewBox=\"0 0 10 10\"><rect class=\"" + style +
+                             "\" rx=\"3\" width=\"10\" height=\"10\"/></svg>" + escaped(app.name)) +
+            lengthCell(app.seconds) + shareCell(app.seconds, total));
   }
   return table("Applications", rows);
 }
@@ -98,9 +98,9 @@ std::string titleTable(const TimelineHistory& history) {
       ++otherCount;
       continue;
     }
-    rows += row(cell("name", title == count ? "<i>Without a title</i>"
-                                            : escaped(history.titles[title])) +
-                lengthCell(seconds[title]) + shareCell(seconds[title], total));
+    rows += row(
+        cell("name", title == count ? "<i>Without a title</i>" : escaped(history.titles[title])) +
+        lengthCell(seconds[title]) + shareCell(seconds[title], total));
   }
   if (otherCount > 0) {
     rows += row(cell("name", "<i>" + counted(otherCount, "other") + "</i>") + lengthCell(others) +

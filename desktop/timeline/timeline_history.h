@@ -54,9 +54,7 @@ struct TimelineHistory {
   std::vector<Annotation> notes = {};          // that overlap the days, whole, oldest first
   std::optional<DayRange> beginnings = {};     // of all that was ever recorded
 
-  [[nodiscard]] DayRange range() const {
-    return {days.front().range.start, days.back().range.end};
-  }
+  [[nodiscard]] DayRange range() const { return {days.front().range.start, days.back().range.end}; }
 };
 
 // The days of `period` that a timeline has: not before the first record, and not after today.

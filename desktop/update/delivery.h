@@ -5,7 +5,7 @@
 namespace tessum {
 
 struct Delivery {
-  bool isDownload = false;        // whether Tessum downloads the release's disk image
+  bool isDownload = false;       // whether Tessum downloads the release's disk image
   const char* instruction = "";  // what a person does to get it; a sentence
 };
 

@@ -72,13 +72,12 @@ class Completions : public testing::TestWithParam<Case> {
                                       const std::vector<std::string>& arguments) const {
     Terminal terminal(80);
     const int screen = terminal.screen();
-    ChildProcess program(shell, {.arguments = arguments,
-                                 .environment = user_.environment(),
-                                 .prepare = [screen] {
-                                   setsid();
-                                   ioctl(screen, TIOCSCTTY, 0);
-                                   for (int stream = 0; stream <= 2; ++stream) dup2(screen, stream);
-                                 }});
+    ChildProcess program(
+        shell, {.arguments = arguments, .environment = user_.environment(), .prepare = [screen] {
+                  setsid();
+                  ioctl(screen, TIOCSCTTY, 0);
+                  for (int stream = 0; stream <= 2; ++stream) dup2(screen, stream);
+                }});
     EXPECT_TRUE(eventually([&] { return fs::exists(user_.file("ready")); }));
     terminal.type(std::string(GetParam().typed) + "\t\x14");
     EXPECT_TRUE(eventually([&] { return fs::exists(user_.file("line")); }));
@@ -102,11 +101,12 @@ class Completions : public testing::TestWithParam<Case> {
 TEST_P(Completions, WorkInBash) {
   ASSERT_NO_FATAL_FAILURE(requireShell("bash", "type mapfile"));
   if (IsSkipped()) return;
-  writeFile(user_.file("bashrc"), ". '" + kCompletions +
-                                      "tessum.bash'\n"
-                                      "show() { printf %s \"$READLINE_LINE\" > ~/new; mv ~/new ~/line; }\n"
-                                      "bind -x '\"\\C-t\": show'\n"
-                                      "PROMPT_COMMAND=': > ~/ready'\n");
+  writeFile(user_.file("bashrc"),
+            ". '" + kCompletions +
+                "tessum.bash'\n"
+                "show() { printf %s \"$READLINE_LINE\" > ~/new; mv ~/new ~/line; }\n"
+                "bind -x '\"\\C-t\": show'\n"
+                "PROMPT_COMMAND=': > ~/ready'\n");
   EXPECT_EQ(completed("bash", {"--rcfile", user_.file("bashrc"), "-i"}), completeLine());
 }
 
@@ -126,10 +126,11 @@ TEST_P(Completions, WorkInZsh) {
 TEST_P(Completions, WorkInFish) {
   ASSERT_NO_FATAL_FAILURE(requireShell("fish", "true"));
   if (IsSkipped()) return;
-  ChildProcess fish("fish", {.arguments = {"--no-config", "-c",
-                                           "source '" + kCompletions + "tessum.fish'; complete -C '" +
-                                               GetParam().typed + "'"},
-                             .environment = user_.environment()});
+  ChildProcess fish("fish",
+                    {.arguments = {"--no-config", "-c",
+                                   "source '" + kCompletions + "tessum.fish'; complete -C '" +
+                                       GetParam().typed + "'"},
+                     .environment = user_.environment()});
   fish.closeInput();
   std::string found = fish.readRest();
   EXPECT_EQ(fish.finish(), ::tessum::kSuccess) << fish.errors();

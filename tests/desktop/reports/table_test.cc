@@ -95,15 +95,13 @@ class TablesOnTerminals : public testing::TestWithParam<unsigned short> {
  protected:
   TablesOnTerminals() {
     user_.set("NO_COLOR", "1");
-    const std::string title = "A title with 漢字 that is longer than any terminal: " +
-                              std::string(250, 'x');
+    const std::string title =
+        "A title with 漢字 that is longer than any terminal: " + std::string(250, 'x');
     for (const char* app : {"Editor", "An application with quite a name", "Mail"}) {
       user_.addSession(app, title.c_str(), "2025-03-04T09:00:00Z", "2025-03-04T19:59:31Z");
     }
-    user_.database().insertAnnotation({.id = {},
-                                       .text = title,
-                                       .startedAt = at("2025-03-04T09:00:00Z"),
-                                       .endedAt = {}});
+    user_.database().insertAnnotation(
+        {.id = {}, .text = title, .startedAt = at("2025-03-04T09:00:00Z"), .endedAt = {}});
     user_.writeSettings("[[category]]\nname = \"Writing\"\napp = \"Editor\"\n");
   }
 
@@ -112,18 +110,17 @@ class TablesOnTerminals : public testing::TestWithParam<unsigned short> {
 
 // A line with a path may be longer, since a path is never cut.
 TEST_P(TablesOnTerminals, FitTheirWidth) {
-  const std::vector<std::vector<std::string>> commands{
-      {"day", "2025-03-04"},
-      {"notes", "2025-03-04"},
-      {"usage", "2025-03-04"},
-      {"usage", "2025-03"},
-      {"usage", "2025-03-04", "--by", "title,app"},
-      {"usage", "2025-03-04", "--by", "category"},
-      {"category", "try", "2025-03-04"},
-      {"search", "title"},
-      {"status"},
-      {"settings"},
-      {"clients"}};
+  const std::vector<std::vector<std::string>> commands{{"day", "2025-03-04"},
+                                                       {"notes", "2025-03-04"},
+                                                       {"usage", "2025-03-04"},
+                                                       {"usage", "2025-03"},
+                                                       {"usage", "2025-03-04", "--by", "title,app"},
+                                                       {"usage", "2025-03-04", "--by", "category"},
+                                                       {"category", "try", "2025-03-04"},
+                                                       {"search", "title"},
+                                                       {"status"},
+                                                       {"settings"},
+                                                       {"clients"}};
   for (const auto& command : commands) {
     SCOPED_TRACE(testing::PrintToString(command));
     const Outcome outcome = user_.runOnTerminal(command, GetParam());
