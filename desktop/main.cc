@@ -14,6 +14,7 @@
 #include "desktop/commands/command_line.h"
 #include "desktop/commands/commands.h"
 #include "desktop/commands/standard_output.h"
+#include "desktop/leftovers.h"
 #include "desktop/reports/text_layout.h"
 #include "desktop/settings/settings_reader.h"
 
@@ -60,6 +61,7 @@ int runCommand(int argc, char** argv) {
   addUpdateCommand(app, host);
   addCompleteCommand(app, host);
   addHelpCommand(app);
+  removeLeftovers(locations);
   try {
     requireKnownCommands(app, argc, argv);
     app.parse(argc, argv);

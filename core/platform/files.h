@@ -30,7 +30,7 @@ class Files {
   // one: the file that it points at is replaced. Only a regular file can be replaced.
   //
   // A failure leaves nothing behind. A process that is killed may leave a hidden file; the next
-  // replacement in that folder removes it.
+  // replacement in that folder removes it, as does removeLeftBehind().
   virtual void replace(const std::string& path, std::string_view bytes) const = 0;
 };
 
@@ -42,5 +42,9 @@ class SystemFiles final : public Files {
   void createFolders(const std::string& path) const override;
   void replace(const std::string& path, std::string_view bytes) const override;
 };
+
+// Removes what replacements in the folder of the file at `path` left behind when their processes
+// were killed. Throws nothing: what cannot be found or removed stays. Any thread.
+void removeLeftBehind(const std::string& path);
 
 }  // namespace tessum

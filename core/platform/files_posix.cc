@@ -26,6 +26,7 @@
 namespace tessum {
 namespace {
 
+constexpr std::string_view kPurpose = "tessum-new";
 constexpr mode_t kUserAlone = 0600;
 constexpr mode_t kPermissions = 07777;
 
@@ -88,7 +89,20 @@ mode_t permissionsLike(const struct stat& old, gid_t group) {
   return static_cast<mode_t>(user | (common << 3U) | common);
 }
 
+std::string folderOf(const std::string& path) {
+  std::string folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
 }  // namespace
+
+void removeLeftBehind(const std::string& path) {
+  try {
+    removeTemporaryFilesLeftBehind(folderOf(followLinks(path)), kPurpose);
+  } catch (const std::system_error&) {
+    // A circle of links has no folder.
+  }
+}
 
 bool SystemFiles::exists(const std::string& path) const {
   struct stat found {};
@@ -127,8 +141,7 @@ void SystemFiles::replace(const std::string& path, std::string_view bytes) const
     if (result != 0) fail("Cannot replace", target, errno);
   };
   const auto old = fileToReplace(target);
-  const std::string folder = std::filesystem::path(target).parent_path().string();
-  TemporaryFile file(folder.empty() ? "." : folder, "tessum-new");
+  TemporaryFile file(folderOf(target), kPurpose);
   require(writeAll(file.descriptor(), bytes));
   mode_t permissions = kUserAlone;
   if (old) {

@@ -11,7 +11,8 @@ namespace tessum {
 
 // A new file for the user alone (0600) under a hidden name: a dot, its purpose, a dash and six
 // characters. It is removed when the object goes, unless it was moved. A process that is killed
-// leaves it behind; the next file that is made for the same purpose in that folder removes it.
+// leaves it behind; the next file that is made for the same purpose in that folder removes it, as
+// does removeTemporaryFilesLeftBehind().
 // Failures are thrown as std::system_error with the path in the text. One thread at a time.
 class TemporaryFile {
  public:
@@ -34,5 +35,10 @@ class TemporaryFile {
   std::string path_;  // empty once it was moved
   Descriptor file_;
 };
+
+// Removes the user's temporary files for `purpose` in `folder` whose processes have ended. Where
+// the file system has no locks to tell by, those older than an hour. Throws nothing: what cannot be
+// listed or removed stays. Any thread.
+void removeTemporaryFilesLeftBehind(const std::string& folder, std::string_view purpose);
 
 }  // namespace tessum

@@ -1,6 +1,6 @@
 // The maker of a temporary file holds a lock on it, which the system takes back when the last
 // process that has the file open ends, in whatever way. So a file that can be locked is one that
-// was left behind. On file systems without locks such files stay.
+// was left behind. On file systems without locks, age has to tell.
 
 #include "core/platform/temporary_file.h"
 
@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <system_error>
 
@@ -29,25 +30,23 @@ int lock(int file) {
   return retried([&] { return flock(file, LOCK_EX | LOCK_NB); });
 }
 
+bool isOld(const struct stat& file) {
+  constexpr std::time_t kHour = 3600;
+  return std::time(nullptr) - file.st_mtime > kHour;
+}
+
 void removeIfLeftBehind(const std::string& path) {
   const Descriptor file(
       retried([&] { return open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); }));
   struct stat found {};
   if (file.number() == -1 || fstat(file.number(), &found) != 0) return;
   if (!S_ISREG(found.st_mode) || found.st_uid != geteuid()) return;
-  if (lock(file.number()) == 0) unlink(path.c_str());
+  const bool isFree = lock(file.number()) == 0;
+  if (isFree || (errno != EWOULDBLOCK && isOld(found))) unlink(path.c_str());
 }
 
-// Makes no error of what cannot be listed or removed: the new file does not depend on it.
-void removeWhatWasLeftBehind(const std::string& folder, std::string_view prefix) {
-  std::error_code error;
-  std::filesystem::directory_iterator entry(folder, error);
-  for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    const std::string name = entry->path().filename().string();
-    if (name.starts_with(prefix) && name.size() == prefix.size() + kPlaceholders.size()) {
-      removeIfLeftBehind(entry->path().string());
-    }
-  }
+std::string prefixFor(std::string_view purpose) {
+  return "." + std::string(purpose) + "-";
 }
 
 // False when the new file was taken for one that was left behind before its lock was there.
@@ -58,9 +57,21 @@ bool keep(int file, const std::string& path) {
 
 }  // namespace
 
+void removeTemporaryFilesLeftBehind(const std::string& folder, std::string_view purpose) {
+  const std::string prefix = prefixFor(purpose);
+  std::error_code error;
+  std::filesystem::directory_iterator entry(folder, error);
+  for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    const std::string name = entry->path().filename().string();
+    if (name.starts_with(prefix) && name.size() == prefix.size() + kPlaceholders.size()) {
+      removeIfLeftBehind(entry->path().string());
+    }
+  }
+}
+
 TemporaryFile::TemporaryFile(const std::string& folder, std::string_view purpose) {
-  const std::string prefix = "." + std::string(purpose) + "-";
-  removeWhatWasLeftBehind(folder, prefix);
+  removeTemporaryFilesLeftBehind(folder, purpose);
+  const std::string prefix = prefixFor(purpose);
   std::string path;
   do {
     file_ = Descriptor(retried([&] {

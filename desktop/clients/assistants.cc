@@ -76,6 +76,11 @@ std::vector<Assistant> knownAssistants(const Locations& locations) {
        .format = {.container = "context_servers", .hasEnvironment = true},
        .files = {zed + "/settings.json"},
        .signs = {zed}},
+      {.id = "codex",
+       .name = "Codex CLI",
+       .format = {.syntax = Syntax::toml, .container = "mcp_servers"},
+       .files = {home + "/.codex/config.toml"},
+       .signs = {home + "/.codex"}},
   };
 }
 

@@ -1,23 +1,28 @@
 #include "desktop/clients/registration.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
 
-#include "core/json/writer.h"
 #include "desktop/clients/config_file.h"
 #include "desktop/clients/edit/json_text.h"
 #include "desktop/clients/edit/text_difference.h"
+#include "desktop/clients/edit/toml_text.h"
+#include "desktop/clients/made_folders.h"
+#include "desktop/clients/registration_records.h"
 
 namespace tessum {
 namespace {
 
 using Outcome = RegistrationChange::Outcome;
-using Object = json::Value::Object;
 
 std::unique_ptr<ConfigText> editorFor(const ServerFormat& format) {
+  if (format.syntax == Syntax::toml) {
+    return std::make_unique<TomlText>(format.container, kEntryKey);
+  }
   return std::make_unique<JsonText>(format.container, kEntryKey);
 }
 
@@ -31,50 +36,77 @@ std::optional<std::string> bytesOf(const std::string& path, const Files& files) 
   }
 }
 
+// Writes the file and the folders that are missing for it.
 void write(const std::string& path, const std::string& bytes, const Files& files) {
-  files.createFolders(std::filesystem::path(path).parent_path().string());
-  files.replace(path, bytes);
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  const auto missing = missingFolders(folder);
+  try {
+    files.createFolders(folder);
+    files.replace(path, bytes);
+  } catch (const std::system_error&) {
+    removeEmptyFolders(missing);
+    throw;
+  }
 }
 
-// The file with our entry alone added to its object, written as the core writes such files. What
-// is no object is lost.
-std::string rewritten(const RegistrationFile& file, const ConfigFile& config,
-                      const json::Value& entry) {
-  Object root = config.object.value_or(Object());
-  const std::string container(file.format.container);
-  const auto old = root.find(container);
-  const bool hasServers = old != root.end() && old->second.object() != nullptr;
-  Object servers = hasServers ? *old->second.object() : Object();
-  servers.insert_or_assign(std::string(kEntryKey), entry);
-  root.insert_or_assign(container, std::move(servers));
-  return json::pretty(root);
+// Removes the file; of a symbolic link, the file that it points at, for it was the file that was
+// made.
+void removeFile(const std::string& path) {
+  std::filesystem::remove(std::filesystem::canonical(path));
 }
 
 RegistrationChange rewrite(const RegistrationFile& file, const json::Value& entry, bool isDryRun,
                            const Host& host) {
-  const ConfigFile config = lookAt(host.files, file.path);
-  const std::string text = rewritten(file, config, entry);
+  const auto bytes = bytesOf(file.path, host.files);
+  const RewrittenText edited = editorFor(file.format)->rewritten(bytes.value_or(""), entry);
   RegistrationChange change{.outcome = Outcome::changed,
-                            .difference = textDifference(file.path, config.bytes, text)};
+                            .difference = textDifference(file.path, bytes, edited.text)};
   if (isDryRun) return change;
-  if (config.isDamaged()) change.copy = keepCopy(host.files, file.path, *config.bytes);
-  write(file.path, text, host.files);
+  if (edited.isLossy) change.copy = keepCopy(host.files, file.path, *bytes);
+  keepRecord(file.path, {.addition = {.hasContainer = edited.hasContainer}}, host);
+  write(file.path, edited.text, host.files);
   return change;
+}
+
+// What to remember after an edit of a file, of which `old` was remembered; absent when nothing is.
+std::optional<RegistrationRecord> recordAfter(const EditedText& edited, const std::string& path,
+                                              bool hadFile,
+                                              const std::optional<RegistrationRecord>& old) {
+  if (edited.isReplaced && !old) return std::nullopt;
+  RegistrationRecord record = old.value_or(RegistrationRecord());
+  record.addition = edited.addition;
+  if (edited.isReplaced) return record;
+  // A run that was ended before it wrote the file may have made folders already.
+  if (hadFile || !record.hasFile) record.folders.clear();
+  record.hasFile = !hadFile;
+  for (auto& folder : missingFolders(std::filesystem::path(path).parent_path().string())) {
+    if (std::find(record.folders.begin(), record.folders.end(), folder) == record.folders.end()) {
+      record.folders.push_back(std::move(folder));
+    }
+  }
+  return record;
 }
 
 }  // namespace
 
 RegistrationChange registerIn(const RegistrationFile& file, const RegistrationOptions& options,
                               const Host& host) {
+  if (!options.isDryRun) removeLeftBehind(file.path);
   const auto editor = editorFor(file.format);
   const json::Value entry = serverEntry(file.format, options.form, host);
   const auto bytes = bytesOf(file.path, host.files);
   try {
-    const auto old = editor->entry(bytes.value_or(""));
-    if (old && worksLike(*old, entry)) return {};
+    const auto found = editor->entry(bytes.value_or(""));
+    if (found && worksLike(*found, entry)) return {};
     if (options.isRewrite && bytes) return rewrite(file, entry, options.isDryRun, host);
-    const EditedText edited = editor->withEntry(bytes.value_or(""), entry);
-    if (!options.isDryRun) write(file.path, edited.text, host.files);
+    const auto old = recordOf(file.path, host);
+    const EditedText edited =
+        editor->withEntry(bytes.value_or(""), entry, old ? old->addition : Addition());
+    if (!options.isDryRun) {
+      const auto record = recordAfter(edited, file.path, bytes.has_value(), old);
+      if (record) keepRecord(file.path, *record, host);
+      write(file.path, edited.text, host.files);
+    }
     return {.outcome = Outcome::changed,
             .difference = textDifference(file.path, bytes, edited.text)};
   } catch (const CannotEdit& refusal) {
@@ -87,13 +119,26 @@ RegistrationChange registerIn(const RegistrationFile& file, const RegistrationOp
 
 RegistrationChange unregisterFrom(const RegistrationFile& file, const RegistrationOptions& options,
                                   const Host& host) {
+  if (!options.isDryRun) removeLeftBehind(file.path);
   const auto editor = editorFor(file.format);
   const auto bytes = bytesOf(file.path, host.files);
-  if (!bytes) return {};
   try {
-    if (!editor->entry(*bytes)) return {};
-    const std::string edited = editor->withoutEntry(*bytes, std::nullopt);
-    if (!options.isDryRun) write(file.path, edited, host.files);
+    if (!bytes || !editor->entry(*bytes)) {
+      if (!options.isDryRun) dropRecord(file.path, host);
+      return {};
+    }
+    const auto record = recordOf(file.path, host).value_or(RegistrationRecord());
+    std::optional<std::string> edited = editor->withoutEntry(*bytes, record.addition);
+    if (record.hasFile && editor->isEmpty(*edited)) edited.reset();
+    if (!options.isDryRun) {
+      if (edited) {
+        write(file.path, *edited, host.files);
+      } else {
+        removeFile(file.path);
+        removeEmptyFolders(record.folders);
+      }
+      dropRecord(file.path, host);
+    }
     return {.outcome = Outcome::changed, .difference = textDifference(file.path, bytes, edited)};
   } catch (const CannotEdit& refusal) {
     return {.outcome = Outcome::refused,

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "core/install/mcp_installer.h"
-#include "desktop/clients/config_file.h"
 #include "desktop/clients/endpoint_state.h"
 #include "desktop/clients/entry_check.h"
 
@@ -26,7 +25,8 @@ constexpr std::array<std::string_view, 5> kDeciding{"command", "url", "httpUrl",
 json::Value serverEntry(const ServerFormat& format, EntryForm form, const Host& host) {
   const MCPInstaller installer(usualEndpointURL(), host.files, host.locations);
   const bool isStdio = form == EntryForm::stdio;
-  Object entry = *tessumEntry(installer.setTessumEntry({}, isStdio))->object();
+  const Object config = installer.setTessumEntry({}, isStdio);
+  Object entry = *config.at("mcpServers").object()->at("tessum").object();
   if (isStdio && !checkEntry(entry).problem.empty()) {
     throw std::runtime_error(
         "there is no TessumMCP beside this program, so no application could start it");

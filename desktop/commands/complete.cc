@@ -67,8 +67,9 @@ Words categories(const Host& host, const std::string&) {
 
 Words clients(const Host& host, const std::string&) {
   Words names;
-  for (const Assistant& assistant : knownAssistants(host.locations))
+  for (const Assistant& assistant : knownAssistants(host.locations)) {
     names.emplace_back(assistant.id);
+  }
   return names;
 }
 

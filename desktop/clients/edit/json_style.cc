@@ -1,11 +1,23 @@
 #include "desktop/clients/edit/json_style.h"
 
+#include <algorithm>
+
 #include "core/json/writer.h"
 
 namespace tessum {
 namespace {
 
-// A JSON string without the backslashes before slashes, which nobody writes by hand.
+bool hasLineBreak(std::string_view text, std::size_t begin, std::size_t end) {
+  return text.substr(begin, end - begin).find('\n') != std::string_view::npos;
+}
+
+bool hasMemberLines(std::string_view text, const JsonObject& object) {
+  return !object.members.empty() &&
+         hasLineBreak(text, object.open, object.members.back().whole.begin);
+}
+
+}  // namespace
+
 std::string quoted(std::string_view text) {
   std::string escaped;
   json::appendString(escaped, text);
@@ -20,17 +32,6 @@ std::string quoted(std::string_view text) {
   }
   return out;
 }
-
-bool hasLineBreak(std::string_view text, std::size_t begin, std::size_t end) {
-  return text.substr(begin, end - begin).find('\n') != std::string_view::npos;
-}
-
-bool hasMemberLines(std::string_view text, const JsonObject& object) {
-  return !object.members.empty() &&
-         hasLineBreak(text, object.open, object.members.back().whole.begin);
-}
-
-}  // namespace
 
 std::string lineBreakOf(std::string_view text) {
   const auto end = text.find('\n');

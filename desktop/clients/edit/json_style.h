@@ -11,6 +11,10 @@
 
 namespace tessum {
 
+// `text` as a JSON string, without the backslashes before slashes, which nobody writes by hand. As
+// such it is a TOML string, too.
+[[nodiscard]] std::string quoted(std::string_view text);
+
 // "\r\n" when the first line of `text` ends so, else "\n".
 [[nodiscard]] std::string lineBreakOf(std::string_view text);
 

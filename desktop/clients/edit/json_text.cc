@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/json/reader.h"
+#include "core/json/writer.h"
 #include "desktop/clients/edit/json_layout.h"
 #include "desktop/clients/edit/json_style.h"
 
@@ -154,7 +155,26 @@ std::optional<json::Value> JsonText::entry(std::string_view text) const {
   return entry == nullptr ? std::nullopt : std::optional(*entry);
 }
 
-EditedText JsonText::withEntry(std::string_view text, const json::Value& entry) const {
+EditedText JsonText::withValue(const Parsed& before, const json::Value& entry,
+                               const Addition& made) const {
+  const JsonMember& old = *before.servers->find(key_);
+  JsonStyle style = styleOf(before.text, before.root, *before.servers);
+  style.indentation = indentationAt(before.text, old.whole.begin);
+  const std::string value = style.written(entry);
+  EditedText edited{
+      .text = withInsertion(withoutRange(before.text, old.value), old.value.begin, value),
+      .addition = made,
+      .isReplaced = true};
+  edited.addition.text.clear();
+  if (const auto place = placeOf(before, made)) {
+    const std::size_t size = made.text.size() - (old.value.end - old.value.begin) + value.size();
+    edited.addition.text = edited.text.substr(place->begin, size);
+  }
+  return edited;
+}
+
+EditedText JsonText::withEntry(std::string_view text, const json::Value& entry,
+                               const Addition& made) const {
   const Object servers{{key_, entry}};
   if (hasNoValue(text)) {
     EditedText edited = withDocument(text, Object{{container_, servers}});
@@ -166,20 +186,15 @@ EditedText JsonText::withEntry(std::string_view text, const json::Value& entry) 
   Object expected = before.value;
   if (!before.servers) {
     edited = withMember(text, before.layout, before.root, container_, servers);
-    edited.addition->hasContainer = true;
+    edited.addition.hasContainer = true;
     expected[container_] = servers;
   } else {
     Object all = *expected[container_].object();
     all[key_] = entry;
     expected[container_] = std::move(all);
-    if (const JsonMember* old = before.servers->find(key_)) {
-      JsonStyle style = styleOf(text, before.root, *before.servers);
-      style.indentation = indentationAt(text, old->whole.begin);
-      edited.text =
-          withInsertion(withoutRange(text, old->value), old->value.begin, style.written(entry));
-    } else {
-      edited = withMember(text, before.layout, *before.servers, key_, entry);
-    }
+    edited = before.servers->find(key_) == nullptr
+                 ? withMember(text, before.layout, *before.servers, key_, entry)
+                 : withValue(before, entry, made);
   }
   const Parsed after(edited.text, container_, key_);
   if (after.value != expected || (before.layout.isPlain() && !after.layout.isPlain())) {
@@ -188,23 +203,31 @@ EditedText JsonText::withEntry(std::string_view text, const json::Value& entry) 
   return edited;
 }
 
-std::optional<std::string> JsonText::withoutAddition(const Parsed& before,
-                                                     const Addition& made) const {
-  const JsonObject& object = made.hasContainer ? before.root : *before.servers;
-  const auto member =
-      std::find_if(object.members.begin(), object.members.end(), [&](const JsonMember& candidate) {
-        return candidate.key == (made.hasContainer ? container_ : key_);
-      });
+std::optional<TextRange> JsonText::placeOf(const Parsed& parsed, const Addition& made) const {
+  const JsonObject& object = made.hasContainer ? parsed.root : *parsed.servers;
+  const JsonMember* member = object.find(made.hasContainer ? container_ : key_);
   // The first quote of what was added is that of its key.
   const auto lead = made.text.find('"');
-  if (lead == std::string::npos || lead > member->whole.begin) return std::nullopt;
-  const std::size_t begin = member->whole.begin - lead;
-  if (before.text.substr(begin, made.text.size()) != made.text) return std::nullopt;
-  std::string edited = withoutRange(before.text, {begin, begin + made.text.size()});
-  if (made.hasComma) {
-    if (member == object.members.begin()) return std::nullopt;
-    edited.erase(*std::prev(member)->comma, 1);
+  if (member == nullptr || lead == std::string::npos || lead > member->whole.begin) {
+    return std::nullopt;
   }
+  const TextRange place{member->whole.begin - lead, member->whole.begin - lead + made.text.size()};
+  if (parsed.text.substr(place.begin, made.text.size()) != made.text) return std::nullopt;
+  return place;
+}
+
+std::optional<std::string> JsonText::withoutAddition(const Parsed& before,
+                                                     const Addition& made) const {
+  const auto place = placeOf(before, made);
+  if (!place) return std::nullopt;
+  std::string edited = withoutRange(before.text, *place);
+  if (!made.hasComma) return edited;
+  const JsonObject& object = made.hasContainer ? before.root : *before.servers;
+  const auto behind =
+      std::find_if(object.members.begin(), object.members.end(),
+                   [&](const JsonMember& member) { return member.whole.begin > place->begin; });
+  if (behind == object.members.begin()) return std::nullopt;
+  edited.erase(*std::prev(behind)->comma, 1);
   return edited;
 }
 
@@ -217,8 +240,7 @@ std::string JsonText::withoutMember(const Parsed& before, bool hasContainer) con
   return withoutMemberOf(before.text, before.layout, servers, key_);
 }
 
-std::string JsonText::withoutEntry(std::string_view text,
-                                   const std::optional<Addition>& made) const {
+std::string JsonText::withoutEntry(std::string_view text, const Addition& made) const {
   const Parsed before(text, container_, key_);
   // Whether `edited` differs from `text` by the entry alone, or by a container left empty.
   const auto isRight = [&](const std::string& edited) {
@@ -237,13 +259,32 @@ std::string JsonText::withoutEntry(std::string_view text,
       return false;
     }
   };
-  if (made) {
-    auto edited = withoutAddition(before, *made);
-    if (edited && isRight(*edited)) return *std::move(edited);
-  }
-  std::string edited = withoutMember(before, made && made->hasContainer);
+  auto exact = withoutAddition(before, made);
+  if (exact && isRight(*exact)) return *std::move(exact);
+  std::string edited = withoutMember(before, made.hasContainer);
   if (!isRight(edited)) throw CannotEdit("it is written in an unusual way");
   return edited;
+}
+
+RewrittenText JsonText::rewritten(std::string_view text, const json::Value& entry) const {
+  RewrittenText out{.isLossy = !text.empty()};
+  Object root;
+  try {
+    const json::Value old = json::parse(text);
+    if (const Object* object = old.object()) {
+      root = *object;
+      out.isLossy = false;
+    }
+  } catch (const json::DecodingError&) {
+    // Not plain JSON, so the text is lost.
+  }
+  out.hasContainer = !root.contains(container_);
+  json::Value& container = root[container_];
+  Object servers = container.object() == nullptr ? Object() : *container.object();
+  servers.insert_or_assign(key_, entry);
+  container = std::move(servers);
+  out.text = json::pretty(root);
+  return out;
 }
 
 bool JsonText::isEmpty(std::string_view text) const {
