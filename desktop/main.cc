@@ -43,6 +43,7 @@ int runCommand(int argc, char** argv) {
   app.footer(
       "\"Tessum COMMAND --help\" has examples. The exit status is 0 on success, 1 when the\n"
       "command failed and 2 when the command line or the settings were wrong.");
+  addSetupCommand(app, host);
   addRecordCommand(app, host);
   addServeCommand(app, host);
   addPauseCommands(app, host);

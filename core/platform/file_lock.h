@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <sys/types.h>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,6 +38,7 @@ class FileLock {
 // The file of a lock as other processes see it.
 struct LockFile {
   bool isHeld = false;
+  std::optional<pid_t> holder = {};  // its process; absent when not held or not known here
   Date lastModified;
   std::string content;
 };

@@ -60,6 +60,8 @@ std::optional<LockFile> readLockFile(const std::string& path) {
   LockFile found{.isHeld = lock.l_type != F_UNLCK,
                  .lastModified = {static_cast<double>(status.st_mtime)},
                  .content = {}};
+  // A holder in another container has no number here.
+  if (found.isHeld && lock.l_pid > 0) found.holder = lock.l_pid;
   std::array<char, 4096> buffer{};
   while (true) {
     const ssize_t count = read(file.number(), buffer.data(), buffer.size());

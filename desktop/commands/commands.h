@@ -11,6 +11,7 @@ class App;
 
 namespace tessum {
 
+void addSetupCommand(CLI::App& app, Host& host);
 void addRecordCommand(CLI::App& app, Host& host);
 void addServeCommand(CLI::App& app, Host& host);
 void addPauseCommands(CLI::App& app, Host& host);  // pause and resume

@@ -19,11 +19,18 @@
 namespace tessum {
 namespace {
 
+std::string mark(const Finding& finding, const Paper& paper) {
+  if (finding.isProblem()) return toned("  BAD", Tone::bad, paper);
+  return finding.isAdviceOnly ? toned("  tip", Tone::accent, paper)
+                              : toned("  ok ", Tone::good, paper);
+}
+
 void examine(Host& host) {
   std::vector<Finding> findings;
   const auto add = [&](std::vector<Finding> more) {
     findings.insert(findings.end(), more.begin(), more.end());
   };
+  add(checkSetup(host));
   add(checkFolder(host));
   add(checkHistory(host));
   add(checkWorkspace());
@@ -33,13 +40,9 @@ void examine(Host& host) {
   const Paper paper = standardOutputPaper();
   std::string text;
   for (const Finding& finding : findings) {
-    if (!finding.isProblem()) {
-      text += toned("  ok ", Tone::good, paper) + "  " + printable(finding.text) + "\n";
-      continue;
-    }
-    host.status = kFailure;
-    text += toned("  BAD", Tone::bad, paper) + "  " + printable(finding.text) + "\n         " +
-            printable(finding.remedy) + "\n";
+    text += mark(finding, paper) + "  " + printable(finding.text) + "\n";
+    if (!finding.remedy.empty()) text += "         " + printable(finding.remedy) + "\n";
+    if (finding.isProblem()) host.status = kFailure;
   }
   print(text);
 }

@@ -24,8 +24,13 @@ void printForeign(std::string_view text);
 // Where standard output is a file of the user, takes the rights to it from everyone else.
 void closeOutputToOthers();
 
-// Prints `question` and reads a line from standard input. Returns whether the answer is yes; the
-// end of input means no.
+enum class Answer { yes, no, none };
+
+// Prints `question` and reads a line from standard input: no unless it says yes, none at the end of
+// input.
+[[nodiscard]] Answer answerTo(const std::string& question);
+
+// The same where the end of input means no. Returns whether the answer is yes.
 [[nodiscard]] bool askYesOrNo(const std::string& question);
 
 }  // namespace tessum

@@ -43,11 +43,16 @@ void closeOutputToOthers() {
   fchmod(STDOUT_FILENO, output.st_mode & S_IRWXU);  // which fails for a file of somebody else
 }
 
-bool askYesOrNo(const std::string& question) {
+Answer answerTo(const std::string& question) {
   print(question + " [y/N] ");
   std::string answer;
-  std::getline(std::cin, answer);
-  return answer == "y" || answer == "Y" || answer == "yes" || answer == "Yes";
+  if (!std::getline(std::cin, answer)) return Answer::none;
+  const bool isYes = answer == "y" || answer == "Y" || answer == "yes" || answer == "Yes";
+  return isYes ? Answer::yes : Answer::no;
+}
+
+bool askYesOrNo(const std::string& question) {
+  return answerTo(question) == Answer::yes;
 }
 
 }  // namespace tessum

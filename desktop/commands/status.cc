@@ -9,22 +9,14 @@
 #include "core/store/history.h"
 #include "core/store/records.h"
 #include "desktop/clients/endpoint_state.h"
-#include "desktop/clients/registered_clients.h"
 #include "desktop/commands/standard_output.h"
-#include "desktop/recording/recorder_state.h"
 #include "desktop/reports/text_layout.h"
 #include "desktop/reports/wall_clock.h"
 #include "desktop/settings/pause.h"
+#include "desktop/setup/overview.h"
 
 namespace tessum {
 namespace {
-
-// "since 09:15 (42m 3s)", with the date where it is not today's.
-std::string sinceText(Date start, Date now) {
-  const bool isToday = dateText(start) == dateText(now);
-  return "since " + (isToday ? "" : dateText(start) + " ") + clockText(start) + " (" +
-         durationText(secondsBetween(start, now), DurationForm::longForm) + ")";
-}
 
 std::string sizeText(std::uintmax_t bytes) {
   if (bytes < 1000) return std::to_string(bytes) + " bytes";
@@ -49,17 +41,6 @@ std::string noteText(const std::vector<Annotation>& open, Date now) {
   return open.empty() ? "none" : open.front().text + ", " + sinceText(open.front().startedAt, now);
 }
 
-std::string joined(const std::vector<std::string>& texts) {
-  std::string joined;
-  for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
-  return joined;
-}
-
-std::string clientsText(const Host& host) {
-  const std::string text = joined(registeredClients(host));
-  return text.empty() ? "none; \"Tessum install\" registers them" : text;
-}
-
 std::string endpointText() {
   switch (endpointState()) {
     case EndpointState::answers:
@@ -73,29 +54,26 @@ std::string endpointText() {
 }
 
 void showStatus(const Host& host) {
-  const Date now = host.clock.now();
+  const Overview state = overview(host);
+  const RecorderState& recorder = state.recorder;
+  const Date now = state.now;
   const std::string path = historyPath(host.locations);
-  const RecorderState recorder = recorderState(host.locations);
   using enum Table::Alignment;
   Table table({left, left});
   const auto add = [&](const char* name, const std::string& value, Tone tone = Tone::plain,
                        Table::Fit fit = Table::Fit::wrap) {
     table.addRow({{name, Tone::faint}, {value, tone, fit}});
   };
+  add("Recording", recordingText(state), recorder.isRecording ? Tone::good : Tone::bad);
+  if (state.pause) add("Paused", pauseText(*state.pause, now), Tone::bad);
   if (recorder.isRecording) {
-    add("Recording",
-        "yes, " + sinceText(recorder.since.value_or(now), now) +
-            (recorder.way.empty() ? "" : ", by " + recorder.way),
-        Tone::good);
     if (!recorder.notice.empty()) add("Notice", recorder.notice, Tone::bad);
     if (recorder.awaySince) add("Away", sinceText(*recorder.awaySince, now));
     if (!recorder.awake.empty()) add("Kept awake", "by " + joined(recorder.awake));
-  } else {
-    add("Recording", "no; \"Tessum record\" starts it", Tone::bad);
   }
-  if (const auto pause = pauseAt(now, host.locations, host.files)) {
-    add("Paused", pauseText(*pause, now), Tone::bad);
-  }
+  add("At login", loginText(state), state.loginStart ? Tone::good : Tone::bad);
+  add("Clients", assistantsText(state));
+  add("Next", nextText(state), Tone::strong);
   try {
     History history(path, History::Access::read);
     add("In front", sessionText(currentSession(recorder, history.openSessions()), now));
@@ -105,7 +83,6 @@ void showStatus(const Host& host) {
   } catch (const NoHistory&) {
     add("History", path + ", which does not exist yet", Tone::plain, Table::Fit::whole);
   }
-  add("Clients", clientsText(host));
   add("Endpoint", endpointText());
   print(table.text(standardOutputPaper()));
 }

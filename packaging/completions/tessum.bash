@@ -14,7 +14,7 @@ _tessum_offer() {
 _tessum() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} words= kind=
-  local commands='record serve pause resume status day usage category notes search note timeline clients install uninstall
+  local commands='setup record serve pause resume status day usage category notes search note timeline clients install uninstall
     update doctor export forget backup settings help'
   # Bash makes a word of the sign in --app=NAME.
   if [ "$word" = = ]; then
@@ -37,6 +37,7 @@ _tessum() {
       --for | --limit | --top | --title) ;;
       *)
         case $command in
+          setup) words='--undo --yes --dry-run --help' ;;
           record) words='--http --http-open --away-after --titles --no-update-check --help' ;;
           serve) words='--open --help' ;;
           day) words='--app --title --category --json --csv --plain --help' ;;

@@ -15,10 +15,13 @@ complete -c Tessum -w tessum
 complete -c tessum -f
 complete -c tessum -l help -d 'Show help'
 complete -c tessum -n __fish_use_subcommand -l version -d 'Show the version'
-for command in record serve pause resume status day usage category notes search note timeline clients install uninstall \
+for command in setup record serve pause resume status day usage category notes search note timeline clients install uninstall \
         update doctor export forget backup settings help
     complete -c tessum -n __fish_use_subcommand -a $command
 end
+__tessum_add setup -l undo -d 'Take back what setup has done'
+__tessum_add setup -l yes -d 'Do not ask'
+__tessum_add setup -l dry-run -d 'Only show what it would do'
 __tessum_add record -l http -d 'Answer over HTTP'
 __tessum_add record -l http-open -d 'Answer whoever asks over HTTP'
 __tessum_add serve -l open -d 'Answer whoever asks'

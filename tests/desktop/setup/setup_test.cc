@@ -1,0 +1,287 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/desktop/user.h"
+#include "tests/support/desktop/x11_desktop.h"
+#include "tests/support/eventually.h"
+#include "tests/support/sql.h"
+
+namespace tessum {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A stand-in for systemd's command, which notes its calls.
+constexpr char kSystemctl[] = R"script(#!/bin/sh
+echo "$@" >> "$HOME/calls"
+case $2 in
+  start) "$RECORDER" record >/dev/null 2>&1 & echo $! > "$HOME/process" ;;
+  stop) kill "$(cat "$HOME/process")" ;;
+esac
+)script";
+
+// Each path below `folder`, with its permissions and what it holds.
+std::map<std::string, std::string> listing(const std::string& folder) {
+  std::map<std::string, std::string> entries;
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    struct stat status {};
+    lstat(entry.path().c_str(), &status);
+    std::string text = std::to_string(status.st_mode) + " ";
+    if (entry.is_symlink()) {
+      text += fs::read_symlink(entry.path()).string();
+    } else if (entry.is_regular_file()) {
+      text += readFile(entry.path());
+    }
+    entries[entry.path().lexically_relative(folder).string()] = text;
+  }
+  return entries;
+}
+
+// A person on an X11 desktop with a terminal in front, and without systemd: the program that speaks
+// to it is not there, or is `systemctl` where a test writes one.
+class Setup : public testing::Test {
+ protected:
+  Setup() {
+    fs::create_directory(desktop.home().file("bin"));
+    fs::create_symlink("/usr/bin/cat", tool("cat"));
+  }
+
+  // Ends a recorder that a test has left behind.
+  ~Setup() override { run({"setup", "--undo", "--yes"}); }
+
+  std::string tool(const std::string& name) const { return desktop.home().file("bin/" + name); }
+  std::string config(const std::string& name) const {
+    return desktop.home().file("config/" + name);
+  }
+
+  void openTerminal() {
+    desktop.startWindowManager();
+    terminal_ = desktop.start("xterm", {"-T", "Letter"});
+    ASSERT_TRUE(eventually([&] { return desktop.activeWindow() != 0; }));
+  }
+
+  std::unique_ptr<ChildProcess> start(const std::vector<std::string>& arguments,
+                                      const std::vector<std::string>& more = {}) const {
+    std::vector<std::string> environment{
+        "PATH=" + desktop.home().file("bin"), "XDG_RUNTIME_DIR=" + desktop.home().file("run"),
+        "DBUS_SESSION_BUS_ADDRESS=unix:path=" + desktop.home().file("run/bus"),
+        "XDG_DATA_DIRS=" + desktop.home().file("share")};
+    environment.insert(environment.end(), more.begin(), more.end());
+    return desktop.start(hostProgram(), arguments, environment);
+  }
+
+  Outcome run(const std::vector<std::string>& arguments, std::string_view input = "",
+              const std::vector<std::string>& more = {}) const {
+    const auto program = start(arguments, more);
+    program->write(input);
+    return outcomeOf(*program);
+  }
+
+  // What setup and its undoing must leave as it is: all but the history.
+  std::map<std::string, std::string> home() const {
+    auto entries = listing(desktop.home().path());
+    for (const char* path :
+         {"data", "data/Tessum", "data/Tessum/activities.db", "data/Tessum/recorder.lock"}) {
+      entries.erase(path);
+    }
+    return entries;
+  }
+
+  bool isRecording() const { return bool(contains(run({"status"}).output, "Recording  yes")); }
+
+  Desktop desktop;
+
+ private:
+  std::unique_ptr<ChildProcess> terminal_;
+};
+
+TEST_F(Setup, RecordsFromNowAndFromEachLoginOn) {
+  openTerminal();
+  const Outcome outcome = run({"setup", "--yes"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(contains(outcome.output, "start recording now"));
+  EXPECT_TRUE(contains(outcome.output, "Recording      yes, since "));
+  EXPECT_TRUE(contains(outcome.output, "First session  XTerm – Letter"));
+  EXPECT_TRUE(contains(outcome.output, "Next           \"Tessum day\""));
+  EXPECT_TRUE(isRecording());
+  EXPECT_TRUE(contains(readFile(config("autostart/tessum-record.desktop")),
+                       "\nExec=" + hostProgram() + " record\n"));
+  EXPECT_TRUE(contains(readFile(config("Tessum/settings.toml")), "# away-after = "));
+  EXPECT_EQ(run({"settings", "check"}).status, 0);
+}
+
+TEST_F(Setup, LeavesNothingButTheHistoryWhenItIsUndone) {
+  openTerminal();
+  fs::create_directories(config("autostart"));
+  writeFile(config("autostart/another.desktop"), "[Desktop Entry]\n");
+  const auto before = home();
+  ASSERT_EQ(run({"setup", "--yes"}).status, 0);
+  EXPECT_NE(home(), before);
+  const Outcome outcome = run({"setup", "--undo", "--yes"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(contains(outcome.output, "The history stays in " + desktop.dataFolder()));
+  EXPECT_EQ(home(), before);
+  EXPECT_FALSE(isRecording());
+  EXPECT_TRUE(fs::exists(desktop.dataFolder() + "/activities.db"));
+  EXPECT_EQ(run({"setup", "--undo", "--yes"}).output,
+            "Setup has changed nothing here that could be taken back.\n");
+}
+
+TEST_F(Setup, ChangesNothingTheSecondTime) {
+  openTerminal();
+  ASSERT_EQ(run({"setup", "--yes"}).status, 0);
+  const auto before = home();
+  const Outcome outcome = run({"setup"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(contains(outcome.output, "Everything is set up; nothing was changed.\n"));
+  EXPECT_EQ(home(), before);
+}
+
+TEST_F(Setup, ChangesNothingUnlessTheAnswerIsYes) {
+  struct Case {
+    std::vector<std::string> arguments;
+    const char* input;
+    int status;
+  };
+  const auto before = listing(desktop.home().path());
+  for (const Case& row :
+       {Case{{"setup"}, "\n", 1}, Case{{"setup"}, "no\n", 1}, Case{{"setup"}, "", 2},
+        Case{{"setup", "--dry-run"}, "", 0}, Case{{"setup", "--dry-run", "--yes"}, "", 0}}) {
+    const Outcome outcome = run(row.arguments, row.input);
+    EXPECT_EQ(outcome.status, row.status) << outcome.errors;
+    EXPECT_TRUE(contains(outcome.output, config("autostart/tessum-record.desktop")));
+    EXPECT_TRUE(contains(outcome.output, "Nothing was changed.\n"));
+  }
+  EXPECT_TRUE(contains(run({"setup"}).errors, "give --yes"));
+  EXPECT_EQ(listing(desktop.home().path()), before);
+}
+
+TEST_F(Setup, AsksOnceAndUndoesOnlyAfterAYesToo) {
+  openTerminal();
+  ASSERT_EQ(run({"setup"}, "y\n").status, 0);
+  const auto before = home();
+  EXPECT_EQ(run({"setup", "--undo"}, "\n").status, 1);
+  const Outcome outcome = run({"setup", "--undo", "--dry-run"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(contains(outcome.output, "remove " + config("Tessum/settings.toml")));
+  EXPECT_EQ(home(), before);
+  EXPECT_TRUE(isRecording());
+}
+
+TEST_F(Setup, RegistersWithTheAssistantsThatAreHere) {
+  openTerminal();
+  EXPECT_TRUE(contains(run({"status"}).output, "Clients    none was found"));
+  fs::create_directories(desktop.home().file(".cursor"));
+  EXPECT_TRUE(contains(run({"status"}).output, "Clients    Cursor does not know of Tessum"));
+  EXPECT_TRUE(contains(run({"setup", "--dry-run"}).output, "+    \"tessum\": {"));
+  const Outcome outcome = run({"setup", "--yes"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(contains(outcome.output, "- tell Cursor of Tessum\n      " +
+                                           desktop.home().file(".cursor/mcp.json") + "\n"));
+  EXPECT_TRUE(contains(outcome.output, "Cursor knows of Tessum; restart those that are running"));
+  EXPECT_FALSE(fs::exists(desktop.home().file(".codeium"))) << "an assistant that is not here";
+  EXPECT_TRUE(contains(run({"doctor"}).output, "ok   Cursor knows of Tessum."));
+}
+
+// An entry that the user chose is not setup's to take.
+TEST_F(Setup, LeavesARegistrationThatWasThereBefore) {
+  openTerminal();
+  ASSERT_EQ(run({"install", "cursor", "--http"}).status, 0);
+  const std::string file = readFile(desktop.home().file(".cursor/mcp.json"));
+  ASSERT_EQ(run({"setup", "--yes"}).status, 0);
+  EXPECT_EQ(readFile(desktop.home().file(".cursor/mcp.json")), file);
+  ASSERT_EQ(run({"setup", "--undo", "--yes"}).status, 0);
+  EXPECT_EQ(readFile(desktop.home().file(".cursor/mcp.json")), file);
+}
+
+TEST_F(Setup, KeepsWhatWasThereAndWhatWasEditedSince) {
+  openTerminal();
+  fs::create_directories(config("Tessum"));
+  writeFile(config("Tessum/settings.toml"), "[reports]\nday-starts = \"04:00\"\n");
+  ASSERT_EQ(run({"setup", "--yes"}).status, 0);
+  EXPECT_EQ(readFile(config("Tessum/settings.toml")), "[reports]\nday-starts = \"04:00\"\n");
+  const std::string entry = config("autostart/tessum-record.desktop");
+  writeFile(entry, readFile(entry) + "X-Mine=true\n");
+  const Outcome outcome = run({"setup", "--undo", "--yes"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(contains(outcome.output, "leave " + entry + ", which was edited since"));
+  EXPECT_TRUE(contains(readFile(entry), "X-Mine=true\n"));
+}
+
+TEST_F(Setup, LeavesARecorderAloneThatRanBefore) {
+  openTerminal();
+  const auto recorder = start({"record", "--no-update-check"});
+  ASSERT_TRUE(eventually([&] { return isRecording(); }));
+  const Outcome outcome = run({"setup", "--yes"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_EQ(outcome.output.find("start recording now"), std::string::npos);
+  EXPECT_EQ(run({"setup", "--undo", "--yes"}).status, 0);
+  EXPECT_TRUE(isRecording());
+}
+
+TEST_F(Setup, MendsAnEntryWhoseProgramIsGoneAndPutsItBack) {
+  openTerminal();
+  const std::string entry = config("autostart/tessum-record.desktop");
+  fs::create_directories(config("autostart"));
+  const std::string stale = "[Desktop Entry]\nExec=/nowhere/Tessum record\n";
+  writeFile(entry, stale);
+  ASSERT_EQ(run({"setup", "--yes"}).status, 0);
+  EXPECT_TRUE(contains(readFile(entry), "Exec=" + hostProgram() + " record\n"));
+  ASSERT_EQ(run({"setup", "--undo", "--yes"}).status, 0);
+  EXPECT_EQ(readFile(entry), stale);
+}
+
+TEST_F(Setup, SaysWhyNothingRecordsWhereThereIsNoDesktop) {
+  const Outcome outcome = run({"setup", "--yes"}, "", {"DISPLAY="});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_TRUE(contains(outcome.output, "Recording      no"));
+  EXPECT_TRUE(contains(outcome.output, "DISPLAY is not set"));
+  EXPECT_TRUE(contains(outcome.output, "At login       yes, by "));
+}
+
+TEST_F(Setup, SaysWhichLineACompositorNeedsThatStartsNoEntries) {
+  const Outcome outcome = run({"setup", "--yes"}, "", {"DISPLAY=", "XDG_CURRENT_DESKTOP=sway"});
+  EXPECT_TRUE(contains(outcome.output, "Add this line to " + config("sway/config") + ": exec " +
+                                           hostProgram() + " record"));
+}
+
+// A stand-in for systemd's command, which notes its calls; tests/desktop/setup/with-systemd runs
+// the real one.
+TEST_F(Setup, LeavesTheRecorderToSystemdWhereTheSessionRunsItsTarget) {
+  openTerminal();
+  writeFile(tool("systemctl"), kSystemctl);
+  chmod(tool("systemctl").c_str(), 0700);
+  writeFile(desktop.home().file("calls"), "");
+  auto before = home();
+  const Outcome outcome = run({"setup", "--yes"}, "", {"RECORDER=" + hostProgram()});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  const std::string unit = config("systemd/user/tessum-record.service");
+  EXPECT_TRUE(contains(readFile(unit), "\nExecStart=" + hostProgram() + " record\n"));
+  EXPECT_EQ(
+      fs::read_symlink(config("systemd/user/graphical-session.target.wants/tessum-record.service")),
+      unit);
+  EXPECT_FALSE(fs::exists(config("autostart")));
+  const std::string calls = readFile(desktop.home().file("calls"));
+  EXPECT_TRUE(contains(calls, "--user daemon-reload\n"));
+  EXPECT_TRUE(contains(calls, "--user start tessum-record.service\n"));
+  EXPECT_TRUE(contains(run({"setup", "--yes"}).output, "Everything is set up"));
+
+  EXPECT_EQ(run({"setup", "--undo", "--yes"}).status, 0);
+  EXPECT_TRUE(contains(readFile(desktop.home().file("calls")),
+                       "--user stop tessum-record.service\n--user daemon-reload\n"));
+  EXPECT_TRUE(eventually([&] { return !isRecording(); }));
+  auto after = home();
+  for (auto* entries : {&before, &after}) {
+    entries->erase("calls");
+    entries->erase("process");
+  }
+  EXPECT_EQ(after, before);
+}
+
+}  // namespace
+}  // namespace tessum
