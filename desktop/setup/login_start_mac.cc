@@ -6,7 +6,6 @@
 
 #include "desktop/setup/login_start.h"
 #include "desktop/setup/program_run.h"
-#include "desktop/setup/recorder_process.h"
 #include "desktop/setup/start_files.h"
 
 namespace tessum {
