@@ -25,7 +25,7 @@ class Drawing {
     const { choice, history } = this;
     const totals = totalsOf(choice, history.days[0].start, history.end);
     const sums = choice.groupsByCategory ? totals.categories : totals.apps;
-    const order = [...sums.keys()].filter((i) => sums[i] > 0).sort((a, b) => sums[b] - sums[a]);
+    const order = [...sums.keys()].filter((i) => sums[i] > 0).sort(bySize(sums, choice.groups));
     this.rows = order.slice(0, kMostRows).map((group) => ({ name: choice.groups[group].name, groups: [group] }));
     const others = order.slice(kMostRows - 1);
     if (others.length > 1) this.rows[kMostRows - 1] = { name: counted(others.length, 'other'), groups: others };

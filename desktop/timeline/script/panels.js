@@ -14,6 +14,11 @@ function shareText(part, whole) {
   return `${whole > 0 ? Math.round(part / whole * 100) : 0}%`;
 }
 
+// Orders indices by their sums, the largest first, and equal ones by their names.
+function bySize(sums, groups) {
+  return (a, b) => sums[b] - sums[a] || (groups[a].name < groups[b].name ? -1 : 1);
+}
+
 // The tables of totals for what is in view.
 class Totals {
   constructor(place, history, choice, drawing, onTitle) {
@@ -43,7 +48,7 @@ class Totals {
 
   #groups(body, kind, groups, sums, off) {
     const shown = [...groups.keys()].filter((i) => sums[i] > 0 || off.has(i));
-    shown.sort((a, b) => sums[b] - sums[a] || a - b);
+    shown.sort(bySize(sums, groups));
     const rows = shown.map((i) => this.#row(sums[i], this.#switch(kind, groups, i, off), this.#colour(groups[i])));
     body.replaceChildren(...(rows.length > 0 ? rows : [this.#nothing()]));
   }

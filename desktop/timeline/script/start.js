@@ -50,9 +50,8 @@ class Explorer {
     } else if (this.choice.hidesSome) {
       this.#filter('');
       this.choice.reset();
-    } else {
-      document.activeElement?.blur?.();
     }
+    this.parts.filter.blur(); // so that the other keys work again
     this.#schedule();
   }
 

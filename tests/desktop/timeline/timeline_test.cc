@@ -1,0 +1,198 @@
+// The timeline of any period: the command, and what the page is made of.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <set>
+
+#include "desktop/timeline/colours.h"
+#include "desktop/timeline/page_parts.h"
+#include "desktop/timeline/spans.h"
+#include "tests/desktop/user.h"
+#include "tests/support/child_process.h"
+
+namespace tessum {
+namespace {
+
+class TimelineCommand : public testing::Test {
+ protected:
+  TimelineCommand() {
+    user.addSession("Editor", "main.cc", "2025-03-03T09:00:00Z", "2025-03-03T11:00:00Z");
+    user.addSession("Music", nullptr, "2025-03-04T22:00:00Z", "2025-03-05T02:00:00Z");
+    user.set("PATH", user.file("bin") + ":/usr/bin:/bin");
+    std::filesystem::create_directory(user.file("bin"));
+  }
+
+  // The desktop's opener ends with `status`.
+  void haveOpener(int status) const {
+    const std::string path = user.file("bin/xdg-open");
+    writeFile(path, "#!/bin/sh\nexit " + std::to_string(status) + "\n");
+    chmod(path.c_str(), 0700);
+  }
+
+  User user;
+};
+
+TEST_F(TimelineCommand, WritesToStandardOutput) {
+  const Outcome outcome = user.run({"timeline", "2025-03-03..2025-03-05", "-o", "-"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(outcome.output.starts_with("<!DOCTYPE html>"));
+  EXPECT_TRUE(outcome.output.ends_with("</html>\n"));
+  EXPECT_FALSE(std::filesystem::exists(user.file("-")));
+  EXPECT_FALSE(std::filesystem::exists(user.dataFolder() + "/timeline.html"));
+}
+
+#if !defined(__APPLE__)
+TEST_F(TimelineCommand, SaysWhetherABrowserWasOpened) {
+  haveOpener(0);
+  EXPECT_TRUE(contains(user.run({"timeline", "2025-03-03"}).output,
+                       "timeline.html, and your browser was asked to open it.\n"));
+  haveOpener(3);  // what it ends with when it finds none
+  const Outcome failed = user.run({"timeline", "2025-03-03"});
+  EXPECT_EQ(failed.status, 0);
+  EXPECT_TRUE(contains(failed.output, "timeline.html. No browser could be opened"));
+  user.set("PATH", "/nowhere");
+  EXPECT_TRUE(
+      contains(user.run({"timeline", "2025-03-03"}).output, "No browser could be opened"));
+}
+#endif
+
+TEST_F(TimelineCommand, ShowsUpToAYearOfRecords) {
+  user.addSession("Editor", nullptr, "2023-03-03T09:00:00Z", "2023-03-03T11:00:00Z");
+  const Outcome outcome = user.run({"timeline", "2023-01-01..2025-12-31", "-o", "-"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_TRUE(contains(outcome.errors, "the timeline shows up to a year"));
+  EXPECT_EQ(user.run({"timeline", "2024-12-31..2025-12-31", "-o", "-"}).status, 0);
+}
+
+TEST_F(TimelineCommand, LeavesOutDaysBeforeTheFirstRecord) {
+  const std::string page = user.run({"timeline", "2000-01-01..2025-03-05", "-o", "-"}).output;
+  EXPECT_TRUE(contains(page, "\"days\":[[\"2025-03-03\",0]"));
+}
+
+TEST_F(TimelineCommand, DrawsASessionOverMidnightOnBothDays) {
+  const std::string page = user.run({"timeline", "2025-03-04..2025-03-05", "-o", "-"}).output;
+  EXPECT_TRUE(contains(page, ">4h 0m in 1 session<"));
+  std::size_t spans = 0;
+  for (std::size_t i = 0; (i = page.find("<rect class=\"session", i)) != std::string::npos; ++i) {
+    ++spans;
+  }
+  EXPECT_EQ(spans, 2U);
+}
+
+TEST_F(TimelineCommand, AnEmptyPeriodSaysWhatToDo) {
+  const std::string page = user.run({"timeline", "2024-02", "-o", "-"}).output;
+  EXPECT_TRUE(contains(page, "Nothing was recorded on these days."));
+  EXPECT_TRUE(contains(page, "The history begins on 2025-03-03 and reaches to 2025-03-04."));
+  EXPECT_TRUE(contains(page, "Tessum timeline 2025-03-04"));
+  EXPECT_FALSE(contains(page, "<script"));
+}
+
+TEST(TimelineOfAnEmptyHistory, SaysHowToRecord) {
+  User user;
+  { const Database creator = user.database(); }
+  EXPECT_TRUE(contains(user.run({"timeline", "-o", "-"}).output, "<code>Tessum record</code>"));
+}
+
+TEST_F(TimelineCommand, CategoriesHaveTheColoursOfTheSettings) {
+  user.writeSettings(
+      "[[category]]\nname = \"Work\"\napp = 'Editor'\n"
+      "[[category]]\nname = \"Work\"\napp = 'Terminal'\ncolor = \"#3A7BD5\"\n");
+  const std::string page = user.run({"timeline", "2025-03-03..2025-03-05", "-o", "-"}).output;
+  EXPECT_TRUE(contains(
+      page, "[\"Work\"," + std::to_string(colourOf("Work")) + ",\"#3a7bd5\"]"));
+}
+
+TEST_F(TimelineCommand, ManyLongTitlesAreCutToKeepThePageSmall) {
+  {
+    Database database = user.database();
+    for (int i = 0; i < 6000; ++i) {
+      const Date start = movedBy(at("2025-03-04T00:00:00Z"), i);
+      database.insert({.id = {},
+                       .appName = "Browser",
+                       .bundleID = {},
+                       .title = std::to_string(i) + std::string(4000, 'x'),
+                       .startTime = start,
+                       .endTime = movedBy(start, 1)});
+    }
+  }
+  const std::string page = user.run({"timeline", "2025-03-04", "-o", "-"}).output;
+  EXPECT_LT(page.size(), 15'000'000U);
+  EXPECT_GT(page.size(), 3'000'000U);
+}
+
+////////////////////////////////////////////////////////////////////////////////////////////////
+// The parts
+
+Span span(double start, double end, std::size_t session) {
+  return {.start = start, .end = end, .session = session, .longest = end - start};
+}
+
+TEST(JoinedSpans, LeavesThoseOfAPixelAndMoreAlone) {
+  const std::vector<Span> spans{span(0, 2, 0), span(2, 3, 1), span(3, 9, 2)};
+  EXPECT_EQ(joined(spans, 1).size(), 3U);
+}
+
+TEST(JoinedSpans, LetTheLongerStandForNeighboursBelowAPixel) {
+  const std::vector<Span> spans{span(0, 0.2, 0), span(0.2, 0.7, 1), span(0.7, 1.1, 2)};
+  const auto out = joined(spans, 1);
+  ASSERT_EQ(out.size(), 1U);
+  EXPECT_EQ(out[0].session, 1U);
+  EXPECT_EQ(out[0].count, 3U);
+  EXPECT_DOUBLE_EQ(out[0].end, 1.1);
+}
+
+TEST(JoinedSpans, LetAShortOneVanishInItsLongNeighbour) {
+  const std::vector<Span> before{span(0, 0.2, 0), span(0.2, 5, 1)};
+  ASSERT_EQ(joined(before, 1).size(), 1U);
+  EXPECT_EQ(joined(before, 1)[0].session, 1U);
+  const std::vector<Span> behind{span(0, 5, 0), span(5, 5.2, 1)};
+  ASSERT_EQ(joined(behind, 1).size(), 1U);
+  EXPECT_EQ(joined(behind, 1)[0].session, 0U);
+}
+
+TEST(JoinedSpans, KeepAShortOneThatStandsAlone) {
+  const std::vector<Span> spans{span(0, 3, 0), span(6, 6.1, 1), span(9, 12, 2)};
+  EXPECT_EQ(joined(spans, 1).size(), 3U);
+}
+
+TEST(JoinedSpans, AreNoMoreThanThePixelsOfManyShortOnes) {
+  std::vector<Span> spans;
+  for (std::size_t i = 0; i < 100'000; ++i) {
+    const auto start = static_cast<double>(i) / 1000;
+    spans.push_back(span(start, start + 0.001, i));
+  }
+  const auto out = joined(spans, 1);
+  EXPECT_LE(out.size(), 100U);
+  EXPECT_GE(out.size(), 90U) << "and do not all become one";
+}
+
+TEST(LanesOfNotes, KeepThoseApartThatOverlap) {
+  const auto note = [](double start, std::optional<Date> end) {
+    return Annotation{.id = {}, .text = "", .startedAt = {start}, .endedAt = end};
+  };
+  const std::vector<Annotation> notes{note(0, Date{10}), note(2, Date{4}), note(3, Date{5}),
+                                      note(4, Date{8}), note(10, std::nullopt),
+                                      note(19, std::nullopt)};
+  EXPECT_EQ(lanesOf(notes, Date{20}), (std::vector<std::size_t>{0, 1, 2, 1, 0, 1}));
+}
+
+// A colour that changed with a release would be another application's to whoever knows it.
+TEST(Colours, BelongToNamesForGood) {
+  EXPECT_EQ(colourOf("Firefox"), 5U);
+  EXPECT_EQ(colourOf("Terminal"), 4U);
+  EXPECT_EQ(colourOf(""), 9U);
+  std::set<std::size_t> used;
+  for (char c = 'a'; c <= 'z'; ++c) used.insert(colourOf(std::string(3, c)));
+  EXPECT_GE(used.size(), 10U) << "names are spread over the colours";
+}
+
+TEST(PageParts, CannotEndTheirElement) {
+  EXPECT_EQ(kPageScript.text.find("</"), std::string_view::npos);
+  EXPECT_EQ(kPageScript.text.find("<!--"), std::string_view::npos);
+  EXPECT_EQ(kPageStyle.text.find('<'), std::string_view::npos);
+}
+
+}  // namespace
+}  // namespace tessum
