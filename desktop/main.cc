@@ -49,12 +49,14 @@ int runCommand(int argc, char** argv) {
   addPauseCommands(app, host);
   addStatusCommand(app, host);
   addReportCommands(app, host);
+  addSearchCommand(app, host);
   addUsageCommand(app, host);
   addCategoryCommand(app, host);
   addNoteCommand(app, host);
   addTimelineCommand(app, host);
   addDoctorCommand(app, host);
   addExportCommand(app, host);
+  addImportCommand(app, host);
   addForgetCommand(app, host);
   addBackupCommand(app, host);
   addSettingsCommand(app, host);

@@ -9,7 +9,6 @@
 
 #include "core/store/history_rows.h"
 #include "core/store/statement.h"
-#include "core/store/text_test_function.h"
 
 namespace tessum {
 namespace {
@@ -51,7 +50,9 @@ History::History(const std::string& path, Access access) {
     throw NoHistory("there is no history yet at " + path + "; \"Tessum record\" starts one");
   }
   sqlite3* db = nullptr;
-  const int flags = access == Access::read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+  // The mutex of a connection is for several threads, and each access to a column takes it.
+  const int flags =
+      (access == Access::read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
   const int result = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
   db_.reset(db);
   if (result != SQLITE_OK) {
@@ -79,45 +80,6 @@ std::vector<Activity> History::sessionsBegunIn(const DayRange& range) {
   Statement statement(db_.get(), kSessionsBegunIn);
   statement.bind(range.start).bind(range.end);
   return readSessions(statement, db_.get());
-}
-
-constexpr char kNotesIn[] =
-    R"(SELECT id, text, started_at, ended_at
-FROM annotations
-WHERE started_at < ? AND (ended_at IS NULL OR ended_at > ?)
-ORDER BY started_at, id;)";
-
-std::vector<Annotation> History::notesIn(const DayRange& range) {
-  Statement statement(db_.get(), kNotesIn);
-  statement.bind(range.end).bind(range.start);
-  return readNotes(statement, db_.get());
-}
-
-constexpr char kSearch[] =
-    R"(SELECT id, app_name, bundle_id, title, start_time, end_time
-FROM activities
-WHERE (is_meant(app_name) OR is_meant(title))
-  AND start_time < ?1 AND (start_time >= ?2 OR COALESCE(end_time, ?3) > ?2)
-ORDER BY start_time DESC, id DESC
-LIMIT ?4;)";
-
-std::vector<Activity> History::search(const TextTest& isMeant, const DayRange& range, Date now,
-                                      std::int64_t limit) {
-  const TextTestFunction function(db_.get(), isMeant);
-  Statement statement(db_.get(), kSearch);
-  statement.bind(range.end).bind(range.start).bind(now).bindLimit(limit);
-  return readSessions(statement, db_.get());
-}
-
-constexpr char kOpenNotes[] =
-    R"(SELECT id, text, started_at, ended_at
-FROM annotations
-WHERE ended_at IS NULL
-ORDER BY started_at DESC, id DESC;)";
-
-std::vector<Annotation> History::openNotes() {
-  Statement statement(db_.get(), kOpenNotes);
-  return readNotes(statement, db_.get());
 }
 
 constexpr char kOpenSessions[] =
@@ -157,20 +119,27 @@ void History::visitSessions(const DayRange& range,
   }
 }
 
+// In the order of Texts.
+constexpr const char* kTextColumns[] = {"'', NULL, NULL", "app_name, bundle_id, NULL",
+                                        "app_name, bundle_id, title"};
+
 constexpr char kSessionsInBehind[] =
-    R"(SELECT id, app_name, bundle_id, title, start_time, end_time
-FROM activities
+    R"(FROM activities
 WHERE (start_time, id) > (?, ?) AND start_time < ?
   AND (start_time >= ? OR COALESCE(end_time, ?) > ?)
 ORDER BY start_time, id
 LIMIT ?;)";
 
 void History::visitSessionsIn(const DayRange& range, Date now,
-                              const std::function<void(const Activity&)>& visit) {
+                              const std::function<void(const Activity&)>& visit, Texts texts) {
+  const std::string sql = std::string("SELECT id, ") +
+                          kTextColumns[static_cast<std::size_t>(texts)] +
+                          ", start_time, end_time " + kSessionsInBehind;
+  Statement statement(db_.get(), sql.c_str());
   Position last{movedBy(range.start, -kLongestSession)};
   std::vector<Activity> sessions;
   while (true) {
-    Statement statement(db_.get(), kSessionsInBehind);
+    statement.reset();
     statement.bind(last.start).bindRowID(last.id).bind(range.end);
     statement.bind(range.start).bind(now).bind(range.start).bindLimit(kRowsPerStep);
     const std::size_t count = rereadSessions(statement, db_.get(), sessions);

@@ -1,5 +1,6 @@
 // The history as a person handles it: read in whole, checked, mended, copied, and cut. The bodies
-// are in history.cc (opening and reading) and history_upkeep.cc (all the rest).
+// are in history.cc (opening and reading), history_notes.cc, history_import.cc, and
+// history_upkeep.cc (all the rest).
 //
 // The programs that record and answer use `Database`, which never waits, never deletes and gives
 // what it could read. A person wants to know when something could not be read, so this connection
@@ -17,9 +18,11 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/base/date.h"
@@ -42,6 +45,19 @@ class NoHistory : public std::runtime_error {
 [[nodiscard]] std::string remedy(const DatabaseError& error);
 [[nodiscard]] std::string remedyForDamage();
 
+// Two notes would be of the same time.
+class NotesOverlap : public std::runtime_error {
+ public:
+  explicit NotesOverlap(Annotation other)
+      : std::runtime_error("two notes would overlap"), other_(std::move(other)) {}
+
+  // The one that is there already.
+  [[nodiscard]] const Annotation& other() const { return other_; }
+
+ private:
+  Annotation other_;
+};
+
 // Longer than any day: every moment there is.
 inline constexpr DayRange kAllTimes{{-std::numeric_limits<double>::infinity()},
                                     {std::numeric_limits<double>::infinity()}};
@@ -49,13 +65,16 @@ inline constexpr DayRange kAllTimes{{-std::numeric_limits<double>::infinity()},
 // Says of a text of the history, which is UTF-8, whether it is meant. Must not throw.
 using TextTest = std::function<bool(std::string_view)>;
 
+// Says of a session's application and title whether they are meant; the test of a statement knows
+// no other members. Must not throw.
+using SessionTest = std::function<bool(const Activity&)>;
+
 // What to forget: all that each present part allows. Notes are forgotten only by their day.
 struct Selection {
-  std::optional<DayRange> begun;       // begun within
-  std::optional<std::string> appName;  // of exactly this application
-  TextTest isMeantTitle;               // with such a title; any or none where it is empty
+  std::optional<DayRange> begun;  // begun within
+  SessionTest isMeant;            // all sessions are where it is empty
 
-  [[nodiscard]] bool includesNotes() const { return begun && !appName && !isMeantTitle; }
+  [[nodiscard]] bool includesNotes() const { return begun && !isMeant; }
 };
 
 // What a selection holds at one moment. Rows that are stored later do not belong to it.
@@ -74,6 +93,9 @@ struct Replacement {
   Activity session;
   std::vector<Activity> by;
 };
+
+// The texts of sessions that a visit needs. The others are empty or absent, and save their time.
+enum class Texts { none, application, all };
 
 // Seconds for which a session may have begun before a range that it overlaps. Nothing in the
 // history leads from an end to its session, so all sessions of that time are looked at.
@@ -100,11 +122,6 @@ class History {
   // The notes that overlap `range`, the oldest first.
   [[nodiscard]] std::vector<Annotation> notesIn(const DayRange& range);
 
-  // The newest `limit` sessions that overlap `range` and whose application or title is meant, the
-  // newest first. An open session ends at `now`.
-  [[nodiscard]] std::vector<Activity> search(const TextTest& isMeant, const DayRange& range,
-                                             Date now, std::int64_t limit);
-
   // The notes that have not ended, the newest first; there is one at most unless somebody else
   // wrote to the database.
   [[nodiscard]] std::vector<Annotation> openNotes();
@@ -121,7 +138,7 @@ class History {
   // began up to kLongestSession before it and ends in it or later. An open one ends at `now`. No
   // lock is held during a visit.
   void visitSessionsIn(const DayRange& range, Date now,
-                       const std::function<void(const Activity&)>& visit);
+                       const std::function<void(const Activity&)>& visit, Texts texts = Texts::all);
 
   // The names of all applications with a session, in the order of their bytes.
   [[nodiscard]] std::vector<std::string> appNames();
@@ -146,13 +163,32 @@ class History {
   // Ends the session with row id `id` at `end`, if it has not ended yet.
   void endSession(std::int64_t id, Date end);
 
-  // Deletes the note with row id `id`.
+  // Deletes the note with row id `id`. The bytes are overwritten.
   void deleteNote(std::int64_t id);
+
+  // The note with row id `id`; absent when there is none.
+  [[nodiscard]] std::optional<Annotation> note(std::int64_t id);
+
+  // Stores `note`, or changes the one that has its id. Throws NotesOverlap where another has some
+  // of its time; an open one has it up to `now`. The old bytes are overwritten.
+  void putNote(const Annotation& note, Date now);
 
   // Makes the file at `path` a copy of the history as it is at one moment. There must be no file at
   // `path` yet; when copying fails there is none afterwards. Throws std::system_error when it
   // cannot be created.
   void copyTo(const std::string& path);
+
+  ////////////////////////////////////////////////////////////////////////////////////////////
+  // Taking in records of other histories. One is there already if a session has its application,
+  // its title and the second of its beginning, or a note its text and that second.
+
+  [[nodiscard]] bool hasLike(const Activity& session);
+  [[nodiscard]] bool hasLike(const Annotation& note);
+
+  // Stores what is not there yet, in one step, and returns how many that were. The lock is held
+  // for some ten microseconds a record.
+  std::int64_t addMissing(std::span<const Activity> sessions);
+  std::int64_t addMissing(std::span<const Annotation> notes);
 
   ////////////////////////////////////////////////////////////////////////////////////////////
   // Forgetting.

@@ -9,7 +9,7 @@
 
 #include "core/store/history.h"
 #include "core/store/history_rows.h"
-#include "core/store/text_test_function.h"
+#include "core/store/session_test_function.h"
 #include "core/store/transaction.h"
 
 namespace tessum {
@@ -48,12 +48,6 @@ constexpr char kEndSession[] =
 
 void History::endSession(std::int64_t id, Date end) {
   Statement(db_.get(), kEndSession).bind(end).bindRowID(id).execute();
-}
-
-constexpr char kDeleteNote[] = "DELETE FROM annotations WHERE id = ?;";
-
-void History::deleteNote(std::int64_t id) {
-  Statement(db_.get(), kDeleteNote).bindRowID(id).execute();
 }
 
 // Page by page, with the lock released in between: a change made meanwhile begins the copy anew.
@@ -114,8 +108,7 @@ constexpr char kSelectSessions[] =
        COALESCE(SUM(end_time - start_time), 0)
 FROM activities
 WHERE start_time >= ? AND start_time < ?
-  AND (?3 IS NULL OR app_name = ?3)
-  AND is_meant(title);)";
+  AND is_meant(app_name, bundle_id, title);)";
 
 constexpr char kSelectNotes[] =
     R"(SELECT COUNT(*), MIN(started_at), MAX(started_at), MAX(id)
@@ -133,10 +126,9 @@ Selected History::select(const Selection& selection) {
     }
   };
   const DayRange range = selection.begun.value_or(kAllTimes);
-  const TextTestFunction function(db_.get(), selection.isMeantTitle);
+  const SessionTestFunction function(db_.get(), selection.isMeant);
   Statement sessions(db_.get(), kSelectSessions);
   sessions.bind(range.start).bind(range.end);
-  sessions.bind(selection.appName);
   while (sessions.nextRow()) {
     selected.sessions = sessions.rowID(0);
     if (selected.sessions == 0) continue;
@@ -161,9 +153,8 @@ Selected History::select(const Selection& selection) {
 constexpr char kForgetSessions[] =
     R"(DELETE FROM activities
 WHERE start_time >= ? AND start_time < ?
-  AND (?3 IS NULL OR app_name = ?3)
-  AND is_meant(title)
-  AND id <= ?4;)";
+  AND is_meant(app_name, bundle_id, title)
+  AND id <= ?;)";
 
 constexpr char kForgetNotes[] =
     "DELETE FROM annotations WHERE started_at >= ? AND started_at < ? AND id <= ?;";
@@ -171,12 +162,11 @@ constexpr char kForgetNotes[] =
 void History::forget(const Selection& selection, const Selected& selected) {
   const DayRange range = selection.begun.value_or(kAllTimes);
   run("PRAGMA secure_delete = ON;");
-  const TextTestFunction function(db_.get(), selection.isMeantTitle);
+  const SessionTestFunction function(db_.get(), selection.isMeant);
   Transaction transaction(db_.get());
   Statement(db_.get(), kForgetSessions)
       .bind(range.start)
       .bind(range.end)
-      .bind(selection.appName)
       .bindRowID(selected.lastSession)
       .execute();
   if (selection.includesNotes()) {

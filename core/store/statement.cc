@@ -68,6 +68,11 @@ Statement& Statement::bindLimit(std::int64_t limit) {
   return *this;
 }
 
+void Statement::reset() {
+  sqlite3_reset(statement_.get());
+  position_ = 0;
+}
+
 void Statement::execute() {
   const int result = sqlite3_step(statement_.get());
   if (result != SQLITE_DONE) throw DatabaseError::executionFailed(result, lastMessage(db_));

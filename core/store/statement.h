@@ -33,6 +33,9 @@ class Statement {
   // A limit outside the signed 32-bit range stops the process.
   Statement& bindLimit(std::int64_t limit);
 
+  // Makes the statement ready to be bound and run again.
+  void reset();
+
   // Runs a statement that returns no rows. Throws DatabaseError::executionFailed.
   void execute();
 

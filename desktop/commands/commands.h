@@ -16,13 +16,15 @@ void addRecordCommand(CLI::App& app, Host& host);
 void addServeCommand(CLI::App& app, Host& host);
 void addPauseCommands(CLI::App& app, Host& host);  // pause and resume
 void addStatusCommand(CLI::App& app, Host& host);
-void addReportCommands(CLI::App& app, Host& host);  // day, notes and search
+void addReportCommands(CLI::App& app, Host& host);  // day and notes
+void addSearchCommand(CLI::App& app, Host& host);
 void addUsageCommand(CLI::App& app, Host& host);
 void addCategoryCommand(CLI::App& app, Host& host);
 void addNoteCommand(CLI::App& app, Host& host);
 void addTimelineCommand(CLI::App& app, Host& host);
 void addDoctorCommand(CLI::App& app, Host& host);
 void addExportCommand(CLI::App& app, Host& host);
+void addImportCommand(CLI::App& app, Host& host);
 void addForgetCommand(CLI::App& app, Host& host);
 void addBackupCommand(CLI::App& app, Host& host);
 void addSettingsCommand(CLI::App& app, Host& host);

@@ -11,14 +11,17 @@
 #include "core/store/records.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/reports/data_options.h"
+#include "desktop/commands/reports/filter_options.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/data/csv.h"
+#include "desktop/settings/settings_file.h"
 
 namespace tessum {
 namespace {
 
 struct ExportOptions {
   DaysOptions days;
+  FilterOptions filter;
   std::string format = "csv";
   bool isRaw = false;
 };
@@ -35,22 +38,41 @@ std::string exportLine(const std::string& kind, Date start, const std::optional<
   return csvLine(fields, isRaw);
 }
 
-void exportCsv(History& history, const DayRange& range, bool isRaw) {
+// What is exported: the sessions that began in `range` and are meant, and where no test narrows
+// them, the notes.
+struct Extent {
+  DayRange range;
+  SessionTest isMeant;
+};
+
+void visitSessions(History& history, const Extent& extent,
+                   const std::function<void(const Activity&)>& visit) {
+  history.visitSessions(extent.range, [&](const Activity& session) {
+    if (!extent.isMeant || extent.isMeant(session)) visit(session);
+  });
+}
+
+void visitNotes(History& history, const Extent& extent,
+                const std::function<void(const Annotation&)>& visit) {
+  if (!extent.isMeant) history.visitNotes(extent.range, visit);
+}
+
+void exportCsv(History& history, const Extent& extent, bool isRaw) {
   LargeOutput out;
   out.add("kind,start,end,seconds,application,bundle_id,text\r\n");
-  history.visitSessions(range, [&](const Activity& session) {
+  visitSessions(history, extent, [&](const Activity& session) {
     out.add(exportLine("session", session.startTime, session.endTime,
                        {session.appName, session.bundleID.value_or(""), session.title.value_or("")},
                        isRaw));
   });
-  history.visitNotes(range, [&](const Annotation& note) {
+  visitNotes(history, extent, [&](const Annotation& note) {
     out.add(exportLine("note", note.startedAt, note.endedAt, {"", "", note.text}, isRaw));
   });
   out.flush();
 }
 
 // One object; an entry a line.
-void exportJson(History& history, const DayRange& range) {
+void exportJson(History& history, const Extent& extent) {
   LargeOutput out;
   const char* separator = "\n";
   const auto add = [&](const json::Value& value) {
@@ -58,10 +80,10 @@ void exportJson(History& history, const DayRange& range) {
     separator = ",\n";
   };
   out.add("{\"activities\":[");
-  history.visitSessions(range, [&](const Activity& session) { add(toJson(session)); });
+  visitSessions(history, extent, [&](const Activity& session) { add(toJson(session)); });
   out.add("\n],\"annotations\":[");
   separator = "\n";
-  history.visitNotes(range, [&](const Annotation& note) { add(toJson(note)); });
+  visitNotes(history, extent, [&](const Annotation& note) { add(toJson(note)); });
   out.add("\n]}\n");
   out.flush();
 }
@@ -72,6 +94,7 @@ void addExportCommand(CLI::App& app, Host& host) {
   auto* command = app.add_subcommand("export", "Write the history to standard output");
   const auto options = std::make_shared<ExportOptions>();
   addDaysOptions(*command, options->days);
+  addFilterOptions(*command, options->filter);
   command->add_option("--format", options->format, "csv or json")
       ->type_name("FORMAT")
       ->capture_default_str()
@@ -81,21 +104,25 @@ void addExportCommand(CLI::App& app, Host& host) {
       "in CSV, write texts that a spreadsheet would compute (such as =1+1) as they are, "
       "without an apostrophe before them");
   command->footer(
-      "Without days, all of it. Times are in UTC. A day holds what began on it, in local time. A "
-      "file\n"
-      "that it is written to becomes readable for you alone.\n\n"
+      "Without days, all of it. With --app, --title or --category only such sessions, and no "
+      "notes.\n"
+      "Times are in UTC. A day holds what began on it, in local time. A file that it is written "
+      "to\n"
+      "becomes readable for you alone.\n\n"
       "Examples:\n"
       "  Tessum export > history.csv\n"
       "  Tessum export 2025-03 --format json > march.json\n"
       "  Tessum export --from 2025-03-04 > since.csv");
   command->callback([&host, options] {
-    const DayRange range = daysArgument(options->days, host);
+    const Settings settings = loadSettings(host.locations, host.files);
+    const Extent extent{daysArgument(options->days, host),
+                        sessionTestOf(options->filter, settings.rules)};
     History history(historyPath(host.locations), History::Access::read);
     closeOutputToOthers();
     if (options->format == "json") {
-      exportJson(history, range);
+      exportJson(history, extent);
     } else {
-      exportCsv(history, range, options->isRaw);
+      exportCsv(history, extent, options->isRaw);
     }
   });
 }

@@ -9,9 +9,10 @@
 #include "core/store/records.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/forget_hidden.h"
+#include "desktop/commands/reports/filter_options.h"
 #include "desktop/commands/standard_output.h"
-#include "desktop/commands/text_search.h"
 #include "desktop/reports/wall_clock.h"
+#include "desktop/settings/settings_file.h"
 #include "desktop/timeline/page.h"
 
 namespace tessum {
@@ -19,22 +20,21 @@ namespace {
 
 struct ForgetOptions {
   DaysOptions days;
-  std::string appName;
-  std::string titlePart;
+  FilterOptions filter;
   bool isOfHidden = false;
   bool isSure = false;
 };
 
-Selection selectionOf(const Host& host, const ForgetOptions& options) {
+// `settings` must outlive the selection.
+Selection selectionOf(const Host& host, const ForgetOptions& options, const Settings& settings) {
   Selection selection;
   if (options.days.period || !options.days.from.empty()) {
     selection.begun = daysArgument(options.days, host);
   }
-  if (!options.appName.empty()) selection.appName = validUtf8(options.appName);
-  if (!options.titlePart.empty()) selection.isMeantTitle = holding(validUtf8(options.titlePart));
-  if (!selection.begun && !selection.appName && !selection.isMeantTitle) {
+  selection.isMeant = sessionTestOf(options.filter, settings.rules);
+  if (!selection.begun && !selection.isMeant) {
     throw CLI::ValidationError(
-        "say what to forget: days such as 2025-03-04, or --app, --title or --hidden");
+        "say what to forget: days such as 2025-03-04, or --app, --title, --category or --hidden");
   }
   return selection;
 }
@@ -47,17 +47,18 @@ std::string description(const ForgetOptions& options, const Selection& selection
     text += " (" + durationText(selected.seconds, DurationForm::shortForm) + ")";
   }
   if (selection.includesNotes()) text += " and " + counted(selected.notes, "note");
-  if (selection.appName) text += " of " + printable(*selection.appName);
-  if (!options.titlePart.empty()) {
-    text += " with \"" + printable(validUtf8(options.titlePart)) + "\" in the title";
-  }
+  const auto& [app, title, category] = options.filter;
+  if (!app.empty()) text += " of " + printable(validUtf8(app));
+  if (!title.empty()) text += " with \"" + printable(validUtf8(title)) + "\" in the title";
+  if (!category.empty()) text += " of the category " + category;
   const std::string first = dateText(*selected.first);
   const std::string last = dateText(*selected.last);
   return text + (first == last ? ", begun on " + first : ", begun from " + first + " to " + last);
 }
 
 void forget(Host& host, const ForgetOptions& options) {
-  const Selection selection = selectionOf(host, options);
+  const Settings settings = loadSettings(host.locations, host.files);
+  const Selection selection = selectionOf(host, options, settings);
   History history(historyPath(host.locations), History::Access::write);
   const Selected selected = history.select(selection);
   if (selected.sessions == 0 && selected.notes == 0) {
@@ -83,19 +84,15 @@ void addForgetCommand(CLI::App& app, Host& host) {
   addDaysOptions(*command, options->days);
   command->get_option("--from")->needs(command->get_option("--to"));
   command->get_option("--to")->needs(command->get_option("--from"));
-  command->add_option("--app", options->appName, "only sessions of this application")
-      ->type_name("NAME");
-  command
-      ->add_option("--title", options->titlePart,
-                   "only sessions with this in the title, in capital or small letters")
-      ->type_name("TEXT");
+  addFilterOptions(*command, options->filter);
   command->add_flag("--hidden", options->isOfHidden, "what the rules of today's settings hide")
-      ->excludes("PERIOD", "--from", "--to", "--app", "--title");
+      ->excludes("PERIOD", "--from", "--to", "--app", "--title", "--category");
   command->add_flag("--yes", options->isSure, "delete without asking");
   command->footer(
       "Says what it will delete, then asks. Days alone delete the sessions and the notes that\n"
-      "began on them; with --app or --title only sessions go. Copies made with backup or export\n"
-      "are not touched. With --hidden the history becomes what it would be under the rules of the\n"
+      "began on them; with --app, --title or --category only sessions go. Copies made with backup\n"
+      "or export are not touched. With --hidden the history becomes what it would be under the "
+      "rules of the\n"
       "settings: sessions go, lose their titles, or are cut where a schedule begins or ends.\n\n"
       "Examples:\n"
       "  Tessum forget yesterday\n"

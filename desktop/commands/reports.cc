@@ -5,15 +5,12 @@
 #include <string>
 #include <utility>
 
-#include "core/base/limits.h"
-#include "core/base/text.h"
 #include "core/store/history.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/reports/data_options.h"
 #include "desktop/commands/reports/filter_options.h"
 #include "desktop/commands/reports/plain_report.h"
 #include "desktop/commands/standard_output.h"
-#include "desktop/commands/text_search.h"
 #include "desktop/reports/calendar_dates.h"
 #include "desktop/reports/day_report.h"
 #include "desktop/settings/settings_file.h"
@@ -53,6 +50,7 @@ DayHistory filteredDay(History& history, const Subject& subject, const CalendarD
   std::erase_if(day.sessions, [&](const Activity& session) {
     return !passes(subject.filter, session, categories);
   });
+  if (!subject.filter.isEmpty()) day.away.clear();  // the other sessions fill the time between
   return day;
 }
 
@@ -158,70 +156,11 @@ void addNotesCommand(CLI::App& app, Host& host) {
       "  Tessum notes 2025-03 --csv");
 }
 
-struct SearchOptions {
-  std::string query;
-  std::string period;
-  std::int64_t limit = limits::kSearchResultsPerCall;
-  DataOptions data;
-  bool isPlain = false;
-};
-
-void search(const Host& host, const SearchOptions& options) {
-  const std::string query = validUtf8(options.query);
-  std::optional<Period> period;
-  DayRange range = kAllTimes;
-  if (!options.period.empty()) {
-    const ReportDays days = reportDays(host);
-    period = periodArgument(options.period, host, days);
-    range = days.rangeOf(*period);
-  }
-  const Date now = host.clock.now();
-  History history(historyPath(host.locations), History::Access::read);
-  auto sessions = history.search(holding(query), range, now, options.limit);
-  if (options.isPlain) {
-    printForeign(toolText(host, "search_activities", {.limit = options.limit, .query = query}));
-    return;
-  }
-  if (const auto format = formatOf(options.data)) {
-    const TextSink sink = printForeign;
-    RecordData data(*format, "search", period, range, now, sink);
-    for (const Activity& session : sessions) data.add(session);
-    data.finish();
-    return;
-  }
-  for (Activity& session : sessions) session = cutTo(range, session, now);
-  print(searchReport(sessions, now, standardOutputPaper()));
-}
-
 }  // namespace
 
 void addReportCommands(CLI::App& app, Host& host) {
   addDayCommand(app, host);
   addNotesCommand(app, host);
-
-  auto* command = app.add_subcommand("search", "Sessions of all days by application or title");
-  const auto options = std::make_shared<SearchOptions>();
-  command
-      ->add_option("TEXT", options->query,
-                   "part of an application's name or a title, in capital or small letters; with "
-                   "--plain, % and _ stand for any text and any character")
-      ->type_name("")
-      ->required();
-  command->add_option("--limit", options->limit, "the most sessions to show")
-      ->type_name("N")
-      ->capture_default_str()
-      ->check(CLI::Range(1, 1000000));
-  auto* in = command->add_option("--in", options->period, "only sessions of these days; see day");
-  in->type_name("PERIOD");
-  addPlainOption(*command, options->isPlain, "search_activities");
-  in->excludes("--plain");
-  addDataOptions(*command, options->data);
-  command->footer(
-      "Examples:\n"
-      "  Tessum search invoice\n"
-      "  Tessum search invoice --in 2025-03\n"
-      "  Tessum search \"pull request\" --limit 200");
-  command->callback([&host, options] { search(host, *options); });
 }
 
 }  // namespace tessum

@@ -1,4 +1,4 @@
-// The commands' access to standard output and input.
+// The commands' access to standard output, error and input.
 
 #pragma once
 
@@ -10,7 +10,7 @@
 namespace tessum {
 
 // Standard output as paper: a terminal's width, with colour unless NO_COLOR is set or the terminal
-// has none; otherwise unlimited and plain.
+// has none; otherwise unlimited and plain. In ASCII unless the user's locale has UTF-8.
 [[nodiscard]] Paper standardOutputPaper();
 
 // Writes `text` to standard output, all of it, before returning. Throws std::system_error.
@@ -20,6 +20,9 @@ void print(std::string_view text);
 // could move the cursor or give the terminal commands. Throws
 // std::system_error.
 void printForeign(std::string_view text);
+
+// Overwrites the current line of standard error with `text` where it is a terminal.
+void showProgress(std::string_view text);
 
 // Where standard output is a file of the user, takes the rights to it from everyone else.
 void closeOutputToOthers();

@@ -12,9 +12,25 @@
 #include "desktop/commands/standard_output.h"
 
 namespace tessum {
+namespace {
+
+// Whether the user's locale has UTF-8. It need not be installed here: over the network it is often
+// that of another computer, where the terminal is.
+bool isUtf8Locale() {
+  for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const char* value = std::getenv(name);
+    if (value == nullptr || *value == '\0') continue;
+    const std::string locale = lowerCaseAscii(value);
+    return locale.find("utf-8") != std::string::npos || locale.find("utf8") != std::string::npos;
+  }
+  return false;
+}
+
+}  // namespace
 
 Paper standardOutputPaper() {
-  if (isatty(STDOUT_FILENO) == 0) return {};
+  const bool isAscii = !isUtf8Locale();
+  if (isatty(STDOUT_FILENO) == 0) return {.isAscii = isAscii};
   constexpr std::size_t kUsualColumns = 80;
   winsize size{};
   const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
@@ -22,7 +38,8 @@ Paper standardOutputPaper() {
   const char* terminal = std::getenv("TERM");
   const bool isPlain = (noColour != nullptr && *noColour != '\0') || terminal == nullptr ||
                        std::string_view(terminal) == "dumb";
-  return {.columns = isKnown ? size.ws_col : kUsualColumns, .hasColour = !isPlain};
+  return {
+      .columns = isKnown ? size.ws_col : kUsualColumns, .hasColour = !isPlain, .isAscii = isAscii};
 }
 
 void print(std::string_view text) {
@@ -35,6 +52,13 @@ void print(std::string_view text) {
 
 void printForeign(std::string_view text) {
   print(isatty(STDOUT_FILENO) != 0 ? printableLines(validUtf8(text)) : std::string(text));
+}
+
+void showProgress(std::string_view text) {
+  if (isatty(STDERR_FILENO) == 0) return;
+  constexpr std::string_view kEraseLine = "\r\033[K";
+  std::fprintf(stderr, "%.*s%.*s", static_cast<int>(kEraseLine.size()), kEraseLine.data(),
+               static_cast<int>(text.size()), text.data());
 }
 
 void closeOutputToOthers() {

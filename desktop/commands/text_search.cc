@@ -2,6 +2,7 @@
 
 #include <re2/re2.h>
 
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 
@@ -17,6 +18,19 @@ TextTest holding(const std::string& part) {
   return [pattern](std::string_view text) {
     return pattern->Match(text, 0, text.size(), re2::RE2::UNANCHORED, nullptr, 0);
   };
+}
+
+Words::Words(const std::vector<std::string>& words) {
+  for (const std::string& word : words) {
+    const bool isQuoted = word.size() > 2 && word.front() == '"' && word.back() == '"';
+    tests_.push_back(holding(isQuoted ? word.substr(1, word.size() - 2) : word));
+  }
+}
+
+bool Words::areIn(const Activity& session) const {
+  return std::all_of(tests_.begin(), tests_.end(), [&](const TextTest& isMeant) {
+    return isMeant(session.appName) || (session.title && isMeant(*session.title));
+  });
 }
 
 }  // namespace tessum

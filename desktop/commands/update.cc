@@ -22,13 +22,6 @@ void complain(std::string_view text) {
   std::fprintf(stderr, "Tessum: %.*s", static_cast<int>(text.size()), text.data());
 }
 
-// Overwrites the current line.
-void showOnTerminal(std::string_view text) {
-  constexpr std::string_view kEraseLine = "\r\033[K";
-  std::fprintf(stderr, "%.*s%.*s", static_cast<int>(kEraseLine.size()), kEraseLine.data(),
-               static_cast<int>(text.size()), text.data());
-}
-
 int runUpdate(const Locations& locations, bool downloads) {
   if (configuredBaseUrls().empty()) {
     complain(
@@ -41,7 +34,7 @@ int runUpdate(const Locations& locations, bool downloads) {
   const TerminationSignals signals(loop, [&] { loop.quit(); });
   Updater updater(loop, locations);
   UpdateDialogue::Output output{.tell = print, .complain = complain, .showProgress = {}};
-  if (isatty(STDERR_FILENO) != 0) output.showProgress = showOnTerminal;
+  if (isatty(STDERR_FILENO) != 0) output.showProgress = showProgress;
   UpdateDialogue dialogue(updater.checker(), updater.opener(), downloads, systemDelivery(), output,
                           [&](int outcome) {
                             status = outcome;

@@ -1,5 +1,7 @@
 #include "desktop/data/report_data.h"
 
+#include <algorithm>
+
 #include "core/json/writer.h"
 #include "desktop/data/csv.h"
 #include "desktop/reports/calendar_dates.h"
@@ -92,6 +94,7 @@ struct RecordData::Row {
   std::optional<std::string> appName;
   std::optional<std::string> bundleID;
   std::optional<std::string> text;
+  std::optional<std::int64_t> number = {};  // of a note
 };
 
 RecordData::RecordData(DataFormat format, const std::string& report,
@@ -110,11 +113,11 @@ void RecordData::add(const Activity& session) {
   const Activity part = cutTo(range_, session, now_);
   sessions_ += 1;
   seconds_ += secondsUntil(now_, part);
-  add({"session", part.startTime, part.endTime, part.appName, part.bundleID, part.title});
+  add({"session", part.startTime, part.endTime, part.appName, part.bundleID, part.title, {}});
 }
 
 void RecordData::add(const Annotation& note) {
-  add({"note", note.startedAt, note.endedAt, {}, {}, note.text});
+  add({"note", note.startedAt, note.endedAt, {}, {}, note.text, note.id});
 }
 
 void RecordData::add(const Row& row) {
@@ -134,13 +137,38 @@ void RecordData::add(const Row& row) {
     object["application"] = *row.appName;
     object["bundle_id"] = orNull(row.bundleID);
   }
+  if (row.number) object["id"] = *row.number;
   sink_((count_++ == 0 ? "\n" : ",\n") + json::compact(object));
 }
 
 void RecordData::finish() {
   if (format_ == DataFormat::csv) return;
-  sink_("\n],\"seconds\":" + secondsText(seconds_) + ",\"sessions\":" + std::to_string(sessions_) +
+  sink_("\n]");
+  finishTotals();
+}
+
+void RecordData::finishTotals() {
+  sink_(",\"seconds\":" + secondsText(seconds_) + ",\"sessions\":" + std::to_string(sessions_) +
         "}\n");
+}
+
+void RecordData::finish(const Finds& finds, std::size_t most) {
+  seconds_ = finds.total().seconds;
+  sessions_ = finds.total().sessions;
+  if (format_ == DataFormat::csv) return;
+  auto groups = finds.newestFirst();
+  groups.resize(std::min(groups.size(), most));
+  Value::Array values;
+  for (const Find& find : groups) {
+    values.push_back(Value::Object{{"application", find.appName},
+                                   {"bundle_id", orNull(find.bundleID)},
+                                   {"text", orNull(find.title)},
+                                   {"last", offsetDateTime(find.last)},
+                                   {"seconds", secondsValue(find.total.seconds)},
+                                   {"sessions", find.total.sessions}});
+  }
+  sink_("\n],\"groups\":" + json::compact(values));
+  finishTotals();
 }
 
 std::string usageData(DataFormat format, const Usage& usage, const std::vector<Grouping>& by,

@@ -10,6 +10,7 @@
 #include "core/json/value.h"
 #include "core/store/history.h"
 #include "desktop/periods/period.h"
+#include "desktop/usage/finds.h"
 #include "desktop/usage/grouping.h"
 #include "desktop/usage/usage.h"
 
@@ -35,9 +36,14 @@ class RecordData {
   // Ends it.
   void finish();
 
+  // Ends the report of a search, of which only some sessions were added. The newest `most` of the
+  // finds become its groups.
+  void finish(const Finds& finds, std::size_t most);
+
  private:
   struct Row;
   void add(const Row& row);
+  void finishTotals();
 
   DataFormat format_;
   DayRange range_;

@@ -128,7 +128,7 @@ int dayCount(const Period& period) {
 
 std::string longPeriodText(const Period& period) {
   if (period.first == period.last) return longDateText(period.first);
-  return longDateText(period.first) + " – " + longDateText(period.last);
+  return longDateText(period.first) + " to " + longDateText(period.last);
 }
 
 const std::vector<std::string>& periodWords() {

@@ -34,7 +34,8 @@ std::string usageTable(std::span<const Activity> sessions, Date now, const Paper
   const auto summaries = usageOf(sessions, now);
   double total = 0;
   for (const auto& summary : summaries) total += std::max(summary.totalDuration, 0.0);
-  Table table({left, right, right, right, left});
+  const double longest = summaries.empty() ? 0 : summaries.front().totalDuration;
+  Table table({left, right, right, right, left}, {3});
   for (const auto& summary : summaries) {
     const double share = total > 0 ? summary.totalDuration / total : 0;
     const auto percent = static_cast<int>(std::clamp(share, 0.0, 1.0) * 100 + 0.5);
@@ -42,7 +43,7 @@ std::string usageTable(std::span<const Activity> sessions, Date now, const Paper
                   {summary.formattedDuration()},
                   {std::to_string(percent) + "%"},
                   {counted(summary.sessionCount, "session"), Tone::faint},
-                  Table::barCell(share, Tone::accent)});
+                  Table::barCell(longest > 0 ? summary.totalDuration / longest : 0, Tone::accent)});
   }
   return table.text(paper);
 }
@@ -55,13 +56,53 @@ std::string notesTable(std::span<const Annotation> notes, const std::optional<Da
         day && secondsBetween(day->start, date) >= 0 && secondsBetween(date, day->end) > 0;
     return isInDay ? clockText(date) : dateText(date) + " " + clockText(date);
   };
-  Table table({right, right, right, left});
+  Table table({right, right, right, right, left});
   for (const Annotation& note : notes) {
     const double seconds = secondsUntil(now, note.startedAt, note.endedAt);
-    table.addRow({{momentText(note.startedAt), Tone::faint},
+    table.addRow({{std::to_string(note.id.value_or(0)), Tone::faint},
+                  {momentText(note.startedAt), Tone::faint},
                   {note.endedAt ? momentText(*note.endedAt) : "now", Tone::faint},
                   {durationText(seconds, DurationForm::longForm)},
                   {note.text, Tone::strong}});
+  }
+  return table.text(paper);
+}
+
+// Shorter ones are switches from one application to the next.
+constexpr double kShortestAway = 60;
+
+// The sessions come in the order of their beginning, and may overlap.
+std::vector<DayRange> timesBetween(std::span<const Activity> sessions, Date now) {
+  std::vector<DayRange> times;
+  std::optional<Date> end;  // of all sessions so far
+  for (const Activity& session : sessions) {
+    if (end && secondsBetween(*end, session.startTime) >= kShortestAway) {
+      times.push_back({*end, session.startTime});
+    }
+    const Date next = session.endTime.value_or(now);
+    if (!end || secondsBetween(*end, next) > 0) end = next;
+  }
+  return times;
+}
+
+// The sessions of a day in their order, with the times away between them.
+std::string sessionTable(const DayHistory& history, const Paper& paper) {
+  Table table({right, right, right, left, left});
+  const auto add = [&](Date start, const std::optional<Date>& end, Table::Cell name,
+                       const std::string& title) {
+    table.addRow({{clockText(start), Tone::faint},
+                  {endText(end), Tone::faint},
+                  {durationText(secondsUntil(history.now, start, end), DurationForm::longForm)},
+                  std::move(name),
+                  {title}});
+  };
+  auto away = history.away.begin();
+  for (const Activity& session : history.sessions) {
+    for (; away != history.away.end() && away->end == session.startTime; ++away) {
+      add(away->start, away->end, {"away", Tone::faint}, "");
+    }
+    add(session.startTime, session.endTime, {session.appName, Tone::strong},
+        session.title.value_or(""));
   }
   return table.text(paper);
 }
@@ -74,6 +115,7 @@ DayHistory readDay(History& history, const ReportDays& days, const CalendarDate&
   history.visitSessionsIn(content.day, now, [&](const Activity& session) {
     content.sessions.push_back(cutTo(content.day, session, now));
   });
+  content.away = timesBetween(content.sessions, now);
   content.notes = history.notesIn(content.day);
   return content;
 }
@@ -132,16 +174,7 @@ std::string dayReport(const DayHistory& history, const Paper& paper) {
 
   text += "\n" + toned("Applications", Tone::strong, paper) + "\n" +
           usageTable(history.sessions, history.now, paper);
-  Table table({right, right, right, left, left});
-  for (const Activity& session : history.sessions) {
-    const double seconds = secondsUntil(history.now, session);
-    table.addRow({{clockText(session.startTime), Tone::faint},
-                  {endText(session.endTime), Tone::faint},
-                  {durationText(seconds, DurationForm::longForm)},
-                  {session.appName, Tone::strong},
-                  {session.title.value_or("")}});
-  }
-  return text + "\n" + toned("Sessions", Tone::strong, paper) + "\n" + table.text(paper);
+  return text + "\n" + toned("Sessions", Tone::strong, paper) + "\n" + sessionTable(history, paper);
 }
 
 std::string notesReport(const Period& period, const DayRange& range,
@@ -153,22 +186,6 @@ std::string notesReport(const Period& period, const DayRange& range,
            ". \"Tessum note TEXT\" makes one.\n";
   }
   return text + notesTable(notes, isOneDay ? std::optional(range) : std::nullopt, now, paper);
-}
-
-std::string searchReport(std::span<const Activity> sessions, Date now, const Paper& paper) {
-  if (sessions.empty()) return "Nothing was found.\n";
-  Table table({left, right, right, right, left, left});
-  for (const Activity& session : sessions) {
-    const double seconds = secondsUntil(now, session);
-    table.addRow({{dateText(session.startTime), Tone::faint},
-                  {clockText(session.startTime), Tone::faint},
-                  {endText(session.endTime), Tone::faint},
-                  {durationText(seconds, DurationForm::longForm)},
-                  {session.appName, Tone::strong},
-                  {session.title.value_or("")}});
-  }
-  return toned("Found", Tone::strong, paper) + "  " + totalText(sessions, now) + "\n\n" +
-         usageTable(sessions, now, paper) + "\n" + table.text(paper);
 }
 
 }  // namespace tessum

@@ -18,9 +18,10 @@ namespace tessum {
 struct DayHistory {
   CalendarDate date;
   DayRange day;
-  std::vector<Activity> sessions;  // that overlap the day, cut at its edges
-  std::vector<Annotation> notes;   // that overlap it, whole
-  Date now;                        // open sessions and notes count up to here
+  std::vector<Activity> sessions;   // that overlap the day, cut at its edges
+  std::vector<DayRange> away = {};  // the times between sessions, of a minute or longer
+  std::vector<Annotation> notes;    // that overlap it, whole
+  Date now;                         // open sessions and notes count up to here
 };
 
 [[nodiscard]] DayHistory readDay(History& history, const ReportDays& days, const CalendarDate& date,
@@ -53,9 +54,5 @@ struct DayHistory {
 [[nodiscard]] std::string notesReport(const Period& period, const DayRange& range,
                                       std::span<const Annotation> notes, Date now,
                                       const Paper& paper);
-
-// Newest first, in the order of `sessions`.
-[[nodiscard]] std::string searchReport(std::span<const Activity> sessions, Date now,
-                                       const Paper& paper);
 
 }  // namespace tessum

@@ -10,6 +10,7 @@ namespace {
 constexpr std::size_t kGap = 2;            // before each cell
 constexpr std::size_t kIndent = 4;         // of a row's further lines
 constexpr std::size_t kBarColumns = 24;    // of the widest bar
+constexpr std::size_t kShortestBar = 9;    // of the longest bar, so that bars can be compared
 constexpr std::size_t kWidestText = 60;    // of a column without an end of the line
 constexpr std::size_t kNarrowestText = 8;  // narrower than that, a text gets a line of its own
 
@@ -86,6 +87,7 @@ std::vector<Table::Column> Table::naturalColumns(bool countsWholeCells) const {
                                                                      : kNarrowestText;
       columns[i].width = std::max(columns[i].width, width);
       columns[i].least = std::max(columns[i].least, std::min(least, width));
+      if (cell.share) columns[i].isOfBars = true;
     }
   }
   return columns;
@@ -109,6 +111,25 @@ void Table::narrow(std::span<Column> line, std::size_t most) {
   }
 }
 
+void Table::makeRoomForBars(std::vector<Column>& columns, std::size_t most) const {
+  const auto setLeast = [&](std::size_t least) {
+    for (Column& column : columns) {
+      if (column.isOfBars) column.least = least;
+    }
+  };
+  const auto fits = [&] {
+    std::size_t least = 0;
+    for (const Column& column : columns) least += column.least > 0 ? kGap + column.least : 0;
+    return least <= most;
+  };
+  setLeast(kShortestBar);
+  for (const std::size_t index : omissible_) {
+    if (fits()) return;
+    columns[index] = {.isOmitted = true};
+  }
+  if (!fits()) setLeast(0);
+}
+
 std::vector<Table::Column> Table::columnsFor(const Paper& paper) const {
   auto columns = naturalColumns(true);
   if (paper.columns == 0) {
@@ -120,6 +141,7 @@ std::vector<Table::Column> Table::columnsFor(const Paper& paper) const {
   if (lineWidth(columns) <= paper.columns) return columns;
 
   columns = naturalColumns(false);
+  makeRoomForBars(columns, paper.columns);
   std::size_t begin = 0;
   std::size_t room = paper.columns;
   std::size_t used = 0;
@@ -146,10 +168,11 @@ std::string Table::text(const Paper& paper) const {
     for (std::size_t i = 0; i < row.size(); ++i) {
       const Cell& cell = row[i];
       const Column& column = columns[i];
+      if (column.isOmitted) continue;
       // Without an end of the line, a cell that is too wide moves the rest of its own row alone.
       const bool isCut = cell.fit == Fit::cut && paper.columns > 0;
-      const std::string text = cell.share ? bar(*cell.share, column.width)
-                               : isCut    ? shortened(cell.text, column.width)
+      const std::string text = cell.share ? bar(*cell.share, column.width, paper)
+                               : isCut    ? shortened(cell.text, column.width, paper)
                                           : cell.text;
       const std::size_t width = displayWidth(text);
       const std::size_t blanks = width < column.width ? column.width - width : 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <span>
 #include <utility>
 
 namespace tessum {
@@ -138,9 +139,21 @@ std::string printableLines(std::string_view text) {
   return out;
 }
 
-std::string shortened(std::string_view text, std::size_t columns) {
+std::string shortened(std::string_view text, std::size_t columns, const Paper& paper) {
   if (displayWidth(text) <= columns) return std::string(text);
-  return columns == 0 ? "" : std::string(beginning(text, columns - 1)) + "…";
+  const std::string_view ellipsis = paper.isAscii ? "..." : "…";
+  const std::size_t room = columns - std::min(columns, displayWidth(ellipsis));
+  if (room == 0) return std::string(columns, '.');
+  std::string out;
+  std::size_t width = 0;
+  while (true) {
+    const Character character = firstCharacter(text);
+    width += widthOf(character.codePoint);
+    if (width > room) break;
+    out += character.bytes;
+    text.remove_prefix(character.bytes.size());
+  }
+  return out.append(ellipsis);
 }
 
 std::vector<std::string> wrapped(std::string_view text, std::size_t columns) {
@@ -166,15 +179,19 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t columns) {
   return lines;
 }
 
-std::string bar(double share, std::size_t columns) {
-  if (columns == 0) return {};
-  constexpr const char* kEighths[] = {"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
-  const double all = static_cast<double>(columns * 8);
-  auto eighths = static_cast<std::size_t>(std::lround(std::clamp(share, 0.0, 1.0) * all));
-  if (share > 0) eighths = std::max<std::size_t>(eighths, 1);
+std::string bar(double share, std::size_t columns, const Paper& paper) {
+  // Parts of a column, the whole one last.
+  constexpr std::string_view kBlocks[] = {"▏", "▎", "▍", "▌", "▋", "▊", "▉", "█"};
+  constexpr std::string_view kAscii[] = {"-", "="};
+  const std::span<const std::string_view> parts =
+      paper.isAscii ? std::span<const std::string_view>(kAscii) : kBlocks;
+  const double all = static_cast<double>(columns * parts.size());
+  auto length = static_cast<std::size_t>(std::lround(std::clamp(share, 0.0, 1.0) * all));
+  if (share > 0) length = std::max<std::size_t>(length, 1);
   std::string out;
-  for (std::size_t i = 0; i < eighths / 8; ++i) out += "█";
-  return out + kEighths[eighths % 8];
+  for (; length >= parts.size(); length -= parts.size()) out += parts.back();
+  if (length > 0) out += parts[length - 1];
+  return out;
 }
 
 std::string toned(std::string_view text, Tone tone, const Paper& paper) {

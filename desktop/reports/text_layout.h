@@ -17,6 +17,7 @@ namespace tessum {
 struct Paper {
   std::size_t columns = 0;  // 0 means no limit
   bool hasColour = false;
+  bool isAscii = false;  // it shows no other characters, so what the program draws has none
 };
 
 // The columns that `text`, which is valid UTF-8, takes up: none for combining marks, two for East
@@ -33,7 +34,8 @@ struct Paper {
 [[nodiscard]] std::string printableLines(std::string_view text);
 
 // `text` cut to at most `columns`, ending in an ellipsis if cut.
-[[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
+[[nodiscard]] std::string shortened(std::string_view text, std::size_t columns,
+                                    const Paper& paper = {});
 
 // "1 session", "3 sessions"; pass `many` when the plural is not `one` with an "s".
 [[nodiscard]] std::string counted(std::integral auto count, const std::string& one,
@@ -46,8 +48,9 @@ struct Paper {
 // except one with a slash: that may be a path, and stays whole.
 [[nodiscard]] std::vector<std::string> wrapped(std::string_view text, std::size_t columns);
 
-// A bar for `share` of `columns`, in eighths of a column; any share above 0 is visible.
-[[nodiscard]] std::string bar(double share, std::size_t columns);
+// A bar for `share` of `columns`, in eighths of a column or, in ASCII, in halves; any share above 0
+// is visible.
+[[nodiscard]] std::string bar(double share, std::size_t columns, const Paper& paper = {});
 
 // How text is emphasized on paper that has colour; without colour all look the same.
 enum class Tone { plain, strong, faint, accent, good, bad };
@@ -55,8 +58,8 @@ enum class Tone { plain, strong, faint, accent, good, bad };
 [[nodiscard]] std::string toned(std::string_view text, Tone tone, const Paper& paper);
 
 // Rows of cells in columns as wide as their widest cell. On paper that is too narrow the widest
-// columns of text get narrower; what still does not fit continues in an indented line. Not
-// thread-safe.
+// columns of text get narrower; what still does not fit continues in an indented line. Bars get
+// shorter, and columns that may be missing make room for them. Not thread-safe.
 class Table {
  public:
   enum class Alignment {
@@ -77,9 +80,12 @@ class Table {
     std::optional<double> share = std::nullopt;  // shows a bar of that part of the column instead
   };
 
-  explicit Table(std::vector<Alignment> columns) : alignments_(std::move(columns)) {}
+  // The columns numbered `omissible` are left out for bars where there is no room for both, the
+  // first of them first.
+  explicit Table(std::vector<Alignment> columns, std::vector<std::size_t> omissible = {})
+      : alignments_(std::move(columns)), omissible_(std::move(omissible)) {}
 
-  // A bar; narrow paper has none.
+  // A bar; very narrow paper has none.
   [[nodiscard]] static Cell barCell(double share, Tone tone);
 
   // Each row has one cell for each column.
@@ -93,15 +99,19 @@ class Table {
     std::size_t width = 0;
     std::size_t least = 0;    // to which the width may shrink
     bool beginsLine = false;  // of the row's further lines
+    bool isOfBars = false;
+    bool isOmitted = false;
   };
 
   // As wide as the cells, or as those that are not whole.
   [[nodiscard]] std::vector<Column> naturalColumns(bool countsWholeCells) const;
   [[nodiscard]] std::vector<Column> columnsFor(const Paper& paper) const;
+  void makeRoomForBars(std::vector<Column>& columns, std::size_t most) const;
   [[nodiscard]] static std::size_t lineWidth(std::span<const Column> line);
   static void narrow(std::span<Column> line, std::size_t most);
 
   std::vector<Alignment> alignments_;
+  std::vector<std::size_t> omissible_;
   std::vector<std::vector<Cell>> rows_;
 };
 

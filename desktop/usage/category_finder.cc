@@ -1,10 +1,9 @@
 #include "desktop/usage/category_finder.h"
 
 namespace tessum {
-namespace {
 
-// What the rules look at, as one text; no text of the history holds a NUL.
-std::string keyOf(const Activity& session) {
+// No text of the history holds a NUL.
+std::string windowKey(const Activity& session) {
   std::string key = session.appName;
   for (const auto& text : {std::cref(session.bundleID), std::cref(session.title)}) {
     key += '\0';
@@ -13,11 +12,9 @@ std::string keyOf(const Activity& session) {
   return key;
 }
 
-}  // namespace
-
 const Category* CategoryFinder::categoryOf(const Activity& session) {
   if (rules_.categories.empty()) return nullptr;
-  std::string key = keyOf(session);
+  std::string key = windowKey(session);
   const auto known = found_.find(key);
   if (known != found_.end()) return known->second;
   const Category* category = tessum::categoryOf(

@@ -11,6 +11,9 @@
 
 namespace tessum {
 
+// What is alike for all sessions of one application under one title, as one text.
+[[nodiscard]] std::string windowKey(const Activity& session);
+
 // Applies the rules of the settings to sessions and remembers what it found, since the same titles
 // come again and again. Not thread-safe.
 class CategoryFinder {

@@ -11,16 +11,31 @@ namespace {
 
 using Visit = std::function<void(const Activity&, Date start, Date end)>;
 
+// What of sessions the groups and the filter look at.
+Texts textsFor(const std::vector<Grouping>& by, const SessionFilter& filter) {
+  const auto isBy = [&](Grouping grouping) {
+    return std::find(by.begin(), by.end(), grouping) != by.end();
+  };
+  if (filter.isMeantTitle || filter.category || isBy(Grouping::title) || isBy(Grouping::category)) {
+    return Texts::all;
+  }
+  return filter.appName || isBy(Grouping::app) ? Texts::application : Texts::none;
+}
+
 // Visits the sessions of `range` that pass `filter`, with the time that they spend in it.
 void visit(History& history, const DayRange& range, Date now, const SessionFilter& filter,
-           CategoryFinder& categories, const Visit& visit) {
-  history.visitSessionsIn(range, now, [&](const Activity& session) {
-    if (!passes(filter, session, categories)) return;
-    const double start = std::max(session.startTime.secondsSince1970, range.start.secondsSince1970);
-    const double end =
-        std::min(session.endTime.value_or(now).secondsSince1970, range.end.secondsSince1970);
-    visit(session, {start}, {end});
-  });
+           Texts texts, CategoryFinder& categories, const Visit& visit) {
+  history.visitSessionsIn(
+      range, now,
+      [&](const Activity& session) {
+        if (!passes(filter, session, categories)) return;
+        const double start =
+            std::max(session.startTime.secondsSince1970, range.start.secondsSince1970);
+        const double end =
+            std::min(session.endTime.value_or(now).secondsSince1970, range.end.secondsSince1970);
+        visit(session, {start}, {end});
+      },
+      texts);
 }
 
 void sortBySize(std::vector<UsageGroup>& groups) {
@@ -67,7 +82,7 @@ std::optional<Total> totalBefore(History& history, const ReportDays& days, const
                       daysAfter(query.period.first, -1)};
   if (!isDate(before.first)) return std::nullopt;
   Total total;
-  visit(history, days.rangeOf(before), now, query.filter, categories,
+  visit(history, days.rangeOf(before), now, query.filter, textsFor({}, query.filter), categories,
         [&](const Activity&, Date start, Date end) {
           total.seconds += std::max(0.0, secondsBetween(start, end));
           total.sessions += 1;
@@ -96,7 +111,7 @@ Usage readUsage(History& history, const ReportDays& days, const Rules& rules,
   UsageTally tally(makeDimension(query.by[0], sources), std::move(second));
   UsageTally dayTally(makeDimension(Grouping::day, sources));
   const bool isOneDay = dayCount(query.period) == 1;
-  visit(history, usage.range, now, query.filter, categories,
+  visit(history, usage.range, now, query.filter, textsFor(query.by, query.filter), categories,
         [&](const Activity& session, Date start, Date end) {
           tally.add(session, start, end);
           if (!isOneDay) dayTally.add(session, start, end);
@@ -116,7 +131,7 @@ std::vector<UsageGroup> readUsageOfRules(History& history, const Rules& rules,
                                          const DayRange& range, Date now) {
   CategoryFinder categories(rules);
   UsageTally tally(makeRuleDimension(rules, categories), makeTitleDimension());
-  visit(history, range, now, {}, categories,
+  visit(history, range, now, {}, Texts::all, categories,
         [&](const Activity& session, Date start, Date end) { tally.add(session, start, end); });
   auto groups = tally.groups();
   for (UsageGroup& group : groups) sortBySize(group.groups);

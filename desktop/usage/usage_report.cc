@@ -39,7 +39,6 @@ double largestOf(const std::vector<UsageGroup>& groups) {
   return largest;
 }
 
-// The bar of a group against `whole` seconds, of which it is a part.
 double shareOf(double seconds, double whole) {
   return whole > 0 ? std::clamp(seconds / whole, 0.0, 1.0) : 0;
 }
@@ -65,9 +64,9 @@ class GroupTable {
 
   // Adds a line for each group, and under it one for each of its parts.
   void add(const std::vector<UsageGroup>& groups, std::size_t level = 0) {
-    // Of hours and days the bars tell which are long, of others how much of all they are.
-    const double whole = isChronological(by_[level]) ? largestOf(groups) : total_;
-    for (const UsageGroup& group : shown(groups, most_)) {
+    const auto lines = shown(groups, most_);
+    if (level == 0) longest_ = largestOf(lines);
+    for (const UsageGroup& group : lines) {
       const double seconds = group.total.seconds;
       const auto percent = static_cast<int>(std::lround(shareOf(seconds, total_) * 100));
       table_.addRow(
@@ -76,7 +75,7 @@ class GroupTable {
            {shortDuration(seconds)},
            {std::to_string(percent) + "%"},
            {counted(group.total.sessions, "session"), Tone::faint},
-           Table::barCell(shareOf(seconds, whole), level == 0 ? Tone::accent : Tone::faint)});
+           Table::barCell(shareOf(seconds, longest_), level == 0 ? Tone::accent : Tone::faint)});
       if (!group.groups.empty()) add(group.groups, level + 1);
     }
   }
@@ -87,7 +86,8 @@ class GroupTable {
   double total_;
   std::vector<Grouping> by_;
   std::size_t most_;
-  Table table_{{left, right, right, right, left}};
+  double longest_ = 0;  // the seconds of the longest bar
+  Table table_{{left, right, right, right, left}, {3}};
 };
 
 std::string dayTable(const std::vector<UsageGroup>& days, const CalendarDate& first,
@@ -98,7 +98,7 @@ std::string dayTable(const std::vector<UsageGroup>& days, const CalendarDate& fi
     const int weekday = weekdayFromMonday(daysAfter(first, day.number));
     table.addRow({{std::string(weekdayName(weekday)).substr(0, 3), Tone::faint},
                   {day.name.value_or("")},
-                  {day.total.sessions > 0 ? shortDuration(day.total.seconds) : "–"},
+                  {day.total.sessions > 0 ? shortDuration(day.total.seconds) : "-"},
                   Table::barCell(shareOf(day.total.seconds, largest), Tone::accent)});
   }
   return table.text(paper);

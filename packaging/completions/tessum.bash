@@ -15,7 +15,7 @@ _tessum() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} words= kind=
   local commands='setup record serve pause resume status day usage category notes search note timeline clients install uninstall
-    update doctor export forget backup settings help'
+    update doctor export import forget backup settings help'
   # Bash makes a word of the sign in --app=NAME.
   if [ "$word" = = ]; then
     word=
@@ -34,7 +34,7 @@ _tessum() {
       -o | --output | --file) compopt -o default ;;
       --titles) words='each last none' ;;
       --away-after) words=never ;;
-      --for | --limit | --top | --title) ;;
+      --for | --at | --edit | --delete | --limit | --top | --title) ;;
       *)
         case $command in
           setup) words='--undo --yes --dry-run --help' ;;
@@ -44,15 +44,19 @@ _tessum() {
           usage) words='--by --top --app --title --category --json --csv --plain --help' ;;
           category) words='try --help' ;;
           notes) words='--json --csv --plain --help' ;;
-          search) words='--json --csv --plain --limit --in --help' ;;
-          note) words='--for --end --help' ;;
+          search) words='--json --csv --plain --limit --in --app --title --category --help' ;;
+          note) words='--for --at --edit --delete --end --help' ;;
           timeline) words='--output --help' ;;
           install) words='--all --file --http --help' ;;
           uninstall) words='--all --file --help' ;;
           update) words='--download --help' ;;
           doctor) words='--mend --close-open --help' ;;
-          export) words='--from --to --format --raw --help' ;;
-          forget) words='--from --to --app --title --hidden --yes --help' ;;
+          export) words='--from --to --app --title --category --format --raw --help' ;;
+          import)
+            compopt -o default
+            words='--dry-run --help'
+            ;;
+          forget) words='--from --to --app --title --category --hidden --yes --help' ;;
           pause) words='until 30m 1h --help' ;;
           settings) words='edit check try --help' ;;
           backup) compopt -o default ;;

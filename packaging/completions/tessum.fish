@@ -16,7 +16,7 @@ complete -c tessum -f
 complete -c tessum -l help -d 'Show help'
 complete -c tessum -n __fish_use_subcommand -l version -d 'Show the version'
 for command in setup record serve pause resume status day usage category notes search note timeline clients install uninstall \
-        update doctor export forget backup settings help
+        update doctor export import forget backup settings help
     complete -c tessum -n __fish_use_subcommand -a $command
 end
 __tessum_add setup -l undo -d 'Take back what setup has done'
@@ -32,7 +32,7 @@ for command in day usage notes
     __tessum_add $command -a "$periods"
     __tessum_add $command -l plain -d 'The text that assistants get'
 end
-for command in day usage
+for command in day usage search export forget
     __tessum_add $command -l app -x -a '(__tessum_words applications)' -d 'Only this application'
     __tessum_add $command -l title -x -d 'Only titles with this text'
     __tessum_add $command -l category -x -a '(__tessum_words categories)' -d 'Only this category'
@@ -45,9 +45,12 @@ for command in day usage notes search
     __tessum_add $command -l csv -d 'Data as comma-separated lines'
 end
 __tessum_add search -l plain -d 'The text that assistants get'
-__tessum_add search -l limit -x -d 'The most sessions'
+__tessum_add search -l limit -x -d 'The most lines'
 __tessum_add search -l in -x -a "$periods" -d 'Only these days'
 __tessum_add note -l for -x -d 'How long already'
+__tessum_add note -l at -x -d 'When'
+__tessum_add note -l edit -x -d 'Change a note'
+__tessum_add note -l delete -x -d 'Delete a note'
 __tessum_add note -l end -d 'End the note'
 __tessum_add timeline -a "$periods"
 __tessum_add timeline -s o -l output -r -F -d 'Write to a file'
@@ -68,10 +71,10 @@ for command in export forget
 end
 __tessum_add export -l raw -d 'No apostrophe before formulas'
 __tessum_add export -l format -x -a 'csv json' -d 'The format'
-__tessum_add forget -l app -x -a '(__tessum_words applications)' -d 'Sessions of this application'
-__tessum_add forget -l title -x -d 'Sessions with this in the title'
 __tessum_add forget -l hidden -d 'What the settings hide'
 __tessum_add forget -l yes -d 'Do not ask'
+__tessum_add import -F -l dry-run -d 'Only count'
+__tessum_add import -F
 __tessum_add backup -F
 __tessum_add pause -a 'until 30m 1h'
 __tessum_add settings -a 'edit check try'

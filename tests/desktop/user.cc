@@ -39,6 +39,7 @@ User::User() {
   variables_ = {{"HOME", home_.path()},
                 {"XDG_DATA_HOME", home_.file("data")},
                 {"XDG_CONFIG_HOME", home_.file("config")},
+                {"LC_ALL", "C.UTF-8"},
                 {"DISPLAY", ""},
                 {"WAYLAND_DISPLAY", ""},
                 {"NO_COLOR", ""},

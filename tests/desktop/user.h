@@ -25,7 +25,7 @@ struct Outcome {
   std::string errors;
 };
 
-// Has an empty home folder, the time zone UTC and no display. Not thread-safe.
+// Has an empty home folder, the time zone UTC, a locale with UTF-8 and no display. Not thread-safe.
 class User {
  public:
   User();

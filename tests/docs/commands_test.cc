@@ -123,6 +123,9 @@ class Reader {
     fs::create_symlink(program.parent_path() / "TessumMCP", folder_.file("bin/TessumMCP"));
     writeFile(folder_.file("bin/xdg-open"), "#!/bin/sh\n");  // opens no browser
     chmod(folder_.file("bin/xdg-open").c_str(), 0700);
+    for (const char* name : {"aw-buckets-export.json", "january.json", "february.json"}) {
+      writeFile(home() + "/" + name, "{\"buckets\":{}}");
+    }
     const ScopedVariable zone("TZ", "UTC");
     const SystemCalendar calendar;
     writeDemoHistory(home() + "/.local/share/Tessum/activities.db",
@@ -140,7 +143,8 @@ class Reader {
         "sh", {.arguments = {"-c", "cd && exec 2>&1\n" + line},
                .environment = {"HOME=" + home(), "XDG_DATA_HOME=" + home() + "/.local/share",
                                "XDG_CONFIG_HOME=" + home() + "/.config",
-                               "PATH=" + folder_.file("bin") + ":/usr/bin:/bin", "TZ=UTC"}});
+                               "PATH=" + folder_.file("bin") + ":/usr/bin:/bin", "TZ=UTC",
+                               "LC_ALL=C.UTF-8"}});
     shell.write("y\n");
     shell.closeInput();
     const std::string output = shell.readRest();

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <memory>
 
 #include "core/base/text.h"
 #include "desktop/commands/text_search.h"
@@ -22,14 +23,18 @@ void requireCategory(const std::string& name, const Rules& rules) {
 }  // namespace
 
 void addFilterOptions(CLI::App& command, FilterOptions& options) {
-  command.add_option("--app", options.appName, "only sessions of this application")
-      ->type_name("NAME");
-  command
-      .add_option("--title", options.titlePart,
-                  "only sessions with this in the title, in capital or small letters")
-      ->type_name("TEXT");
-  command.add_option("--category", options.category, "only sessions of this category")
-      ->type_name("NAME");
+  auto* app = command.add_option("--app", options.appName, "only sessions of this application");
+  app->type_name("NAME");
+  auto* title =
+      command.add_option("--title", options.titlePart,
+                         "only sessions with this in the title, in capital or small letters");
+  title->type_name("TEXT");
+  auto* category =
+      command.add_option("--category", options.category, "only sessions of this category");
+  category->type_name("NAME");
+  // The assistants' tools have no such filters.
+  if (command.get_option_no_throw("--plain") == nullptr) return;
+  for (auto* filter : {app, title, category}) filter->excludes("--plain");
 }
 
 SessionFilter filterOf(const FilterOptions& options, const Rules& rules) {
@@ -41,6 +46,15 @@ SessionFilter filterOf(const FilterOptions& options, const Rules& rules) {
     filter.category = options.category;
   }
   return filter;
+}
+
+SessionTest sessionTestOf(const FilterOptions& options, const Rules& rules) {
+  const SessionFilter filter = filterOf(options, rules);
+  if (filter.isEmpty()) return {};
+  const auto categories = std::make_shared<CategoryFinder>(rules);
+  return [filter, categories](const Activity& session) {
+    return passes(filter, session, *categories);
+  };
 }
 
 }  // namespace tessum

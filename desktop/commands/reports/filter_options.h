@@ -20,10 +20,14 @@ struct FilterOptions {
   std::string category;
 };
 
-// Adds --app, --title and --category to `command`; `options` must live as long.
+// Adds --app, --title and --category to `command`, behind its --plain if it has one; `options` must
+// live as long.
 void addFilterOptions(CLI::App& command, FilterOptions& options);
 
 // Throws a CLI::ValidationError where `rules` have no such category.
 [[nodiscard]] SessionFilter filterOf(const FilterOptions& options, const Rules& rules);
+
+// The same as a test; empty where nothing narrows. `rules` must outlive it.
+[[nodiscard]] SessionTest sessionTestOf(const FilterOptions& options, const Rules& rules);
 
 }  // namespace tessum

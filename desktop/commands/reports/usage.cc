@@ -66,8 +66,9 @@ void addUsageCommand(CLI::App& app, Host& host) {
   command->add_option("--top", options->most, "only the largest groups, and the others in one line")
       ->type_name("N")
       ->check(CLI::Range(1, 1000000));
-  addFilterOptions(*command, options->filter);
   addPlainOption(*command, options->isPlain, "get_app_usage");
+  command->get_option("--plain")->excludes("--by", "--top");
+  addFilterOptions(*command, options->filter);
   addDataOptions(*command, options->data);
   command->footer(
       "Examples:\n"

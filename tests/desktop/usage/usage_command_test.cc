@@ -41,29 +41,29 @@ class UsageCommand : public testing::Test {
 
 TEST_F(UsageCommand, OfSeveralDaysHasALineForEachTheirAverageAndTheChange) {
   EXPECT_EQ(user.run({"usage", "2025-W10"}).output,
-            "Monday, 3 March 2025 – Sunday, 9 March 2025  4h 30m in 4 sessions\n"
+            "Monday, 3 March 2025 to Sunday, 9 March 2025  4h 30m in 4 sessions\n"
             "\n"
             "  Mon  2025-03-03  3h 0m  ████████████████████████\n"
             "  Tue  2025-03-04    30m  ████\n"
             "  Wed  2025-03-05  1h 0m  ████████\n"
-            "  Thu  2025-03-06      –\n"
-            "  Fri  2025-03-07      –\n"
-            "  Sat  2025-03-08      –\n"
-            "  Sun  2025-03-09      –\n"
+            "  Thu  2025-03-06      -\n"
+            "  Fri  2025-03-07      -\n"
+            "  Sat  2025-03-08      -\n"
+            "  Sun  2025-03-09      -\n"
             "\n"
             "3 days with records, 1h 30m on average.\n"
             "3h 30m more than in the 7 days before (1h 0m).\n"
             "\n"
-            "  Editor     2h 0m  44%   1 session  ██████████▋\n"
-            "  Browser   1h 30m  33%  2 sessions  ████████\n"
-            "  Terminal   1h 0m  22%   1 session  █████▍\n");
+            "  Editor     2h 0m  44%   1 session  ████████████████████████\n"
+            "  Browser   1h 30m  33%  2 sessions  ██████████████████\n"
+            "  Terminal   1h 0m  22%   1 session  ████████████\n");
 }
 
 TEST_F(UsageCommand, IsByCategoryWithTheTitlesThatHaveNone) {
   EXPECT_EQ(groups({"2025-W10", "--by", "category"}),
-            "  Code           3h 0m  67%  2 sessions  ████████████████\n"
-            "  Uncategorised  1h 0m  22%   1 session  █████▍\n"
-            "  Mail             30m  11%   1 session  ██▋\n"
+            "  Code           3h 0m  67%  2 sessions  ████████████████████████\n"
+            "  Uncategorised  1h 0m  22%   1 session  ████████\n"
+            "  Mail             30m  11%   1 session  ████\n"
             "\n"
             "Uncategorised\n"
             "  1h 0m  1 session  News\n");
@@ -71,19 +71,19 @@ TEST_F(UsageCommand, IsByCategoryWithTheTitlesThatHaveNone) {
 
 TEST_F(UsageCommand, IsByNoteCutWhereNotesBeginAndEnd) {
   EXPECT_EQ(groups({"2025-03-03", "--by", "note"}),
-            "  Without a note  1h 45m  58%  3 sessions  ██████████████\n"
-            "  Review          1h 15m  42%  2 sessions  ██████████\n");
+            "  Without a note  1h 45m  58%  3 sessions  ████████████████████████\n"
+            "  Review          1h 15m  42%  2 sessions  █████████████████▏\n");
 }
 
 TEST_F(UsageCommand, IsByTwoGroupings) {
   EXPECT_EQ(groups({"2025-W10", "--by", "day,category"}),
             "  2025-03-03        3h 0m  67%  3 sessions  ████████████████████████\n"
-            "    Code           2h 30m  56%  2 sessions  █████████████▍\n"
-            "    Mail              30m  11%   1 session  ██▋\n"
+            "    Code           2h 30m  56%  2 sessions  ████████████████████\n"
+            "    Mail              30m  11%   1 session  ████\n"
             "  2025-03-04          30m  11%   1 session  ████\n"
-            "    Code              30m  11%   1 session  ██▋\n"
+            "    Code              30m  11%   1 session  ████\n"
             "  2025-03-05        1h 0m  22%   1 session  ████████\n"
-            "    Uncategorised   1h 0m  22%   1 session  █████▍\n");
+            "    Uncategorised   1h 0m  22%   1 session  ████████\n");
 }
 
 TEST_F(UsageCommand, IsByHourOfTheWall) {
@@ -96,9 +96,9 @@ TEST_F(UsageCommand, IsByHourOfTheWall) {
 
 TEST_F(UsageCommand, ShowsTheLargestGroupsAndTheOthersInOneLine) {
   EXPECT_EQ(groups({"2025-W10", "--by", "title", "--top", "2"}),
-            "  main.cc           2h 0m  44%   1 session  ██████████▋\n"
-            "  Without a title   1h 0m  22%   1 session  █████▍\n"
-            "  2 others         1h 30m  33%  2 sessions  ████████\n");
+            "  main.cc           2h 0m  44%   1 session  ████████████████████████\n"
+            "  Without a title   1h 0m  22%   1 session  ████████████\n"
+            "  2 others         1h 30m  33%  2 sessions  ██████████████████\n");
 }
 
 TEST_F(UsageCommand, IsOfWhatPassesTheFilters) {
@@ -133,7 +133,7 @@ TEST_F(UsageCommand, RefusesAnUnknownGrouping) {
 
 TEST_F(UsageCommand, OfDaysWithoutRecordsSaysSo) {
   EXPECT_EQ(user.run({"usage", "2024"}).output,
-            "Monday, 1 January 2024 – Tuesday, 31 December 2024\n\n"
+            "Monday, 1 January 2024 to Tuesday, 31 December 2024\n\n"
             "Nothing was recorded on these days.\n");
   EXPECT_EQ(user.run({"usage", "9999"}).status, 0);
   EXPECT_EQ(user.run({"usage", "0001..9999"}).status, 0);
@@ -141,7 +141,7 @@ TEST_F(UsageCommand, OfDaysWithoutRecordsSaysSo) {
 
 TEST_F(UsageCommand, CategoryTryShowsWhatEachRuleTook) {
   EXPECT_EQ(user.run({"category", "try", "2025-W10"}).output,
-            "Monday, 3 March 2025 – Sunday, 9 March 2025\n"
+            "Monday, 3 March 2025 to Sunday, 9 March 2025\n"
             "\n"
             "  3h 0m  2 sessions  Code, line 1: app 'Editor|Terminal'\n"
             "  2h 0m   1 session    main.cc\n"
