@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "core/base/text.h"
-#include "desktop/commands/text_search.h"
+#include "desktop/commands/reports/text_search.h"
 
 namespace tessum {
 namespace {

@@ -13,7 +13,7 @@
 #include "desktop/commands/reports/filter_options.h"
 #include "desktop/commands/reports/plain_report.h"
 #include "desktop/commands/standard_output.h"
-#include "desktop/commands/text_search.h"
+#include "desktop/commands/reports/text_search.h"
 #include "desktop/reports/day_report.h"
 #include "desktop/settings/settings_file.h"
 #include "desktop/usage/finds_report.h"

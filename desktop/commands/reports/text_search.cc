@@ -1,4 +1,4 @@
-#include "desktop/commands/text_search.h"
+#include "desktop/commands/reports/text_search.h"
 
 #include <re2/re2.h>
 
