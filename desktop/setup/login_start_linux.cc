@@ -56,7 +56,7 @@ std::string textAt(const Host& host, const std::string& path) {
 // counts as well as ours.
 bool isOfUse(const std::string& text, std::string_view key) {
   const std::string command = startCommand(text, key);
-  if (command.empty() || isHiddenEntry(text)) return false;
+  if (command.empty() || isTurnedOffEntry(text)) return false;
   return !command.starts_with('/') || access(command.c_str(), X_OK) == 0;
 }
 

@@ -123,8 +123,8 @@ std::string startCommand(std::string_view text, std::string_view key) {
   return word;
 }
 
-bool isHiddenEntry(std::string_view text) {
-  return valueIn(text, "Hidden") == "true";
+bool isTurnedOffEntry(std::string_view text) {
+  return valueIn(text, "Hidden") == "true" || valueIn(text, "X-GNOME-Autostart-enabled") == "false";
 }
 
 }  // namespace tessum

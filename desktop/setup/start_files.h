@@ -23,7 +23,7 @@ namespace tessum {
 // there is none. Knows quotes, but no escapes with a backslash.
 [[nodiscard]] std::string startCommand(std::string_view text, std::string_view key);
 
-// Whether a desktop entry says that it counts as deleted.
-[[nodiscard]] bool isHiddenEntry(std::string_view text);
+// Whether a desktop entry says that it counts as deleted, or that it is turned off.
+[[nodiscard]] bool isTurnedOffEntry(std::string_view text);
 
 }  // namespace tessum

@@ -117,7 +117,7 @@ TEST_F(GnomeRecording, WaitsUntilTheExtensionIsTurnedOn) {
   addEntries();
   record({"--away-after", "never"});
   const Terminal foot(*desktop_, "foot", "a title");
-  ASSERT_TRUE(says("it is turned off. Run \"gnome-extensions enable "));
+  ASSERT_TRUE(says("it is turned off. Run \"Tessum setup\"."));
   ASSERT_TRUE(recorder_->sessions().empty());
   desktop_->enableExtension();
   ASSERT_TRUE(shows(std::string(kFoot) + "a title"));
@@ -131,7 +131,7 @@ TEST_F(GnomeRecording, TellsThatTheShellFindsANewExtensionAtTheNextLogin) {
   desktop_.reset();
   desktop_.emplace(GnomeShell::Extension::none);
   record({"--away-after", "never"});
-  ASSERT_TRUE(says("it is not installed. Install the package of Tessum"));
+  ASSERT_TRUE(says("it is not installed. Run \"Tessum setup\""));
   recorder_.reset();
   desktop_->installExtensions();
   record({"--away-after", "never"});

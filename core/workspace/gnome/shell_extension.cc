@@ -27,9 +27,8 @@ constexpr int kOutOfDate = 4;
 constexpr int kInitialized = 6;  // read, and never turned on
 constexpr int kUninstalled = 99;
 
-std::string enabling(const std::string& extension) {
-  return "run \"gnome-extensions enable " + extension + "\"";
-}
+// Turns the extension on, and installs it where no package has.
+constexpr char kSetup[] = "\"Tessum setup\"";
 
 WorkspaceNotice waiting(const std::string& reason, std::string remedy) {
   return {.text = "Recording waits for Tessum's extension of GNOME Shell: " + reason,
@@ -69,16 +68,14 @@ std::string shellExtensionFor(std::string_view shellVersion) {
 }
 
 std::optional<WorkspaceNotice> noticeOf(const ShellExtensionReport& report) {
-  const auto extension = shellExtensionFor(report.shellVersion);
   const int state = report.state.value_or(kUninstalled);
   if (state == kUninstalled && !report.isInstalled) {
-    return waiting(
-        "it is not installed.",
-        "Install the package of Tessum, log out and in again, and " + enabling(extension) + ".");
+    return waiting("it is not installed.",
+                   std::string("Run ") + kSetup + ", and log out and in again.");
   }
   if (state == kUninstalled) {
     return waiting("the shell finds it at your next login.",
-                   "Log out and in again, and " + enabling(extension) + ".");
+                   std::string("Log out and in again, and run ") + kSetup + ".");
   }
   if (state == kOutOfDate) {
     return waiting("it does not know GNOME " + report.shellVersion + ".",
@@ -90,12 +87,11 @@ std::optional<WorkspaceNotice> noticeOf(const ShellExtensionReport& report) {
   }
   if (state != kDisabled && state != kInitialized) return std::nullopt;
   if (!report.allowsExtensions) {
-    return waiting("the shell is set to run no extensions.",
-                   "Turn them on in the application Extensions, and " + enabling(extension) + ".");
+    return waiting(
+        "the shell is set to run no extensions.",
+        std::string("Turn them on in the application Extensions, and run ") + kSetup + ".");
   }
-  auto remedy = enabling(extension);
-  remedy.front() = 'R';
-  return waiting("it is turned off.", remedy + ".");
+  return waiting("it is turned off.", std::string("Run ") + kSetup + ".");
 }
 
 ShellExtension::ShellExtension(MainLoop& loop, Bus& session, std::string owner,

@@ -67,11 +67,11 @@ class Setup : public testing::Test {
 
   std::unique_ptr<ChildProcess> start(const std::vector<std::string>& arguments,
                                       const std::vector<std::string>& more = {}) const {
-    std::vector<std::string> environment{
-        "PATH=" + desktop.home().file("bin"), "XDG_RUNTIME_DIR=" + desktop.home().file("run"),
-        "DBUS_SESSION_BUS_ADDRESS=unix:path=" + desktop.home().file("run/bus"),
-        "XDG_DATA_DIRS=" + desktop.home().file("share")};
-    environment.insert(environment.end(), more.begin(), more.end());
+    std::vector<std::string> environment = more;  // of two values the first counts
+    environment.push_back("PATH=" + desktop.home().file("bin"));
+    environment.push_back("XDG_RUNTIME_DIR=" + desktop.home().file("run"));
+    environment.push_back("DBUS_SESSION_BUS_ADDRESS=unix:path=" + desktop.home().file("run/bus"));
+    environment.push_back("XDG_DATA_DIRS=" + desktop.home().file("share"));
     return desktop.start(hostProgram(), arguments, environment);
   }
 
@@ -119,9 +119,13 @@ TEST_F(Setup, LeavesNothingButTheHistoryWhenItIsUndone) {
   openTerminal();
   fs::create_directories(config("autostart"));
   writeFile(config("autostart/another.desktop"), "[Desktop Entry]\n");
+  fs::create_directories(desktop.home().file(".cursor"));
+  writeFile(desktop.home().file(".cursor/mcp.json"), "{\r\n  // mine\r\n  \"a\": [1,],\r\n}");
+  fs::create_directories(desktop.home().file(".claude"));
   const auto before = home();
   ASSERT_EQ(run({"setup", "--yes"}).status, 0);
-  EXPECT_NE(home(), before);
+  EXPECT_TRUE(contains(readFile(desktop.home().file(".cursor/mcp.json")), "TessumMCP"));
+  EXPECT_TRUE(contains(readFile(desktop.home().file(".claude.json")), "TessumMCP"));
   const Outcome outcome = run({"setup", "--undo", "--yes"});
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_TRUE(contains(outcome.output, "The history stays in " + desktop.dataFolder()));

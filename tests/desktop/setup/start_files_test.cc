@@ -37,10 +37,11 @@ TEST(StartCommand, IsTheFirstWord) {
   }
 }
 
-TEST(HiddenEntry, SaysSo) {
-  EXPECT_TRUE(isHiddenEntry("[Desktop Entry]\nHidden=true\n"));
-  EXPECT_FALSE(isHiddenEntry("[Desktop Entry]\nHidden=false\n"));
-  EXPECT_FALSE(isHiddenEntry("[Desktop Entry]\nNoDisplay=true\n"));
+TEST(TurnedOffEntry, SaysSo) {
+  EXPECT_TRUE(isTurnedOffEntry("[Desktop Entry]\nHidden=true\n"));
+  EXPECT_TRUE(isTurnedOffEntry("[Desktop Entry]\nX-GNOME-Autostart-enabled=false\n"));
+  EXPECT_FALSE(isTurnedOffEntry("[Desktop Entry]\nHidden=false\n"));
+  EXPECT_FALSE(isTurnedOffEntry("[Desktop Entry]\nNoDisplay=true\n"));
 }
 
 }  // namespace

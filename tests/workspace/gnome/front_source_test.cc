@@ -71,7 +71,7 @@ TEST_F(GnomeTest, WaitsForTheExtensionAndSaysSoOnce) {
   startExtension("editor", "Draft");
   EXPECT_TRUE(comesTo("editor: Draft"));
   EXPECT_EQ(notices_, Texts{"Recording waits for Tessum's extension of GNOME Shell: it is turned "
-                            "off. Run \"gnome-extensions enable focused-window-44@tessum\"."});
+                            "off. Run \"Tessum setup\"."});
   EXPECT_FALSE(isOver_);
 }
 

@@ -60,26 +60,18 @@ INSTANTIATE_TEST_SUITE_P(
         Case{{"43.9", true, 1}, "", ""},   // it runs
         Case{{"46.1", true, 8}, "", ""},   // it is being started
         Case{{"46.1", true, 77}, "", ""},  // unknown
-        Case{{"43.9"},
-             "it is not installed.",
-             "Install the package of Tessum, log out and in again, and run \"gnome-extensions "
-             "enable focused-window-44@tessum\"."},
+        Case{{"43.9"}, "it is not installed.", "Run \"Tessum setup\", and log out and in again."},
         Case{{"48.4", true, {}, "", true},
              "the shell finds it at your next login.",
-             "Log out and in again, and run \"gnome-extensions enable focused-window@tessum\"."},
+             "Log out and in again, and run \"Tessum setup\"."},
         Case{{"43.9", true, 99, "", true},
              "the shell finds it at your next login.",
-             "Log out and in again, and run \"gnome-extensions enable focused-window-44@tessum\"."},
-        Case{{"48.4", true, 2, "", true},
-             "it is turned off.",
-             "Run \"gnome-extensions enable focused-window@tessum\"."},
-        Case{{"48.4", true, 6, "", true},
-             "it is turned off.",
-             "Run \"gnome-extensions enable focused-window@tessum\"."},
+             "Log out and in again, and run \"Tessum setup\"."},
+        Case{{"48.4", true, 2, "", true}, "it is turned off.", "Run \"Tessum setup\"."},
+        Case{{"48.4", true, 6, "", true}, "it is turned off.", "Run \"Tessum setup\"."},
         Case{{"48.4", false, 2, "", true},
              "the shell is set to run no extensions.",
-             "Turn them on in the application Extensions, and run \"gnome-extensions enable "
-             "focused-window@tessum\"."},
+             "Turn them on in the application Extensions, and run \"Tessum setup\"."},
         Case{{"48.4", true, 3, "x is not defined", true},
              "the shell could not start it: x is not defined",
              "Install a newer version of Tessum, and log out and in again."},
