@@ -8,14 +8,15 @@
 #include <string>
 #include <string_view>
 
+#include "core/base/date.h"
 #include "tools/demo_history.h"
 
 namespace {
 
 constexpr char kUsage[] =
-    "Usage: demo-data PATH [--days N] [--sessions-per-day N] [--seed N]\n"
+    "Usage: demo-data PATH [--days N] [--sessions-per-day N] [--seed N] [--now TIME]\n"
     "Writes an invented history into the database at PATH: N whole days (14) and today so far,\n"
-    "with N sessions a day (90).\n";
+    "with N sessions a day (90), as if it were TIME, such as 2025-03-05T12:00:00Z.\n";
 
 template <typename Number>
 bool readNumber(std::string_view text, int least, int most, Number& number) {
@@ -29,6 +30,7 @@ bool readNumber(std::string_view text, int least, int most, Number& number) {
 struct Arguments {
   std::string path;
   tessum::DemoOptions options;
+  tessum::Date now = tessum::SystemClock().now();
 };
 
 std::optional<Arguments> readArguments(int count, char** texts) {
@@ -41,6 +43,12 @@ std::optional<Arguments> readArguments(int count, char** texts) {
       continue;
     }
     if (++i == count) return std::nullopt;
+    if (text == "--now") {
+      const auto now = tessum::parseInternetDateTime(texts[i]);
+      if (!now) return std::nullopt;
+      arguments.now = *now;
+      continue;
+    }
     tessum::DemoOptions& options = arguments.options;
     const bool isRead = text == "--days" ? readNumber(texts[i], 0, 100'000, options.days)
                         : text == "--sessions-per-day"
@@ -63,8 +71,7 @@ int main(int count, char** texts) {
   }
   try {
     const tessum::SystemCalendar calendar;
-    const auto history =
-        tessum::demoHistory(arguments->options, tessum::SystemClock().now(), calendar);
+    const auto history = tessum::demoHistory(arguments->options, arguments->now, calendar);
     tessum::writeDemoHistory(arguments->path, history, calendar);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "demo-data: %s\n", error.what());

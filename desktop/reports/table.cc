@@ -7,7 +7,7 @@
 namespace tessum {
 namespace {
 
-constexpr std::size_t kGap = 2;            // before each cell
+constexpr std::size_t kCellGap = 2;        // before each cell
 constexpr std::size_t kIndent = 4;         // of a row's further lines
 constexpr std::size_t kBarColumns = 24;    // of the widest bar
 constexpr std::size_t kShortestBar = 9;    // of the longest bar, so that bars can be compared
@@ -58,8 +58,8 @@ class RowText {
 
   const Paper& paper_;
   std::string& out_;
-  std::size_t used_ = 0;       // columns of the line that are written
-  std::size_t blanks_ = kGap;  // written, as the line's break is, only if something follows
+  std::size_t used_ = 0;           // columns of the line that are written
+  std::size_t blanks_ = kCellGap;  // written, as the line's break is, only if something follows
   bool breaks_ = false;
 };
 
@@ -95,7 +95,7 @@ std::vector<Table::Column> Table::naturalColumns(bool countsWholeCells) const {
 
 std::size_t Table::lineWidth(std::span<const Column> line) {
   std::size_t width = 0;
-  for (const Column& column : line) width += column.width > 0 ? kGap + column.width : 0;
+  for (const Column& column : line) width += column.width > 0 ? kCellGap + column.width : 0;
   return width;
 }
 
@@ -146,12 +146,12 @@ std::vector<Table::Column> Table::columnsFor(const Paper& paper) const {
   std::size_t room = paper.columns;
   std::size_t used = 0;
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    const std::size_t least = columns[i].least > 0 ? kGap + columns[i].least : 0;
+    const std::size_t least = columns[i].least > 0 ? kCellGap + columns[i].least : 0;
     if (i > begin && used + least > room) {
       narrow(std::span(columns).subspan(begin, i - begin), room);
       columns[i].beginsLine = true;
       begin = i;
-      room = paper.columns - std::min(paper.columns, kIndent - kGap);
+      room = paper.columns - std::min(paper.columns, kIndent - kCellGap);
       used = 0;
     }
     used += least;
@@ -185,7 +185,7 @@ std::string Table::text(const Paper& paper) const {
         line.add(text, cell.tone);
       }
       if (alignments_[i] == Alignment::left) line.skip(blanks);
-      line.skip(kGap);
+      line.skip(kCellGap);
     }
     out += '\n';
   }
