@@ -60,7 +60,8 @@ class Bars : public testing::Test {
 
   std::vector<std::string> lines(const std::vector<std::string>& command, int columns) {
     auto all = linesOf(user.runOnTerminal(command, static_cast<unsigned short>(columns)).output);
-    for (std::string& line : all) line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
+    for (std::string& line : all)
+      line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
     return all;
   }
 
@@ -71,11 +72,10 @@ TEST_F(Bars, AreOfAsciiWhereTheLocaleHasNoUtf8) {
   user.set("LC_ALL", "");
   for (const char* locale : {"C", "POSIX", "", "de_DE.ISO-8859-1"}) {
     user.set("LANG", locale);
-    for (const std::vector<std::string>& command :
-         {std::vector<std::string>{"usage", "2025-W10"},
-          {"usage", "2025-W10", "--by", "day,app"},
-          {"day", "2025-03-03..2025-03-04"},
-          {"search", "e"}}) {
+    for (const std::vector<std::string>& command : {std::vector<std::string>{"usage", "2025-W10"},
+                                                    {"usage", "2025-W10", "--by", "day,app"},
+                                                    {"day", "2025-03-03..2025-03-04"},
+                                                    {"search", "e"}}) {
       for (const std::string& line : lines(command, 40)) {
         const auto isOutsideAscii = [](unsigned char c) { return c >= 0x80; };
         EXPECT_EQ(std::count_if(line.begin(), line.end(), isOutsideAscii), 0) << line;

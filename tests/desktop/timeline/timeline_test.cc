@@ -53,8 +53,7 @@ TEST_F(TimelineCommand, SaysWhetherABrowserWasOpened) {
   EXPECT_EQ(failed.status, 0);
   EXPECT_TRUE(contains(failed.output, "timeline.html. No browser could be opened"));
   user.set("PATH", "/nowhere");
-  EXPECT_TRUE(
-      contains(user.run({"timeline", "2025-03-03"}).output, "No browser could be opened"));
+  EXPECT_TRUE(contains(user.run({"timeline", "2025-03-03"}).output, "No browser could be opened"));
 }
 #endif
 
@@ -100,8 +99,7 @@ TEST_F(TimelineCommand, CategoriesHaveTheColoursOfTheSettings) {
       "[[category]]\nname = \"Work\"\napp = 'Editor'\n"
       "[[category]]\nname = \"Work\"\napp = 'Terminal'\ncolor = \"#3A7BD5\"\n");
   const std::string page = user.run({"timeline", "2025-03-03..2025-03-05", "-o", "-"}).output;
-  EXPECT_TRUE(contains(
-      page, "[\"Work\"," + std::to_string(colourOf("Work")) + ",\"#3a7bd5\"]"));
+  EXPECT_TRUE(contains(page, "[\"Work\"," + std::to_string(colourOf("Work")) + ",\"#3a7bd5\"]"));
 }
 
 TEST_F(TimelineCommand, ManyLongTitlesAreCutToKeepThePageSmall) {
@@ -172,9 +170,9 @@ TEST(LanesOfNotes, KeepThoseApartThatOverlap) {
   const auto note = [](double start, std::optional<Date> end) {
     return Annotation{.id = {}, .text = "", .startedAt = {start}, .endedAt = end};
   };
-  const std::vector<Annotation> notes{note(0, Date{10}), note(2, Date{4}), note(3, Date{5}),
-                                      note(4, Date{8}), note(10, std::nullopt),
-                                      note(19, std::nullopt)};
+  const std::vector<Annotation> notes{note(0, Date{10}),      note(2, Date{4}),
+                                      note(3, Date{5}),       note(4, Date{8}),
+                                      note(10, std::nullopt), note(19, std::nullopt)};
   EXPECT_EQ(lanesOf(notes, Date{20}), (std::vector<std::size_t>{0, 1, 2, 1, 0, 1}));
 }
 
