@@ -47,8 +47,8 @@ _tessum() {
           search) words='--json --csv --plain --limit --in --app --title --category --help' ;;
           note) words='--for --at --edit --delete --end --help' ;;
           timeline) words='--output --help' ;;
-          install) words='--all --file --http --help' ;;
-          uninstall) words='--all --file --help' ;;
+          install) words='--all --file --http --replace --dry-run --help' ;;
+          uninstall) words='--all --file --dry-run --help' ;;
           update) words='--download --help' ;;
           doctor) words='--mend --close-open --help' ;;
           export) words='--from --to --app --title --category --format --raw --help' ;;
