@@ -15,17 +15,29 @@ if(NOT APPLE)
 
   install(FILES packaging/icons/tessum.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT programs)
+
+  include(TessumDocuments)
+else()
+  install(FILES packaging/man/tessum.1 packaging/man/TessumMCP.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
 endif()
 
-install(FILES packaging/man/tessum.1 packaging/man/TessumMCP.1
-  DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
-install(FILES packaging/completions/tessum.bash
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-  RENAME tessum COMPONENT programs)
+# bash and fish look for completions under the name that was typed, which a file system that ignores
+# case has twice already.
+set(names tessum)
+if(NOT APPLE)
+  list(APPEND names Tessum)
+endif()
+foreach(name IN LISTS names)
+  install(FILES packaging/completions/tessum.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    RENAME ${name} COMPONENT programs)
+  install(FILES packaging/completions/tessum.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+    RENAME ${name}.fish COMPONENT programs)
+endforeach()
 install(FILES packaging/completions/_tessum
   DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT programs)
-install(FILES packaging/completions/tessum.fish
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT programs)
 
 string(TOLOWER "${CMAKE_SYSTEM_NAME}" system)
 set(system_and_processor "${system}-${CMAKE_SYSTEM_PROCESSOR}")
@@ -57,13 +69,17 @@ set(CPACK_PACKAGE_NAME tessum)
 set(CPACK_PACKAGE_VENDOR Tessum)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "history of your day, for you and your AI assistants")
 set(CPACK_PACKAGE_DESCRIPTION
-  "Records which application is in front and its window's title, on this computer only, and lets
-AI assistants read that history through the Model Context Protocol.")
+  "Records which application is in front and its window's title, on this
+computer only, and lets AI assistants read that history through the Model
+Context Protocol.")
 set(CPACK_PACKAGE_CONTACT "The Tessum developers <maintainers@tessum.example>")
 set(CPACK_COMPONENTS_ALL programs)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_STRIP_FILES ON)
+# Whatever the umask of whoever makes the package.
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_PACKAGE_FILE_NAME "tessum-${PROJECT_VERSION}-${system_and_processor}")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

@@ -22,6 +22,7 @@ apt_packages() {
       ;;
     desktops) echo dbus-bin foot gnome-shell i3-wm kwin-wayland layer-shell-qt qtwayland5 sway swaylock xterm xwayland zenity ;;
     package) echo dpkg-dev file ;;
+    lint) echo lintian ;;
     install) echo binutils cmake debootstrap ;;
     benchmark) echo libbenchmark-dev ;;
     sanitize) echo clang ;;

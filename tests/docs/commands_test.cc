@@ -65,6 +65,8 @@ constexpr Elsewhere kElsewhere[] = {
      "apt-get remove -qq -y --auto-remove tessum >"},
     {"sudo tar -xzf build/package/tessum-1.0.0-linux-x86_64.tar.gz -C /usr/local",
      "tests/package/installed-debian", "tar -xzC /tmp/archive <"},
+    {"tests/package/follows-policy build/package", ".ci/run",
+     " tests/package/follows-policy build/package\n"},
     {"sudo tests/package/installed-debian build/package", ".ci/run",
      " tests/package/installed-debian build/package\n"},
     {"benchmarks/run", "tests/benchmarks/in-brief", "\nbenchmarks/run day\n"},
