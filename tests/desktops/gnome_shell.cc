@@ -45,10 +45,12 @@ GnomeShell::GnomeShell(Extension extension)
 
   run("mkdir", {"-p", home().file("config/glib-2.0/settings")});
   const std::string enabled = extension == Extension::turnedOn ? "'" + extension_ + "'" : "";
-  writeFile(home().file("config/glib-2.0/settings/keyfile"),
-            "[org/gnome/shell]\nenabled-extensions=@as [" + enabled +
-                "]\nwelcome-dialog-last-shown-version='99'\n"
-                "[org/gnome/desktop/interface]\nenable-animations=false\n");
+  // The user's programs may change the settings, so the file is the user's.
+  run("sh", {"-c", "printf %s \"$1\" > \"$2\"", "sh",
+             "[org/gnome/shell]\nenabled-extensions=@as [" + enabled +
+                 "]\nwelcome-dialog-last-shown-version='99'\n"
+                 "[org/gnome/desktop/interface]\nenable-animations=false\n",
+             home().file("config/glib-2.0/settings/keyfile")});
   if (extension != Extension::none) installExtensions();
 
   launch(kProgram,
