@@ -21,6 +21,7 @@ DayScale::DayScale(const TimelineHistory& history)
     // Only a note's start counts: a note can last for days.
     include(day, note.startedAt, note.startedAt);
   }
+  start_.secondsSince1970 = std::floor(start_.secondsSince1970);
   const WallTime begin = wallTime(start_);
   start_ = movedBy(start_, -(begin.minute * 60.0 + begin.second));
   const double hours = std::ceil(secondsBetween(start_, end_) / kHour);

@@ -67,7 +67,7 @@ std::string noteTable(const TimelineHistory& history) {
   std::string rows;
   for (std::size_t i = 0; i < std::min(history.notes.size(), kMostNotes); ++i) {
     const Annotation& note = history.notes[i];
-    rows += row(cell("name", escaped(note.text)) + cell("number share", timesOf(note)) +
+    rows += row(cell("name", escaped(note.text) + "<small>" + timesOf(note) + "</small>") +
                 lengthCell(secondsUntil(history.now, note.startedAt, note.endedAt)));
   }
   if (history.notes.size() > kMostNotes) {

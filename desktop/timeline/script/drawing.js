@@ -141,7 +141,7 @@ class Drawing {
     }
     if (this.view.isSeveralDays) return this.#clipped(() => this.#drawStrips());
     this.#lane(all.top, all.height);
-    this.#clipped(() => this.#drawSpans(all.top, all.height, () => true));
+    this.#clipped(() => this.#drawSpans(all.top, all.height, () => true, true));
   }
 
   // A strip for each day, its hours from the top down.
@@ -169,13 +169,14 @@ class Drawing {
   }
 
   // The sessions in view whose group is meant.
-  #drawSpans(top, height, isMeant) {
+  #drawSpans(top, height, isMeant, hasTitles = false) {
     const { choice, context, history, layout, view } = this;
     const joiner = new Joiner((start, end, session) => {
       const width = Math.max(end - start, 0.8);
       const seam = width > 5 ? 1 : 0; // between sessions of one application
       context.fillStyle = this.colourOf(session);
       context.fillRect(start, top, width - seam, height);
+      if (hasTitles) this.#drawTitle(session, start, end, top + height / 2);
       if (this.#isMarked(session)) this.#mark(start, top, width, height);
     });
     const [first, last] = history.between(view.start, view.end);
@@ -188,6 +189,20 @@ class Drawing {
     joiner.finish();
   }
 
+  // What the session was, where there is room for some words of it.
+  #drawTitle(session, start, end, y) {
+    const { context, history, layout } = this;
+    const left = Math.max(start, layout.left) + 8;
+    const room = Math.min(end, layout.right) - 8 - left;
+    if (room < 60) return;
+    const subject = history.subjects[session];
+    const title = history.titles[history.titleOf[subject]] ?? history.apps[history.appOf[subject]].name;
+    context.font = `500 12px ${kFont}`;
+    context.textAlign = 'left';
+    context.fillStyle = inkOn(this.colourOf(session));
+    context.fillText(fitted(context, title, room), left, y);
+  }
+
   #isMarked(session) {
     return session === this.pinned || session === this.hovered?.session;
   }
@@ -196,7 +211,7 @@ class Drawing {
     const { context } = this;
     context.strokeStyle = this.colours.ink;
     context.lineWidth = 2;
-    context.strokeRect(left, top + 1, Math.max(width, 2), Math.max(height - 2, 1));
+    context.strokeRect(left - 1, top, Math.max(width, 1) + 2, Math.max(height, 1)); // around a narrow one
   }
 
   #totalText(time, share, y) {
@@ -222,7 +237,7 @@ class Drawing {
     context.font = `400 13px ${kFont}`;
     const room = layout.isNarrow ? layout.width - 140 : layout.left - 34;
     this.text(fitted(context, row.name, room), 18, y, { colour: time > 0 ? 'ink' : 'faint' });
-    this.#totalText(time, totals.all > 0 ? time / totals.all : 0, y);
+    if (time > 0) this.#totalText(time, time / totals.all, y);
     this.#lane(barTop, layout.rows.barHeight);
     this.#clipped(() => {
       if (this.view.isSeveralDays) return this.#drawColumns(index, barTop);

@@ -109,6 +109,12 @@ function united(first, second) {
   };
 }
 
+// The ink that is easier to read on a colour written as #rrggbb.
+function inkOn(colour) {
+  const [r, g, b] = [1, 3, 5].map((i) => (parseInt(colour.slice(i, i + 2), 16) / 255) ** 2.2);
+  return 0.2126 * r + 0.7152 * g + 0.0722 * b > 0.18 ? '#10151c' : '#ffffff';
+}
+
 // `text` cut to `width` pixels with an ellipsis; empty where there is no room for a letter of it.
 function fitted(context, text, width) {
   if (context.measureText(text).width <= width) return text;

@@ -14,7 +14,7 @@ class Explorer {
     this.drawing = new Drawing(parts.chart, history, this.choice, this.view);
     this.details = new Details(parts.details, history, this.drawing);
     this.tip = new Tip(parts.tip, history);
-    this.totals = new Totals(parts.totals, history, this.choice, this.drawing, (title) => this.#filter(`"${title}"`));
+    this.totals = new Totals(parts.totals, history, this.choice, this.drawing, (title) => this.#filter(title.includes('"') ? title.replaceAll('"', ' ') : `"${title}"`));
     this.#listen();
     this.#update();
     this.totals.update();
@@ -163,10 +163,11 @@ class Explorer {
     const isAll = view.isWhole && history.days.length > 1;
     const first = history.days[history.dayAt(view.start)];
     const last = history.days[history.dayAt(view.end - 1)];
-    const days = first === last ? first.short : `${first.short} – ${last.short}`;
+    const years = first.year === last.year ? ['', ''] : [` ${first.year}`, ` ${last.year}`];
+    const days = first === last ? first.short : `${first.short}${years[0]} – ${last.short}${years[1]}`;
     parts.shown.value = isAll || day >= 0 ? days : history.span(view.start, view.end);
     parts.sum.value = `${lengthText(drawing.totals.all)} in ${counted(drawing.totals.sessions, 'session')}` +
-      (choice.hidesSome ? ' that are shown' : '');
+      (choice.hidesSome ? ' · filtered' : '');
     parts.reset.hidden = !choice.hidesSome;
     parts.chart.setAttribute('aria-label', `Timeline, ${parts.sum.value}`);
     for (const [part, direction] of [[parts.previous, -1], [parts.next, 1]]) {

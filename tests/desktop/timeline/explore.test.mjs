@@ -118,7 +118,7 @@ explore('? shows the keys', async (page) => {
 explore('the filter narrows the chart and the totals', async (page) => {
   await page.key('/');
   await page.type('MAIN');
-  await page.until(isSum('2h 0m in 1 session that are shown'));
+  await page.until(isSum('2h 0m in 1 session · filtered'));
   await page.until(areRows('Titles', ['main.cc 2h 0m']));
   await page.key('Escape');
   await page.until(isSum('6h 0m in 4 sessions'));
@@ -143,7 +143,7 @@ explore('applications and categories are switched off and on', async (page) => {
   await page.key('Escape');
   await page.until(isSum('6h 0m in 4 sessions'));
   await page.clickOn('[data-key="category0"]', kShift); // alone
-  await page.until(isSum('3h 0m in 2 sessions that are shown'));
+  await page.until(isSum('3h 0m in 2 sessions · filtered'));
 });
 
 explore('a click keeps the details, and a title with markup is text', async (page) => {

@@ -1,7 +1,6 @@
 // The timeline of any period: the command, and what the page is made of.
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <set>
@@ -10,7 +9,6 @@
 #include "desktop/timeline/page_parts.h"
 #include "desktop/timeline/spans.h"
 #include "tests/desktop/user.h"
-#include "tests/support/child_process.h"
 
 namespace tessum {
 namespace {
@@ -20,15 +18,6 @@ class TimelineCommand : public testing::Test {
   TimelineCommand() {
     user.addSession("Editor", "main.cc", "2025-03-03T09:00:00Z", "2025-03-03T11:00:00Z");
     user.addSession("Music", nullptr, "2025-03-04T22:00:00Z", "2025-03-05T02:00:00Z");
-    user.set("PATH", user.file("bin") + ":/usr/bin:/bin");
-    std::filesystem::create_directory(user.file("bin"));
-  }
-
-  // The desktop's opener ends with `status`.
-  void haveOpener(int status) const {
-    const std::string path = user.file("bin/xdg-open");
-    writeFile(path, "#!/bin/sh\nexit " + std::to_string(status) + "\n");
-    chmod(path.c_str(), 0700);
   }
 
   User user;
@@ -42,20 +31,6 @@ TEST_F(TimelineCommand, WritesToStandardOutput) {
   EXPECT_FALSE(std::filesystem::exists(user.file("-")));
   EXPECT_FALSE(std::filesystem::exists(user.dataFolder() + "/timeline.html"));
 }
-
-#if !defined(__APPLE__)
-TEST_F(TimelineCommand, SaysWhetherABrowserWasOpened) {
-  haveOpener(0);
-  EXPECT_TRUE(contains(user.run({"timeline", "2025-03-03"}).output,
-                       "timeline.html, and your browser was asked to open it.\n"));
-  haveOpener(3);  // what it ends with when it finds none
-  const Outcome failed = user.run({"timeline", "2025-03-03"});
-  EXPECT_EQ(failed.status, 0);
-  EXPECT_TRUE(contains(failed.output, "timeline.html. No browser could be opened"));
-  user.set("PATH", "/nowhere");
-  EXPECT_TRUE(contains(user.run({"timeline", "2025-03-03"}).output, "No browser could be opened"));
-}
-#endif
 
 TEST_F(TimelineCommand, ShowsUpToAYearOfRecords) {
   user.addSession("Editor", nullptr, "2023-03-03T09:00:00Z", "2023-03-03T11:00:00Z");
