@@ -119,7 +119,7 @@ void Table::makeRoomForBars(std::vector<Column>& columns, std::size_t most) cons
   };
   const auto fits = [&] {
     std::size_t least = 0;
-    for (const Column& column : columns) least += column.least > 0 ? kGap + column.least : 0;
+    for (const Column& column : columns) least += column.least > 0 ? kCellGap + column.least : 0;
     return least <= most;
   };
   setLeast(kShortestBar);
