@@ -13,8 +13,8 @@
 namespace tessum {
 namespace {
 
-// Rows of one read when all of them are visited.
-constexpr std::int64_t kRowsPerStep = 2000;
+// Rows of one read when all of them are visited: few enough to stay in the processor's cache.
+constexpr std::int64_t kRowsPerStep = 500;
 
 }  // namespace
 
@@ -142,7 +142,7 @@ void History::visitSessionsIn(const DayRange& range, Date now,
     statement.reset();
     statement.bind(last.start).bindRowID(last.id).bind(range.end);
     statement.bind(range.start).bind(now).bind(range.start).bindLimit(kRowsPerStep);
-    const std::size_t count = rereadSessions(statement, db_.get(), sessions);
+    const std::size_t count = rereadSessions(statement, db_.get(), sessions, texts);
     for (std::size_t i = 0; i < count; ++i) visit(sessions[i]);
     if (static_cast<std::int64_t>(count) < kRowsPerStep) return;
     last = {sessions[count - 1].startTime, sessions[count - 1].id.value_or(last.id)};

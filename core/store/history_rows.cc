@@ -11,17 +11,19 @@ void requireComplete(sqlite3* db) {
   if (code != SQLITE_DONE) throw DatabaseError::executionFailed(code, sqlite3_errmsg(db));
 }
 
-std::size_t rereadSessions(Statement& statement, sqlite3* db, std::vector<Activity>& sessions) {
+std::size_t rereadSessions(Statement& statement, sqlite3* db, std::vector<Activity>& sessions,
+                           Texts texts) {
   std::size_t count = 0;
   while (statement.nextRow()) {
     if (count == sessions.size()) sessions.emplace_back();
     Activity& session = sessions[count++];
     session.id = statement.rowID(0);
-    statement.readText(1, session.appName);
-    statement.readText(2, session.bundleID);
-    statement.readText(3, session.title);
     session.startTime = statement.date(4);
     session.endTime = statement.optionalDate(5);
+    if (texts == Texts::none) continue;
+    statement.readText(1, session.appName);
+    statement.readText(2, session.bundleID);
+    if (texts == Texts::all) statement.readText(3, session.title);
   }
   requireComplete(db);
   return count;
@@ -29,7 +31,7 @@ std::size_t rereadSessions(Statement& statement, sqlite3* db, std::vector<Activi
 
 std::vector<Activity> readSessions(Statement& statement, sqlite3* db) {
   std::vector<Activity> sessions;
-  static_cast<void>(rereadSessions(statement, db, sessions));
+  static_cast<void>(rereadSessions(statement, db, sessions, Texts::all));
   return sessions;
 }
 

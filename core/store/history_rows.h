@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "core/store/history.h"
 #include "core/store/records.h"
 #include "core/store/statement.h"
 
@@ -17,9 +18,10 @@ void requireComplete(sqlite3* db);
 // The statement's columns must be id, app_name, bundle_id, title, start_time, end_time.
 [[nodiscard]] std::vector<Activity> readSessions(Statement& statement, sqlite3* db);
 
-// The same into the first elements of `sessions`, whose memory it uses again; returns how many.
+// The same into the first elements of `sessions`, whose memory it uses again; returns how many. The
+// columns of other texts than `texts` are not looked at.
 [[nodiscard]] std::size_t rereadSessions(Statement& statement, sqlite3* db,
-                                         std::vector<Activity>& sessions);
+                                         std::vector<Activity>& sessions, Texts texts);
 
 // The statement's columns must be id, text, started_at, ended_at.
 [[nodiscard]] std::vector<Annotation> readNotes(Statement& statement, sqlite3* db);

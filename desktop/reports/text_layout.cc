@@ -53,6 +53,7 @@ bool contains(const Range (&ranges)[size], char32_t character) {
 }
 
 std::size_t widthOf(char32_t character) {
+  if (character < kNarrowest[0].first) return 1;
   if (contains(kNarrowest, character)) return 0;
   return contains(kWidest, character) ? 2 : 1;
 }

@@ -35,17 +35,28 @@ class Names {
 class AppDimension final : public Dimension {
  public:
   GroupSpan spanOf(const Activity& session, Date) override {
-    key_ = session.appName;
-    if (session.bundleID) (key_ += '\0') += *session.bundleID;
-    return {keys_.numberOf(key_), kNever};
+    auto& groups = groups_[session.appName];
+    for (const int group : groups) {
+      if (apps_[static_cast<std::size_t>(group)].identifier == session.bundleID) {
+        return {group, kNever};
+      }
+    }
+    groups.push_back(static_cast<int>(apps_.size()));
+    apps_.push_back({session.appName, session.bundleID});
+    return {groups.back(), kNever};
   }
   [[nodiscard]] std::optional<std::string> nameOf(int group) const override {
-    return keys_.name(group).substr(0, keys_.name(group).find('\0'));
+    return apps_[static_cast<std::size_t>(group)].name;
   }
 
  private:
-  std::string key_;
-  Names keys_;
+  struct App {
+    std::string name;
+    std::optional<std::string> identifier;
+  };
+
+  std::vector<App> apps_;
+  std::unordered_map<std::string, std::vector<int>> groups_;  // of each name
 };
 
 // Group 0 is the time without a name.
@@ -159,13 +170,16 @@ class Days {
  public:
   explicit Days(const ReportDays& days) : days_(days) {}
 
-  [[nodiscard]] const CalendarDate& dateOf(Date at) {
-    if (secondsBetween(range_.start, at) < 0 || secondsBetween(at, range_.end) <= 0) {
-      date_ = days_.dayOf(at);
-      range_ = days_.rangeOf({date_, date_});
-    }
-    return date_;
+  // Whether another day than the last one holds `at`.
+  [[nodiscard]] bool changesAt(Date at) {
+    if (secondsBetween(range_.start, at) >= 0 && secondsBetween(at, range_.end) > 0) return false;
+    date_ = days_.dayOf(at);
+    range_ = days_.rangeOf({date_, date_});
+    return true;
   }
+
+  // Of the last day.
+  [[nodiscard]] const CalendarDate& date() const { return date_; }
   [[nodiscard]] Date end() const { return range_.end; }
 
  private:
@@ -178,8 +192,8 @@ class DayDimension final : public Dimension {
  public:
   DayDimension(const ReportDays& days, const CalendarDate& first) : days_(days), first_(first) {}
   GroupSpan spanOf(const Activity&, Date at) override {
-    const int group = daysBetween(first_, days_.dateOf(at));
-    return {group, days_.end()};
+    if (days_.changesAt(at)) group_ = daysBetween(first_, days_.date());
+    return {group_, days_.end()};
   }
   [[nodiscard]] std::optional<std::string> nameOf(int group) const override {
     return dateText(daysAfter(first_, group));
@@ -188,14 +202,15 @@ class DayDimension final : public Dimension {
  private:
   Days days_;
   CalendarDate first_;
+  int group_ = 0;
 };
 
 class WeekdayDimension final : public Dimension {
  public:
   explicit WeekdayDimension(const ReportDays& days) : days_(days) {}
   GroupSpan spanOf(const Activity&, Date at) override {
-    const int group = weekdayFromMonday(days_.dateOf(at));
-    return {group, days_.end()};
+    if (days_.changesAt(at)) group_ = weekdayFromMonday(days_.date());
+    return {group_, days_.end()};
   }
   [[nodiscard]] std::optional<std::string> nameOf(int group) const override {
     return weekdayName(group);
@@ -203,6 +218,7 @@ class WeekdayDimension final : public Dimension {
 
  private:
   Days days_;
+  int group_ = 0;
 };
 
 class HourDimension final : public Dimension {

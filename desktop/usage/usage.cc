@@ -9,20 +9,21 @@
 namespace tessum {
 namespace {
 
-using Visit = std::function<void(const Activity&, Date start, Date end)>;
+bool holds(const std::vector<Grouping>& by, Grouping grouping) {
+  return std::find(by.begin(), by.end(), grouping) != by.end();
+}
 
 // What of sessions the groups and the filter look at.
 Texts textsFor(const std::vector<Grouping>& by, const SessionFilter& filter) {
-  const auto isBy = [&](Grouping grouping) {
-    return std::find(by.begin(), by.end(), grouping) != by.end();
-  };
-  if (filter.isMeantTitle || filter.category || isBy(Grouping::title) || isBy(Grouping::category)) {
+  if (filter.isMeantTitle || filter.category || holds(by, Grouping::title) ||
+      holds(by, Grouping::category)) {
     return Texts::all;
   }
-  return filter.appName || isBy(Grouping::app) ? Texts::application : Texts::none;
+  return filter.appName || holds(by, Grouping::app) ? Texts::application : Texts::none;
 }
 
 // Visits the sessions of `range` that pass `filter`, with the time that they spend in it.
+template <typename Visit>
 void visit(History& history, const DayRange& range, Date now, const SessionFilter& filter,
            Texts texts, CategoryFinder& categories, const Visit& visit) {
   history.visitSessionsIn(
@@ -102,7 +103,8 @@ Usage readUsage(History& history, const ReportDays& days, const Rules& rules,
               .days = {},
               .before = {}};
   CategoryFinder categories(rules);
-  const auto notes = history.notesIn(usage.range);
+  const auto notes =
+      holds(query.by, Grouping::note) ? history.notesIn(usage.range) : std::vector<Annotation>();
   const DimensionSources sources{days, query.period.first, notes, now, categories};
   const bool isByCategory = query.by == std::vector{Grouping::category};
   auto second = isByCategory          ? makeUncategorisedTitleDimension(categories)
