@@ -12,8 +12,11 @@
 
 #include "core/base/text.h"
 #include "desktop/clients/assistants.h"
+#include "desktop/clients/client_rows.h"
 #include "desktop/clients/registration.h"
+#include "desktop/commands/reports/data_options.h"
 #include "desktop/commands/standard_output.h"
+#include "desktop/data/state_data.h"
 #include "desktop/reports/text_layout.h"
 
 namespace tessum {
@@ -83,37 +86,25 @@ std::vector<Target> targetsArgument(const Targets& given, const Host& host) {
 ////////////////////////////////////////////////////////////////////////////////////////////////
 // clients
 
-void addRow(Table& table, const Host& host, const Assistant& assistant, const std::string& file) {
+void addRow(Table& table, const ClientRow& row) {
   using Cell = Table::Cell;
-  const bool isRead = file == assistant.files.front();
-  const auto row = [&](const char* isRegistered, const std::string& form, const Cell& works) {
-    table.addRow({Cell{std::string(assistant.name)},
-                  {isPresent(assistant, host.files) ? "yes" : "no"},
-                  {isRegistered},
-                  {form},
-                  works,
-                  {shown(file), Tone::plain, Table::Fit::whole}});
-  };
-  Registration found;
-  try {
-    found = registrationIn({file, assistant.format}, host);
-  } catch (const std::system_error& error) {
-    note(shown(error.what()));
-    return row("unknown", "-", {"-"});
-  }
-  if (!found.problem.empty()) note(shown(file) + ": " + shown(found.problem) + ".");
-  if (!found.entry) {
-    if (isRead) row(found.problem.empty() ? "no" : "unknown", "-", {"-"});
-    return;
-  }
-  EntryReport& report = *found.entry;
-  if (!isRead) report.problem = "the application does not read this file";
-  const Cell works =
-      report.problem.empty() ? Cell{"yes", Tone::good} : Cell{"no: " + report.problem, Tone::bad};
-  row("yes", report.form, works);
+  const bool isRegistered = row.isRegistered.value_or(false);
+  const Cell works = !isRegistered         ? Cell{"-"}
+                     : row.problem.empty() ? Cell{"yes", Tone::good}
+                                           : Cell{"no: " + row.problem, Tone::bad};
+  table.addRow({Cell{row.application},
+                {row.isPresent ? "yes" : "no"},
+                {isRegistered       ? "yes"
+                 : row.isRegistered ? "no"
+                                    : "unknown"},
+                {row.form.empty() ? "-" : row.form},
+                works,
+                {shown(row.file), Tone::plain, Table::Fit::whole}});
 }
 
-void listClients(const Host& host) {
+void listClients(const Host& host, bool isData) {
+  const auto rows = clientRows(host);
+  if (isData) return printForeign(clientsData(rows));
   using enum Table::Alignment;
   Table table({left, left, left, left, left, left});
   table.addRow({{"Application", Tone::strong},
@@ -122,8 +113,9 @@ void listClients(const Host& host) {
                 {"Entry", Tone::strong},
                 {"Works now", Tone::strong},
                 {"Configuration file", Tone::strong}});
-  for (const Assistant& assistant : knownAssistants(host.locations)) {
-    for (const std::string& file : assistant.files) addRow(table, host, assistant, file);
+  for (const ClientRow& row : rows) {
+    if (!row.remark.empty()) note(shown(row.remark));
+    addRow(table, row);
   }
   print(table.text(standardOutputPaper()));
 }
@@ -263,9 +255,12 @@ void addClientCommands(CLI::App& app, Host& host) {
   clients->footer(
       "An entry works now when the program that it starts exists, or when the endpoint that it\n"
       "names answers.\n\n"
-      "Example:\n"
-      "  Tessum clients");
-  clients->callback([&host] { listClients(host); });
+      "Examples:\n"
+      "  Tessum clients\n"
+      "  Tessum clients --json");
+  const auto isData = std::make_shared<bool>(false);
+  addJsonOption(*clients, *isData);
+  clients->callback([&host, isData] { listClients(host, *isData); });
 
   struct InstallOptions {
     Targets targets;

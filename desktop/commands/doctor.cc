@@ -10,7 +10,9 @@
 #include "core/platform/private_files.h"
 #include "core/store/history.h"
 #include "desktop/commands/arguments.h"
+#include "desktop/commands/reports/data_options.h"
 #include "desktop/commands/standard_output.h"
+#include "desktop/data/state_data.h"
 #include "desktop/doctor/finding.h"
 #include "desktop/recording/left_open.h"
 #include "desktop/recording/recorder_state.h"
@@ -25,7 +27,7 @@ std::string mark(const Finding& finding, const Paper& paper) {
                               : toned("  ok ", Tone::good, paper);
 }
 
-void examine(Host& host) {
+void examine(Host& host, bool isData) {
   std::vector<Finding> findings;
   const auto add = [&](std::vector<Finding> more) {
     findings.insert(findings.end(), more.begin(), more.end());
@@ -37,12 +39,15 @@ void examine(Host& host) {
   add(checkClients(host));
   add(checkEndpoint());
 
+  const bool isBad = std::any_of(findings.begin(), findings.end(),
+                                 [](const Finding& finding) { return finding.isProblem(); });
+  if (isBad) host.status = kFailure;
+  if (isData) return printForeign(doctorData(findings));
   const Paper paper = standardOutputPaper();
   std::string text;
   for (const Finding& finding : findings) {
     text += mark(finding, paper) + "  " + printable(finding.text) + "\n";
     if (!finding.remedy.empty()) text += "         " + printable(finding.remedy) + "\n";
-    if (finding.isProblem()) host.status = kFailure;
   }
   print(text);
 }
@@ -105,20 +110,24 @@ void addDoctorCommand(CLI::App& app, Host& host) {
   command
       ->add_flag("--mend", *mends, "take from other users the rights to the files of the history")
       ->excludes(close);
+  const auto isData = std::make_shared<bool>(false);
+  addJsonOption(*command, *isData);
+  command->get_option("--json")->excludes("--close-open", "--mend");
   command->footer(
       "The status is 1 when something is wrong. Without --close-open or --mend nothing is\n"
       "changed.\n\n"
       "Examples:\n"
       "  Tessum doctor\n"
+      "  Tessum doctor --json\n"
       "  Tessum doctor --close-open\n"
       "  Tessum doctor --close-open 10m\n"
       "  Tessum doctor --mend");
-  command->callback([&host, close, duration, mends] {
+  command->callback([&host, close, duration, mends, isData] {
     if (*mends) return mend(host);
     if (close->count() > 0) {
       closeOpenSessions(host, *duration);
     } else {
-      examine(host);
+      examine(host, *isData);
     }
   });
 }

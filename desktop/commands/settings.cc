@@ -7,11 +7,14 @@
 
 #include "core/base/text.h"
 #include "core/platform/private_files.h"
+#include "desktop/commands/reports/data_options.h"
 #include "desktop/commands/standard_output.h"
+#include "desktop/data/state_data.h"
 #include "desktop/reports/text_layout.h"
 #include "desktop/reports/wall_clock.h"
 #include "desktop/settings/editor.h"
 #include "desktop/settings/pause.h"
+#include "desktop/settings/setting_texts.h"
 #include "desktop/settings/settings_file.h"
 
 namespace tessum {
@@ -21,50 +24,19 @@ std::string lineText(int line) {
   return line == 0 ? "default" : "line " + std::to_string(line);
 }
 
-std::string timeText(int minute) {
-  const std::string hours = std::to_string(minute / 60);
-  const std::string minutes = std::to_string(minute % 60);
-  return (hours.size() < 2 ? "0" : "") + hours + (minutes.size() < 2 ? ":0" : ":") + minutes;
-}
-
-std::string scheduleText(const Schedule& schedule) {
-  std::string text;
-  if (schedule.hours != Hours()) {
-    text += " between " + timeText(schedule.hours.begin) + " and " + timeText(schedule.hours.end);
-  }
-  if (schedule.days == kEveryDay) return text;
-  constexpr const char* kNames[] = {"sun", "mon", "tue", "wed", "thu", "fri", "sat"};
-  text += " on";
-  for (std::size_t day = 0; day < schedule.days.size(); ++day) {
-    if (schedule.days[day]) text += std::string(" ") + kNames[day];
-  }
-  return text;
-}
-
-std::string ruleText(const HideRule& rule) {
-  const std::string text =
-      patternText(rule.windows) + (rule.schedule ? scheduleText(*rule.schedule) : "");
-  return text.substr(text.empty() ? 0 : 1) + (rule.kept == Kept::app ? ", keeps the app" : "");
-}
-
-void showSettings(const Host& host) {
+void showSettings(const Host& host, bool isData) {
   const Settings settings = loadSettings(host.locations, host.files);
   const std::string path = settingsPath(host.locations);
+  const bool exists = host.files.exists(path);
+  if (isData) return printForeign(settingsData(settings, path, exists));
   using enum Table::Alignment;
   Table table({left, left, left});
-  const auto add = [&](const char* name, const std::string& value, int line) {
-    table.addRow({{name, Tone::faint},
-                  {value, Tone::plain, Table::Fit::whole},
-                  {lineText(line), Tone::faint}});
-  };
-  add("away-after", awayAfterText(settings.awayAfter.value), settings.awayAfter.line);
-  add("titles", titlesText(settings.titles.value), settings.titles.line);
-  add("day-starts", timeText(settings.dayStarts.value), settings.dayStarts.line);
-  for (const HideRule& rule : settings.rules.hide) add("hide", ruleText(rule), rule.line);
-  for (const Category& category : settings.rules.categories) {
-    add("category", category.name + ":" + patternText(category.windows), category.line);
+  for (const SettingLine& setting : settingLines(settings)) {
+    table.addRow({{setting.name, Tone::faint},
+                  {setting.value, Tone::plain, Table::Fit::whole},
+                  {lineText(setting.line), Tone::faint}});
   }
-  print(printable(path) + (host.files.exists(path) ? "" : ", which does not exist") + "\n\n" +
+  print(printable(path) + (exists ? "" : ", which does not exist") + "\n\n" +
         table.text(standardOutputPaper()));
 }
 
@@ -137,6 +109,7 @@ void addSettingsCommand(CLI::App& app, Host& host) {
       "it is saved.\n\n"
       "Examples:\n"
       "  Tessum settings\n"
+      "  Tessum settings --json\n"
       "  Tessum settings edit\n"
       "  Tessum settings check\n"
       "  Tessum settings try Firefox \"News - Private Browsing\"");
@@ -153,8 +126,11 @@ void addSettingsCommand(CLI::App& app, Host& host) {
   tryCommand->add_option("TITLE", options->title, "the window's title")->type_name("");
   tryCommand->callback([&host, options] { tryRules(host, *options); });
   command->require_subcommand(0, 1);
-  command->callback([&host, command] {
-    if (command->get_subcommands().empty()) showSettings(host);
+  const auto isData = std::make_shared<bool>(false);
+  addJsonOption(*command, *isData);
+  command->callback([&host, command, isData] {
+    if (command->get_subcommands().empty()) return showSettings(host, *isData);
+    if (*isData) throw CLI::ValidationError("only the list of the settings is there as JSON");
   });
 }
 

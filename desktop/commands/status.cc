@@ -2,14 +2,16 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "core/store/history.h"
 #include "core/store/records.h"
 #include "desktop/clients/endpoint_state.h"
+#include "desktop/commands/reports/data_options.h"
 #include "desktop/commands/standard_output.h"
+#include "desktop/data/state_data.h"
 #include "desktop/reports/text_layout.h"
 #include "desktop/reports/wall_clock.h"
 #include "desktop/settings/pause.h"
@@ -37,8 +39,8 @@ std::string sessionText(const std::optional<Activity>& session, Date now) {
   return text + ", " + sinceText(session->startTime, now);
 }
 
-std::string noteText(const std::vector<Annotation>& open, Date now) {
-  return open.empty() ? "none" : open.front().text + ", " + sinceText(open.front().startedAt, now);
+std::string noteText(const std::optional<Annotation>& note, Date now) {
+  return note ? note->text + ", " + sinceText(note->startedAt, now) : "none";
 }
 
 std::string endpointText() {
@@ -53,11 +55,25 @@ std::string endpointText() {
   return usualEndpointURL() + ", which \"Tessum record --http\" opens";
 }
 
-void showStatus(const Host& host) {
+HistoryState historyState(const Host& host, const RecorderState& recorder) {
+  HistoryState state{.path = historyPath(host.locations)};
+  try {
+    History history(state.path, History::Access::read);
+    state.session = currentSession(recorder, history.openSessions());
+    const auto notes = history.openNotes();
+    if (!notes.empty()) state.note = notes.front();
+    state.size = std::filesystem::file_size(state.path);
+  } catch (const NoHistory&) {  // which is a state, too
+  }
+  return state;
+}
+
+void showStatus(const Host& host, bool isData) {
   const Overview state = overview(host);
   const RecorderState& recorder = state.recorder;
   const Date now = state.now;
-  const std::string path = historyPath(host.locations);
+  const HistoryState history = historyState(host, recorder);
+  if (isData) return printForeign(statusData(state, history, endpointState()));
   using enum Table::Alignment;
   Table table({left, left});
   const auto add = [&](const char* name, const std::string& value, Tone tone = Tone::plain,
@@ -74,15 +90,13 @@ void showStatus(const Host& host) {
   add("At login", loginText(state), state.loginStart ? Tone::good : Tone::bad);
   add("Clients", assistantsText(state));
   add("Next", nextText(state), Tone::strong);
-  try {
-    History history(path, History::Access::read);
-    add("In front", sessionText(currentSession(recorder, history.openSessions()), now));
-    add("Note", noteText(history.openNotes(), now));
-    add("History", path + ", " + sizeText(std::filesystem::file_size(path)), Tone::plain,
-        Table::Fit::whole);
-  } catch (const NoHistory&) {
-    add("History", path + ", which does not exist yet", Tone::plain, Table::Fit::whole);
+  if (history.size) {
+    add("In front", sessionText(history.session, now));
+    add("Note", noteText(history.note, now));
   }
+  add("History",
+      history.path + (history.size ? ", " + sizeText(*history.size) : ", which does not exist yet"),
+      Tone::plain, Table::Fit::whole);
   add("Endpoint", endpointText());
   print(table.text(standardOutputPaper()));
 }
@@ -91,10 +105,13 @@ void showStatus(const Host& host) {
 
 void addStatusCommand(CLI::App& app, Host& host) {
   auto* command = app.add_subcommand("status", "Show whether Tessum is recording, and where");
+  const auto isData = std::make_shared<bool>(false);
+  addJsonOption(*command, *isData);
   command->footer(
-      "Example:\n"
-      "  Tessum status");
-  command->callback([&host] { showStatus(host); });
+      "Examples:\n"
+      "  Tessum status\n"
+      "  Tessum status --json");
+  command->callback([&host, isData] { showStatus(host, *isData); });
 }
 
 }  // namespace tessum

@@ -4,6 +4,7 @@
 
 #include "core/json/writer.h"
 #include "desktop/data/csv.h"
+#include "desktop/data/values.h"
 #include "desktop/reports/calendar_dates.h"
 #include "desktop/reports/day_report.h"
 #include "desktop/reports/wall_clock.h"
@@ -13,20 +14,11 @@ namespace {
 
 using json::Value;
 
-Value secondsValue(double seconds) {
-  return json::Number{secondsText(seconds)};
-}
-
 Value periodValue(const Period& period, const DayRange& range) {
   return Value::Object{{"first", dateText(period.first)},
                        {"last", dateText(period.last)},
                        {"start", offsetDateTime(range.start)},
                        {"end", offsetDateTime(range.end)}};
-}
-
-template <typename T>
-Value orNull(const std::optional<T>& value) {
-  return value ? Value(*value) : Value();
 }
 
 std::vector<UsageGroup> first(const std::vector<UsageGroup>& groups, std::size_t most) {

@@ -50,7 +50,8 @@ _tessum() {
           install) words='--all --file --http --replace --dry-run --help' ;;
           uninstall) words='--all --file --dry-run --help' ;;
           update) words='--download --help' ;;
-          doctor) words='--mend --close-open --help' ;;
+          status | clients) words='--json --help' ;;
+          doctor) words='--mend --close-open --json --help' ;;
           export) words='--from --to --app --title --category --format --raw --help' ;;
           import)
             compopt -o default
@@ -58,7 +59,7 @@ _tessum() {
             ;;
           forget) words='--from --to --app --title --category --hidden --yes --help' ;;
           pause) words='until 30m 1h --help' ;;
-          settings) words='edit check try --help' ;;
+          settings) words='edit check try --json --help' ;;
           backup) compopt -o default ;;
           help) words=$commands ;;
           *) words='--help' ;;

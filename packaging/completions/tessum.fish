@@ -40,6 +40,9 @@ end
 __tessum_add usage -l by -x -a 'app title category note day weekday hour' -d 'What to add up'
 __tessum_add usage -l top -x -d 'Only the largest'
 __tessum_add category -a "try $periods"
+for command in status doctor clients settings
+    __tessum_add $command -l json -d 'Data as JSON'
+end
 for command in day usage notes search
     __tessum_add $command -l json -d 'Data as JSON'
     __tessum_add $command -l csv -d 'Data as comma-separated lines'

@@ -51,6 +51,7 @@ constexpr Elsewhere kElsewhere[] = {
     {"Tessum update --download", "tests/desktop/update/update_program_test_linux.cc",
      R"(run({"update", "--download"}))"},
     {"Tessum doctor", "tests/package/installed-debian", "tessum doctor\n"},
+    {"Tessum doctor --json", "tests/desktop/data/data_test.cc", R"(expectData("doctor", 1))"},
     {"Tessum doctor --close-open", "tests/desktop/doctor/doctor_test.cc",
      R"(run({"doctor", "--close-open"}))"},
     {"scripts/test", ".ci/run", " scripts/test\n"},
@@ -72,6 +73,7 @@ constexpr Elsewhere kElsewhere[] = {
     {"benchmarks/run", "tests/benchmarks/in-brief", "\nbenchmarks/run day\n"},
     {"benchmarks/run year", "tests/benchmarks/in-brief", "\nbenchmarks/run day\n"},
     {"benchmarks/recording/run", "tests/benchmarks/in-brief", "\nbenchmarks/recording/run "},
+    {"benchmarks/reports/run", "tests/benchmarks/in-brief", "\nbenchmarks/reports/run "},
     {"benchmarks/update/run", "tests/benchmarks/in-brief", "\nbenchmarks/update/run "},
 };
 

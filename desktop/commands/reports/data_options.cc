@@ -13,6 +13,10 @@ void addDataOptions(CLI::App& command, DataOptions& options) {
   for (auto* flag : {json, csv}) flag->excludes("--plain");
 }
 
+void addJsonOption(CLI::App& command, bool& isJson) {
+  command.add_flag("--json", isJson, "print it as JSON");
+}
+
 std::optional<DataFormat> formatOf(const DataOptions& options) {
   if (options.isJson) return DataFormat::json;
   if (options.isCsv) return DataFormat::csv;

@@ -21,6 +21,9 @@ struct DataOptions {
 // Adds --json and --csv to `command`, which has --plain; `options` must live as long.
 void addDataOptions(CLI::App& command, DataOptions& options);
 
+// Adds --json alone, for what has no rows; `isJson` must live as long as `command`.
+void addJsonOption(CLI::App& command, bool& isJson);
+
 // Absent where a report for people is wanted.
 [[nodiscard]] std::optional<DataFormat> formatOf(const DataOptions& options);
 

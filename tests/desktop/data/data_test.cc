@@ -56,6 +56,32 @@ TEST_F(Data, IsAsTheSchemaSays) {
   }
 }
 
+TEST_F(Data, OfTessumItselfIsAsTheSchemaSays) {
+  const auto expectData = [&](const char* command, int status) {
+    const Outcome outcome = user.run({command, "--json"});
+    EXPECT_EQ(outcome.status, status) << outcome.errors;
+    const json::Value value = json::parse(outcome.output);
+    EXPECT_EQ(violations(schema(), value), "") << outcome.output;
+    EXPECT_EQ(*value.object()->at("report").text(), command);
+    return value;
+  };
+  EXPECT_EQ(*expectData("status", 0).object()->at("recording").boolean(), false);
+  EXPECT_NE(*expectData("doctor", 1).object()->at("problems").number(), json::Number{"0"});
+  const auto rows = *expectData("settings", 0).object()->at("rows").array();
+  EXPECT_EQ(*rows.front().object()->at("seconds").number(), json::Number{"300"});
+  EXPECT_EQ(*rows.back().object()->at("line").number(), json::Number{"1"});
+  EXPECT_FALSE(expectData("clients", 0).object()->at("rows").array()->empty());
+  ASSERT_EQ(user.run({"note", "current"}).status, 0);
+  ASSERT_EQ(user.run({"pause"}).status, 0);
+  ASSERT_EQ(user.run({"install", "cursor"}).status, 0);
+  const json::Value status = expectData("status", 0);
+  EXPECT_EQ(*status.object()->at("note").object()->at("text").text(), "current");
+  EXPECT_TRUE(status.object()->at("paused").object()->at("until").isNull());
+  expectData("clients", 0);
+  EXPECT_EQ(User().run({"status", "--json"}).status, 0);
+  EXPECT_EQ(user.run({"doctor", "--json", "--mend"}).status, 2);
+}
+
 TEST_F(Data, OfAnotherFormIsFound) {
   const json::Value good = json::parse(user.run({"usage", "2025-03-04", "--json"}).output);
   ASSERT_EQ(violations(schema(), good), "");
