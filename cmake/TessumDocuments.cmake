@@ -13,7 +13,7 @@ function(tessum_compress file name)
   set(compressed ${compressed} "${output}" PARENT_SCOPE)
 endfunction()
 
-configure_file(packaging/debian/changelog.in packaging/changelog @ONLY)
+configure_file(packaging/linux/debian/changelog.in packaging/changelog @ONLY)
 tessum_compress("${PROJECT_SOURCE_DIR}/packaging/man/tessum.1" tessum.1)
 tessum_compress("${PROJECT_SOURCE_DIR}/packaging/man/TessumMCP.1" TessumMCP.1)
 tessum_compress("${PROJECT_BINARY_DIR}/packaging/changelog" changelog)

@@ -23,7 +23,13 @@ function(tessum_compile_alone target folder)
   set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target}
     PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
-tessum_compile_alone(tessum_host desktop recording/recorder_state.cc)
+tessum_compile_alone(tessum_host desktop
+  clients/edit/json_text.cc clients/edit/toml_text.cc
+  commands/clients.cc commands/update.cc
+  recording/recorder_state.cc
+  setup/recorder_process_posix.cc
+  timeline/strips_picture.cc
+  usage/usage_report.cc)
 tessum_compile_alone(tessum_platform core/platform temporary_file_posix.cc)
 tessum_compile_alone(tessum_presence core/presence linux/kde_inhibitions.cc)
 tessum_compile_alone(tessum_store core/store history.cc)

@@ -21,7 +21,7 @@
 namespace tessum {
 namespace {
 
-using Words = std::vector<std::string>;
+using WordList = std::vector<std::string>;
 
 // Without a history there are none of its words.
 bool hasHistory(const Host& host) {
@@ -30,9 +30,10 @@ bool hasHistory(const Host& host) {
 
 // The years from `first` to `last`; the months of a year, or the days of a month, once `begin`
 // names it.
-Words datesBetween(const CalendarDate& first, const CalendarDate& last, const std::string& begin) {
+WordList datesBetween(const CalendarDate& first, const CalendarDate& last,
+                      const std::string& begin) {
   const std::size_t length = begin.size() < 5 ? 4 : begin.size() < 8 ? 7 : 10;
-  Words words;
+  WordList words;
   for (CalendarDate day = first; daysBetween(day, last) >= 0; day = daysAfter(day, 1)) {
     const std::string text = dateText(day).substr(0, length);
     if (words.empty() || words.back() != text) words.push_back(text);
@@ -40,23 +41,23 @@ Words datesBetween(const CalendarDate& first, const CalendarDate& last, const st
   return words;
 }
 
-Words periods(const Host& host, const std::string& begin) {
-  Words words = periodWords();
+WordList periods(const Host& host, const std::string& begin) {
+  WordList words = periodWords();
   if (!hasHistory(host)) return words;
   const auto range = History(historyPath(host.locations), History::Access::read).beginnings();
   if (!range) return words;
   const ReportDays days = reportDays(host);
-  const Words dates = datesBetween(days.dayOf(range->start), days.dayOf(range->end), begin);
+  const WordList dates = datesBetween(days.dayOf(range->start), days.dayOf(range->end), begin);
   words.insert(words.end(), dates.begin(), dates.end());
   return words;
 }
 
-Words applications(const Host& host, const std::string&) {
+WordList applications(const Host& host, const std::string&) {
   if (!hasHistory(host)) return {};
   return History(historyPath(host.locations), History::Access::read).appNames();
 }
 
-Words categories(const Host& host, const std::string&) {
+WordList categories(const Host& host, const std::string&) {
   std::set<std::string> names;
   for (const Category& category : loadSettings(host.locations, host.files).rules.categories) {
     names.insert(category.name);
@@ -65,8 +66,8 @@ Words categories(const Host& host, const std::string&) {
   return {names.begin(), names.end()};
 }
 
-Words clients(const Host& host, const std::string&) {
-  Words names;
+WordList clients(const Host& host, const std::string&) {
+  WordList names;
   for (const Assistant& assistant : knownAssistants(host.locations)) {
     names.emplace_back(assistant.id);
   }
@@ -75,7 +76,7 @@ Words clients(const Host& host, const std::string&) {
 
 struct Kind {
   const char* name;
-  Words (*words)(const Host& host, const std::string& begin);
+  WordList (*words)(const Host& host, const std::string& begin);
 };
 constexpr Kind kKinds[] = {{"applications", applications},
                            {"categories", categories},
