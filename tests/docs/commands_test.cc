@@ -63,7 +63,7 @@ constexpr Elsewhere kElsewhere[] = {
     {"sudo apt install ./build/package/tessum_1.0.0_amd64.deb", "tests/package/installed-debian",
      "install_packages /tmp/tessum.deb\n"},
     {"sudo apt remove tessum", "tests/package/installed-debian",
-     "apt-get remove -qq -y --auto-remove tessum >"},
+     "apt-get purge -qq -y --auto-remove tessum >"},
     {"sudo tar -xzf build/package/tessum-1.0.0-linux-x86_64.tar.gz -C /usr/local",
      "tests/package/installed-debian", "tar -xzC /tmp/archive <"},
     {"tests/package/follows-policy build/package", ".ci/run",
