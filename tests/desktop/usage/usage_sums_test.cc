@@ -104,7 +104,8 @@ class UsageSums : public testing::TestWithParam<const char*> {
                 minuteText(begin + chance_.below(3 * 24 * 60)) + ");";
     }
     sql.run(script + "COMMIT;");
-    rules_.categories = {{"First", {Pattern("^A$"), {}}, 1}, {"Second", {{}, Pattern("T[01]")}, 2}};
+    rules_.categories = {{"First", {Pattern("^A$"), {}}, {}, 1},
+                         {"Second", {{}, Pattern("T[01]")}, {}, 2}};
   }
 
   Period randomPeriod() {
