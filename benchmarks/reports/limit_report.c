@@ -46,7 +46,8 @@ static char* copyOf(const char* text) {
 
 static struct Application* applicationOf(const char* name, const char* identifier) {
   uint64_t hash = 14695981039346656037U;
-  for (const char* at = name; *at != '\0'; ++at) hash = (hash ^ (unsigned char)*at) * 1099511628211U;
+  for (const char* at = name; *at != '\0'; ++at)
+    hash = (hash ^ (unsigned char)*at) * 1099511628211U;
   for (size_t slot = hash % kSlots;; slot = (slot + 1) % kSlots) {
     struct Application* const application = &applications[slot];
     if (application->name == NULL) {
@@ -125,7 +126,8 @@ int main(int argc, char** argv) {
   printf("%.0f s in %ld sessions\n", total, sessions);
   for (size_t i = 0; i < kSlots; ++i) {
     if (applications[i].name == NULL) continue;
-    printf("%s %.0f %ld\n", applications[i].name, applications[i].seconds, applications[i].sessions);
+    printf("%s %.0f %ld\n", applications[i].name, applications[i].seconds,
+           applications[i].sessions);
   }
   for (double day = start; day < end; day += kDay) {
     printf("%.0f\n", days[(size_t)((day - start) / kDay)]);

@@ -77,28 +77,28 @@ std::string statusData(const Overview& overview, const HistoryState& history,
   const auto ofRecorder = [&](const Value& value) {
     return recorder.isRecording ? value : Value();
   };
-  return line({{"report", "status"},
-               {"time", offsetDateTime(overview.now)},
-               {"recording", recorder.isRecording},
-               {"since", ofRecorder(timeOrNull(recorder.since))},
-               {"by", ofRecorder(textOrNull(recorder.way))},
-               {"awaySince", ofRecorder(timeOrNull(recorder.awaySince))},
-               {"keptAwakeBy", ofRecorder(texts(recorder.awake))},
-               {"notice", ofRecorder(textOrNull(recorder.notice))},
-               {"paused", pauseValue(overview.pause)},
-               {"atLogin", orNull(overview.loginStart)},
-               {"clients", texts(overview.informed)},
-               {"otherClients", texts(overview.uninformed)},
-               {"next", nextText(overview)},
-               {"session", sessionValue(history.session, overview.now)},
-               {"note", noteValue(history.note, overview.now)},
-               {"history", Value::Object{{"path", history.path},
-                                         {"bytes", history.size
-                                                       ? Value(static_cast<std::int64_t>(
-                                                             *history.size))
-                                                       : Value()}}},
-               {"endpoint",
-                Value::Object{{"url", usualEndpointURL()}, {"state", endpointName(endpoint)}}}});
+  return line(
+      {{"report", "status"},
+       {"time", offsetDateTime(overview.now)},
+       {"recording", recorder.isRecording},
+       {"since", ofRecorder(timeOrNull(recorder.since))},
+       {"by", ofRecorder(textOrNull(recorder.way))},
+       {"awaySince", ofRecorder(timeOrNull(recorder.awaySince))},
+       {"keptAwakeBy", ofRecorder(texts(recorder.awake))},
+       {"notice", ofRecorder(textOrNull(recorder.notice))},
+       {"paused", pauseValue(overview.pause)},
+       {"atLogin", orNull(overview.loginStart)},
+       {"clients", texts(overview.informed)},
+       {"otherClients", texts(overview.uninformed)},
+       {"next", nextText(overview)},
+       {"session", sessionValue(history.session, overview.now)},
+       {"note", noteValue(history.note, overview.now)},
+       {"history",
+        Value::Object{
+            {"path", history.path},
+            {"bytes", history.size ? Value(static_cast<std::int64_t>(*history.size)) : Value()}}},
+       {"endpoint",
+        Value::Object{{"url", usualEndpointURL()}, {"state", endpointName(endpoint)}}}});
 }
 
 std::string doctorData(const std::vector<Finding>& findings) {
@@ -106,12 +106,11 @@ std::string doctorData(const std::vector<Finding>& findings) {
   int problems = 0;
   for (const Finding& finding : findings) {
     if (finding.isProblem()) ++problems;
-    rows.push_back(
-        Value::Object{{"result", finding.isProblem()    ? "problem"
-                                 : finding.isAdviceOnly ? "advice"
-                                                        : "ok"},
-                      {"text", finding.text},
-                      {"remedy", textOrNull(finding.remedy)}});
+    rows.push_back(Value::Object{{"result", finding.isProblem()    ? "problem"
+                                            : finding.isAdviceOnly ? "advice"
+                                                                   : "ok"},
+                                 {"text", finding.text},
+                                 {"remedy", textOrNull(finding.remedy)}});
   }
   return line({{"report", "doctor"}, {"problems", problems}, {"rows", std::move(rows)}});
 }
@@ -120,14 +119,14 @@ std::string clientsData(const std::vector<ClientRow>& rows) {
   Value::Array values;
   for (const ClientRow& row : rows) {
     const bool isRegistered = row.isRegistered.value_or(false);
-    values.push_back(Value::Object{
-        {"application", row.application},
-        {"here", row.isPresent},
-        {"registered", orNull(row.isRegistered)},
-        {"entry", textOrNull(row.form)},
-        {"works", isRegistered ? Value(row.problem.empty()) : Value()},
-        {"problem", textOrNull(row.problem.empty() ? row.remark : row.problem)},
-        {"file", row.file}});
+    values.push_back(
+        Value::Object{{"application", row.application},
+                      {"here", row.isPresent},
+                      {"registered", orNull(row.isRegistered)},
+                      {"entry", textOrNull(row.form)},
+                      {"works", isRegistered ? Value(row.problem.empty()) : Value()},
+                      {"problem", textOrNull(row.problem.empty() ? row.remark : row.problem)},
+                      {"file", row.file}});
   }
   return line({{"report", "clients"}, {"rows", std::move(values)}});
 }
@@ -135,12 +134,14 @@ std::string clientsData(const std::vector<ClientRow>& rows) {
 std::string settingsData(const Settings& settings, const std::string& path, bool exists) {
   Value::Array rows;
   for (const SettingLine& setting : settingLines(settings)) {
-    rows.push_back(Value::Object{{"name", setting.name},
-                                 {"value", setting.value},
-                                 {"seconds", setting.seconds ? secondsValue(*setting.seconds) : Value()},
-                                 {"line", lineOrNull(setting.line)}});
+    rows.push_back(
+        Value::Object{{"name", setting.name},
+                      {"value", setting.value},
+                      {"seconds", setting.seconds ? secondsValue(*setting.seconds) : Value()},
+                      {"line", lineOrNull(setting.line)}});
   }
-  return line({{"report", "settings"}, {"file", path}, {"exists", exists}, {"rows", std::move(rows)}});
+  return line(
+      {{"report", "settings"}, {"file", path}, {"exists", exists}, {"rows", std::move(rows)}});
 }
 
 }  // namespace tessum

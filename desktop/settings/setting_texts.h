@@ -17,8 +17,8 @@ namespace tessum {
 struct SettingLine {
   std::string name;  // as in the file
   std::string value;
-  int line = 0;                              // of the file; 0 when the file does not set it
-  std::optional<double> seconds = {};        // of a duration
+  int line = 0;                        // of the file; 0 when the file does not set it
+  std::optional<double> seconds = {};  // of a duration
 };
 
 // All of them, the rules in their order.
