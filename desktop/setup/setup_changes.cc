@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "core/base/text.h"
 #include "core/json/field.h"
 #include "core/json/reader.h"
 #include "core/json/writer.h"
@@ -78,6 +79,14 @@ std::vector<std::string> missingFolders(fs::path path) {
   return missing;
 }
 
+// What is not valid UTF-8 could be neither noted nor taken back.
+void requireText(const SetupChange& change) {
+  for (const std::string& text : {change.target, change.content, change.before.value_or("")}) {
+    if (validUtf8(text) == text) continue;
+    throw std::runtime_error(validUtf8(change.target) + " is not valid UTF-8, or holds such text.");
+  }
+}
+
 }  // namespace
 
 SetupChanges::SetupChanges(const Host& host)
@@ -95,6 +104,7 @@ SetupChanges::SetupChanges(const Host& host)
 }
 
 void SetupChanges::add(SetupChange change) {
+  requireText(change);
   // The notes are in a folder that making them may make, and that therefore goes last.
   const auto folders = missingFolders(host_.locations.dataFolder());
   for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder) {
@@ -147,8 +157,11 @@ void SetupChanges::makeFile(const std::string& path, const std::string& bytes) {
 
 void SetupChanges::makeLink(const std::string& path, const std::string& target) {
   makeFolders(fs::path(path).parent_path().string());
-  add({.kind = Kind::link, .target = path, .content = target});
   std::error_code error;
+  const fs::path before = fs::read_symlink(path, error);
+  SetupChange change{.kind = Kind::link, .target = path, .content = target};
+  if (!error) change.before = before.string();
+  add(std::move(change));
   fs::remove(path, error);
   fs::create_symlink(target, path, error);
   if (error) throw std::system_error(error, "Cannot make the link " + path);
@@ -167,7 +180,9 @@ void takeBackOnDisk(const SetupChange& change, const Host& host) {
     return;
   }
   if (change.kind == Kind::link) {
-    if (fs::read_symlink(change.target, error) == change.content) fs::remove(change.target, error);
+    if (fs::read_symlink(change.target, error) != change.content) return;
+    fs::remove(change.target, error);
+    if (change.before) fs::create_symlink(*change.before, change.target, error);
     return;
   }
   if (change.kind != Kind::file || isEditedSince(change, host)) return;

@@ -19,7 +19,7 @@ struct SetupChange {
   enum class Kind {
     folder,          // made at `target`
     file,            // `target` holds `content`, and held `before`
-    link,            // a symbolic link at `target`, which leads to `content`
+    link,            // a symbolic link at `target` leads to `content`, and led to `before`
     service,         // the service `target` was started
     recorder,        // one was started; `content` tells of the one that ran before, if any
     shellExtension,  // the extension `target` of GNOME Shell was turned on
@@ -29,7 +29,7 @@ struct SetupChange {
   Kind kind = Kind::file;
   std::string target;
   std::string content = {};
-  std::optional<std::string> before = {};  // absent where there was no file
+  std::optional<std::string> before = {};  // absent where there was nothing
 
   friend bool operator==(const SetupChange&, const SetupChange&) = default;
 };
@@ -44,8 +44,9 @@ class SetupChanges {
 
   [[nodiscard]] const std::vector<SetupChange>& all() const { return changes_; }
 
-  // Notes a change. One that repeats an earlier change of the same target takes its place, but what
-  // was there before it stays noted.
+  // Notes a change, whose texts must be valid UTF-8; throws std::runtime_error where they are not.
+  // One that repeats an earlier change of the same target takes its place, but what was there
+  // before it stays noted.
   void add(SetupChange change);
 
   // Removes the note of a change that has been taken back.

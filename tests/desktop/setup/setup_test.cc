@@ -261,14 +261,16 @@ TEST_F(Setup, LeavesTheRecorderToSystemdWhereTheSessionRunsItsTarget) {
   writeFile(tool("systemctl"), kSystemctl);
   chmod(tool("systemctl").c_str(), 0700);
   writeFile(desktop.home().file("calls"), "");
+  const std::string link =
+      config("systemd/user/graphical-session.target.wants/tessum-record.service");
+  fs::create_directories(fs::path(link).parent_path());
+  fs::create_symlink("/nowhere/tessum-record.service", link);
   auto before = home();
   const Outcome outcome = run({"setup", "--yes"}, "", {"RECORDER=" + hostProgram()});
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   const std::string unit = config("systemd/user/tessum-record.service");
   EXPECT_TRUE(contains(readFile(unit), "\nExecStart=" + hostProgram() + " record\n"));
-  EXPECT_EQ(
-      fs::read_symlink(config("systemd/user/graphical-session.target.wants/tessum-record.service")),
-      unit);
+  EXPECT_EQ(fs::read_symlink(link), unit);
   EXPECT_FALSE(fs::exists(config("autostart")));
   const std::string calls = readFile(desktop.home().file("calls"));
   EXPECT_TRUE(contains(calls, "--user daemon-reload\n"));
