@@ -92,6 +92,12 @@ std::optional<RegistrationRecord> recordOf(const std::string& path, const Host& 
   }
 }
 
+std::vector<std::string> recordedFiles(const Host& host) {
+  std::vector<std::string> paths;
+  for (const auto& [path, record] : filesOf(allRecords(host))) paths.push_back(path);
+  return paths;
+}
+
 void keepRecord(const std::string& path, const RegistrationRecord& record, const Host& host) {
   if (validUtf8(path) != path) return;
   Object all = allRecords(host);

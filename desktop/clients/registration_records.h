@@ -27,6 +27,9 @@ struct RegistrationRecord {
 // std::system_error when the records cannot be read.
 [[nodiscard]] std::optional<RegistrationRecord> recordOf(const std::string& path, const Host& host);
 
+// The paths of all files that have a record, in their order. Throws as recordOf() does.
+[[nodiscard]] std::vector<std::string> recordedFiles(const Host& host);
+
 // Keeps `record` in place of an older one of that file. A path that is not UTF-8 has none. Throws
 // std::system_error.
 void keepRecord(const std::string& path, const RegistrationRecord& record, const Host& host);

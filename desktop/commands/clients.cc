@@ -14,6 +14,7 @@
 #include "desktop/clients/assistants.h"
 #include "desktop/clients/client_rows.h"
 #include "desktop/clients/registration.h"
+#include "desktop/clients/registration_records.h"
 #include "desktop/commands/reports/data_options.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/data/state_data.h"
@@ -219,6 +220,18 @@ bool uninstall(const Target& target, const RegistrationOptions& options, Host& h
   return isFound;
 }
 
+// Every known application, and the other files that install was given.
+std::vector<Target> everyTarget(const Host& host) {
+  std::vector<Target> targets;
+  std::vector<std::string> others = recordedFiles(host);
+  for (const Assistant& assistant : knownAssistants(host.locations)) {
+    targets.push_back(targetOf(assistant));
+    for (const std::string& file : assistant.files) std::erase(others, file);
+  }
+  for (const std::string& file : others) targets.push_back({std::nullopt, {{file, {}}}});
+  return targets;
+}
+
 void uninstallAll(const Targets& given, Host& host) {
   const RegistrationOptions options{.isDryRun = given.isDryRun};
   for (const Target& target : targetsArgument(given, host)) {
@@ -228,9 +241,7 @@ void uninstallAll(const Targets& given, Host& host) {
   }
   if (!given.all) return;
   bool isFound = false;
-  for (const Assistant& assistant : knownAssistants(host.locations)) {
-    isFound |= uninstall(targetOf(assistant), options, host);
-  }
+  for (const Target& target : everyTarget(host)) isFound |= uninstall(target, options, host);
   if (!isFound) print("Not registered with any application.\n");
 }
 

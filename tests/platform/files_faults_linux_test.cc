@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <string>
@@ -121,6 +122,19 @@ TEST_P(FilesFaults, AKillLeavesTheOldFileOrTheNewOne) {
     EXPECT_FALSE(isTemporaryFileLeft()) << "the next replacement removes it";
   }
   EXPECT_GE(old, 6);
+}
+
+TEST_P(FilesFaults, WhereThereAreNoLocksOldTemporaryFilesGoAndNewOnesStay) {
+  reset();
+  const std::string left = folder_.file(".tessum-new-abcdef");
+  for (const bool isOld : {true, false}) {
+    writeFile(left, "half");
+    const auto now = std::filesystem::file_time_type::clock::now();
+    std::filesystem::last_write_time(left, now - std::chrono::minutes(isOld ? 61 : 59));
+    EXPECT_EQ(program_.runWithFault({.name = "flock", .occurrence = 1}, "error=ENOLCK"), kSuccess);
+    EXPECT_EQ(content(), "new");
+    EXPECT_EQ(std::filesystem::exists(left), !isOld);
+  }
 }
 
 std::string nameOf(const testing::TestParamInfo<Start>& start) {

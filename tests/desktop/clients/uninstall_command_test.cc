@@ -57,6 +57,14 @@ TEST_F(ClientCommands, UninstallTakesTheFileOfAnyApplication) {
   EXPECT_EQ(user_.run({"uninstall", "--file", file}).output, "Not registered with " + file + ".\n");
 }
 
+TEST_F(ClientCommands, UninstallAllKnowsTheFilesThatInstallWasGiven) {
+  const std::string file = user_.home() + "/other/mcp.json";
+  ASSERT_EQ(user_.run({"install", "--file", file}).status, 0);
+  EXPECT_EQ(user_.run({"uninstall", "--all"}).output, "Removed from " + file + ".\n");
+  EXPECT_EQ(user_.run({"uninstall", "--all"}).output, "Not registered with any application.\n");
+  EXPECT_EQ(namesIn(user_.home()), std::vector<std::string>{});
+}
+
 TEST_F(ClientCommands, UninstallTakesAwayWhatInstallMade) {
   ASSERT_EQ(user_.run({"install", "cursor", "zed", "codex", "Continue"}).status, 0);
   EXPECT_EQ(user_.run({"install", "cursor", "zed", "codex", "Continue"}).output.find("Already"),
