@@ -84,15 +84,15 @@ class ChartInput {
 
 // The keys, and what the list of them says; each acts on the explorer.
 const kKeys = [
-  { keys: ['ArrowLeft', 'ArrowRight'], shown: '← →', text: 'Move', act: (explorer, key) => explorer.view.pan((key === 'ArrowLeft' ? -0.2 : 0.2) * explorer.view.length) },
+  { keys: ['ArrowLeft', 'ArrowRight'], shown: '← →', text: 'Move', act: (explorer, key) => explorer.move(key === 'ArrowLeft' ? -0.2 : 0.2) },
   { keys: ['+', '='], shown: '+', text: 'Zoom in', act: (explorer) => explorer.zoom(1 / kZoomStep) },
   { keys: ['-', '_'], shown: '−', text: 'Zoom out', act: (explorer) => explorer.zoom(kZoomStep) },
-  { keys: ['0', 'Home'], shown: '0', text: 'Whole period', act: (explorer) => explorer.view.showWhole() },
-  { keys: ['[', 'PageUp'], shown: '[', text: 'Previous day', act: (explorer) => explorer.goToDay(-1) },
-  { keys: [']', 'PageDown'], shown: ']', text: 'Next day', act: (explorer) => explorer.goToDay(1) },
+  { keys: ['0'], shown: '0', text: 'Whole period', act: (explorer) => explorer.view.showWhole() },
+  { keys: ['['], shown: '[', text: 'Previous day', act: (explorer) => explorer.goToDay(-1) },
+  { keys: [']'], shown: ']', text: 'Next day', act: (explorer) => explorer.goToDay(1) },
   { keys: [',', '.'], shown: ', .', text: 'Session before, after', act: (explorer, key) => explorer.moveSession(key === ',' ? -1 : 1) },
   { keys: ['c'], shown: 'c', text: 'Applications or categories', act: (explorer) => explorer.group(!explorer.choice.groupsByCategory) },
-  { keys: ['/', 'f'], shown: '/', text: 'Filter', act: (explorer) => explorer.focusFilter() },
+  { keys: ['/'], shown: '/', text: 'Filter', act: (explorer) => explorer.focusFilter() },
   { keys: ['Escape'], shown: 'Esc', text: 'Close, then show everything', act: (explorer) => explorer.escape() },
   { keys: ['?'], shown: '?', text: 'These keys', act: (explorer) => explorer.showKeys() },
 ];

@@ -25,9 +25,16 @@ class Explorer {
   }
 
   zoom(factor) {
-    const middle = (this.view.start + this.view.end) / 2;
-    const half = this.view.length * factor / 2;
+    const { start, end } = this.view.goal;
+    const middle = (start + end) / 2;
+    const half = (end - start) * factor / 2;
     this.view.glide(middle - half, middle + half);
+  }
+
+  // Moves the view by a share of its length.
+  move(share) {
+    const { start, end } = this.view.goal;
+    this.view.glide(start + share * (end - start), end + share * (end - start));
   }
 
   goToDay(direction) {

@@ -2,6 +2,7 @@
 // The stretch of time that is in view.
 
 const kShortestView = 30 * kSecond;
+const kSeveralDays = 2.1 * kDay; // from here on days have strips
 
 class View {
   constructor(history) {
@@ -19,18 +20,14 @@ class View {
   }
 
   get isSeveralDays() {
-    return this.length > 2.1 * kDay;
+    return this.length > kSeveralDays;
   }
 
-  // Shows the time from `start` to `end`, as far as the period goes.
+  // Shows the time from `start` to `end`, as far as the period goes. False where that changes nothing.
   set(start, end) {
-    const most = this.#most - this.#least;
-    const length = Math.min(Math.max(end - start, kShortestView), most);
-    const middle = (start + end) / 2;
-    const from = Math.min(Math.max(middle - length / 2, this.#least), this.#most - length);
-    if (from === this.start && from + length === this.end) return false;
-    this.start = from;
-    this.end = from + length;
+    const range = this.#within(start, end);
+    if (range.start === this.start && range.end === this.end) return false;
+    Object.assign(this, range);
     this.onChange();
     return true;
   }
@@ -55,38 +52,58 @@ class View {
     if (day) this.glide(day.start, day.end);
   }
 
+  // What is in view, or will be once the view has come to rest.
+  get goal() {
+    return this.#goal ?? { start: this.start, end: this.end };
+  }
+
   // The day that fills the view; -1 when none does.
   get day() {
+    const { start, end } = this.goal;
     return this.history.days.findIndex((day) =>
-      Math.abs(day.start - this.start) < kSecond && Math.abs(day.end - this.end) < kSecond);
+      Math.abs(day.start - start) < kSecond && Math.abs(day.end - end) < kSecond);
   }
 
   // The day to go to from here; absent at the ends of the period.
   neighbour(direction) {
     const { history } = this;
-    if (this.isWhole && history.days.length > 1) return direction > 0 ? 0 : history.days.length - 1;
-    const middle = history.dayAt((this.start + this.end) / 2);
-    const index = this.day < 0 && this.isSeveralDays ? middle : middle + direction;
+    const { start, end } = this.goal;
+    const isWhole = start <= this.#least && end >= this.#most;
+    if (isWhole && history.days.length > 1) return direction > 0 ? 0 : history.days.length - 1;
+    const middle = history.dayAt((start + end) / 2);
+    const index = this.day < 0 && end - start > kSeveralDays ? middle : middle + direction;
     return history.days[index] ? index : undefined;
   }
 
   // The same as set(), but seen moving, unless the reader wants no motion.
   glide(start, end) {
-    cancelAnimationFrame(this.#frame);
+    this.stop();
     if (matchMedia('(prefers-reduced-motion: reduce)').matches) return this.set(start, end);
+    const goal = this.#within(start, end);
+    this.#goal = goal;
     const from = { start: this.start, end: this.end, time: performance.now() };
     const kDuration = 200;
     const step = (time) => {
       const share = Math.min(Math.max((time - from.time) / kDuration, 0), 1);
       const eased = 1 - (1 - share) ** 3;
-      this.set(from.start + (start - from.start) * eased, from.end + (end - from.end) * eased);
-      if (share < 1) this.#frame = requestAnimationFrame(step);
+      this.set(from.start + (goal.start - from.start) * eased, from.end + (goal.end - from.end) * eased);
+      if (share < 1) this.#frame = requestAnimationFrame(step); else this.#goal = null;
     };
     step(from.time);
   }
 
   stop() {
     cancelAnimationFrame(this.#frame);
+    this.#goal = null;
+  }
+
+  // A range of that length at that place, or the nearest one that the period has.
+  #within(start, end) {
+    const most = this.#most - this.#least;
+    const length = Math.min(Math.max(end - start, kShortestView), most);
+    const from = (start + end - length) / 2;
+    const nearest = Math.min(Math.max(from, this.#least), this.#most - length);
+    return { start: nearest, end: nearest + length };
   }
 
   // A single day is first shown from its first hour with a record to its last; it has the others too.
@@ -99,4 +116,5 @@ class View {
   }
 
   #frame = 0;
+  #goal = null;
 }
