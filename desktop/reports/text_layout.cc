@@ -188,7 +188,7 @@ std::string bar(double share, std::size_t columns, const Paper& paper) {
       paper.isAscii ? std::span<const std::string_view>(kAscii) : kBlocks;
   const double all = static_cast<double>(columns * parts.size());
   auto length = static_cast<std::size_t>(std::lround(std::clamp(share, 0.0, 1.0) * all));
-  if (share > 0) length = std::max<std::size_t>(length, 1);
+  if (share > 0 && columns > 0) length = std::max<std::size_t>(length, 1);
   std::string out;
   for (; length >= parts.size(); length -= parts.size()) out += parts.back();
   if (length > 0) out += parts[length - 1];

@@ -19,6 +19,7 @@ TEST(Bar, IsDrawnInEighthsOrInAsciiInHalves) {
   EXPECT_EQ(bar(0.5, 3), "█▌");
   EXPECT_EQ(bar(0.001, 4), "▏");
   EXPECT_EQ(bar(0, 4), "");
+  EXPECT_EQ(bar(1, 0), "");
   EXPECT_EQ(bar(2, 2), "██");
   const Paper ascii{.isAscii = true};
   EXPECT_EQ(bar(1, 4, ascii), "====");
