@@ -44,6 +44,40 @@ void bindLike(Statement& statement, const Annotation& note) {
   statement.bind(second.start).bind(second.end).bind(note.text);
 }
 
+constexpr char kAddSession[] =
+    R"(INSERT INTO activities (app_name, bundle_id, title, start_time, end_time)
+VALUES (?, ?, ?, ?, ?);)";
+
+// One that has no end ends where the next one begins.
+constexpr char kAddNote[] =
+    R"(INSERT INTO annotations (text, started_at, ended_at)
+VALUES (?1, ?2, COALESCE(?3, (SELECT MIN(started_at) FROM annotations WHERE started_at > ?2)));)";
+
+void bindAll(Statement& statement, const Activity& session) {
+  statement.bind(session.appName).bind(session.bundleID).bind(session.title);
+  statement.bind(session.startTime).bind(session.endTime);
+}
+
+void bindAll(Statement& statement, const Annotation& note) {
+  statement.bind(note.text).bind(note.startedAt).bind(note.endedAt);
+}
+
+// Adds the records that `find` does not find, by `add`, and returns their number.
+template <typename Record>
+std::int64_t addAllMissing(sqlite3* db, std::span<const Record> records, Statement& find,
+                           Statement& add) {
+  std::int64_t added = 0;
+  for (const Record& record : records) {
+    bindLike(find, record);
+    if (hasAny(find, db)) continue;
+    add.reset();
+    bindAll(add, record);
+    add.execute();
+    added += 1;
+  }
+  return added;
+}
+
 }  // namespace
 
 bool History::hasLike(const Activity& session) {
@@ -58,44 +92,20 @@ bool History::hasLike(const Annotation& note) {
   return hasAny(statement, db_.get());
 }
 
-constexpr char kAddSession[] =
-    R"(INSERT INTO activities (app_name, bundle_id, title, start_time, end_time)
-VALUES (?, ?, ?, ?, ?);)";
-
 std::int64_t History::addMissing(std::span<const Activity> sessions) {
   Transaction transaction(db_.get());
   Statement find(db_.get(), kSessionsLike);
   Statement add(db_.get(), kAddSession);
-  std::int64_t added = 0;
-  for (const Activity& session : sessions) {
-    bindLike(find, session);
-    if (hasAny(find, db_.get())) continue;
-    add.reset();
-    add.bind(session.appName).bind(session.bundleID).bind(session.title);
-    add.bind(session.startTime).bind(session.endTime).execute();
-    added += 1;
-  }
+  const std::int64_t added = addAllMissing(db_.get(), sessions, find, add);
   transaction.keep();
   return added;
 }
-
-// One that has no end ends where the next one begins.
-constexpr char kAddNote[] =
-    R"(INSERT INTO annotations (text, started_at, ended_at)
-VALUES (?1, ?2, COALESCE(?3, (SELECT MIN(started_at) FROM annotations WHERE started_at > ?2)));)";
 
 std::int64_t History::addMissing(std::span<const Annotation> notes) {
   Transaction transaction(db_.get());
   Statement find(db_.get(), kNotesLike);
   Statement add(db_.get(), kAddNote);
-  std::int64_t added = 0;
-  for (const Annotation& note : notes) {
-    bindLike(find, note);
-    if (hasAny(find, db_.get())) continue;
-    add.reset();
-    add.bind(note.text).bind(note.startedAt).bind(note.endedAt).execute();
-    added += 1;
-  }
+  const std::int64_t added = addAllMissing(db_.get(), notes, find, add);
   transaction.keep();
   return added;
 }

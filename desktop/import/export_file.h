@@ -1,8 +1,8 @@
 // The files of other programs' histories, and of Tessum's own, that can be imported:
 //
-//   buckets   ActivityWatch's export: {"buckets": {"NAME": {"type": "currentwindow", "events":
-//   [...]}}} samples   what "arbtt-dump -t JSON" prints: [{"date": ..., "windows": [...]}, ...]
-//   history   Tessum's own export: {"activities": [...], "annotations": [...]}
+// - buckets: ActivityWatch's export, {"buckets": {"NAME": {"type": "currentwindow", ...}}}
+// - samples: what "arbtt-dump -t JSON" prints, [{"date": ..., "windows": [...]}, ...]
+// - history: Tessum's own export, {"activities": [...], "annotations": [...]}
 
 #pragma once
 

@@ -26,7 +26,7 @@ class Backup : public testing::Test {
   User user;
 };
 
-TEST_F(Backup, IsTheWholeRecordForTheUserAlone) {
+TEST_F(Backup, IsTheWholeHistoryForTheUserAlone) {
   const std::string copy = user.file("copy.db");
   const Outcome outcome = user.run({"backup", copy});
   EXPECT_EQ(outcome.status, 0) << outcome.errors;

@@ -56,7 +56,7 @@ TEST_F(Export, JsonIsOneObjectOfTheRecords) {
   EXPECT_EQ(annotationFromJson(annotations[0]).text, "Work");
 }
 
-TEST_F(Export, AnEmptyRecordIsStillAnObject) {
+TEST_F(Export, AnEmptyHistoryIsStillAnObject) {
   const User other;
   { const Database made = other.database(); }
   const json::Value document = json::parse(other.run({"export", "--format", "json"}).output);
@@ -93,7 +93,7 @@ TEST_F(Export, ALastDayBeforeTheFirstIsAMistake) {
 }
 
 // More rows than one step reads, many of them with the same start.
-TEST_F(Export, EveryRowOfALongRecordComesOnce) {
+TEST_F(Export, EveryRowOfALongHistoryComesOnce) {
   Sql(user.historyPath())
       .run(
           "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 4499) "

@@ -8,7 +8,7 @@
 namespace tessum {
 namespace {
 
-TEST(Note, BeginsTheRecordWhereThereIsNone) {
+TEST(Note, BeginsTheHistoryWhereThereIsNone) {
   const User user;
   const Outcome outcome = user.run({"note", "  Fixing bug \n"});
   EXPECT_EQ(outcome.status, 0) << outcome.errors;

@@ -21,7 +21,7 @@ void addOpenSession(const User& user) {
                           .endTime = {}});
 }
 
-TEST(Status, OfAFreshMachineSaysThatThereIsNoRecordAndMakesNone) {
+TEST(Status, OfAFreshMachineSaysThatThereIsNoHistoryAndMakesNone) {
   const User user;
   const Outcome outcome = user.run({"status"});
   EXPECT_EQ(outcome.status, 0);
@@ -91,7 +91,7 @@ TEST(Status, DoesNotTakeASessionOfAPastRunForTheCurrentOne) {
   EXPECT_TRUE(contains(outcome.output, "In front   nothing"));
 }
 
-TEST(Status, FailsWhereTheRecordCannotBeRead) {
+TEST(Status, FailsWhereTheHistoryCannotBeRead) {
   const User user;
   addOpenSession(user);
   Sql other(user.historyPath());

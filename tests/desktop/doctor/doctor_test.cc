@@ -15,7 +15,7 @@
 namespace tessum {
 namespace {
 
-TEST(Doctor, FindsTheRecordSound) {
+TEST(Doctor, FindsTheHistorySound) {
   const User user;
   user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
   const Outcome outcome = user.run({"doctor"});
@@ -25,7 +25,7 @@ TEST(Doctor, FindsTheRecordSound) {
   EXPECT_TRUE(contains(outcome.output, "ok   No session was left open."));
 }
 
-TEST(Doctor, FindsNothingWrongWithARecordThatIsYetToCome) {
+TEST(Doctor, FindsNothingWrongWithAHistoryThatIsYetToCome) {
   const User user;
   EXPECT_TRUE(contains(user.run({"doctor"}).output, "ok   There is no history yet"));
   EXPECT_FALSE(std::filesystem::exists(user.dataFolder()));
@@ -51,7 +51,7 @@ TEST(Doctor, FindsAFileInThePlaceOfTheFolder) {
   EXPECT_TRUE(contains(outcome.output, "is not a folder"));
 }
 
-TEST(Doctor, FindsARecordThatIsReadOnlyOrCannotBeRead) {
+TEST(Doctor, FindsAHistoryThatIsReadOnlyOrCannotBeRead) {
   const User user;
   user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
   chmod(user.historyPath().c_str(), 0400);
