@@ -51,6 +51,9 @@ void FakeLogind::changeManager(const std::string& property, const std::string& v
 }
 
 void FakeLogind::prepare(const std::string& member, bool isBeginning) {
+  // Whoever asks just now gets the same answer as the signal.
+  const std::string property = "Preparing" + member.substr(std::string("Prepare").size());
+  peer_.setProperty(kPath, kManager, property, isBeginning);
   peer_.emit(kPath, kManager, member, "b", static_cast<int>(isBeginning));
 }
 
