@@ -30,6 +30,7 @@ tessum_compile_alone(tessum_host desktop
   setup/recorder_process_posix.cc
   timeline/strips_picture.cc
   usage/usage_report.cc)
+tessum_compile_alone(tessum_mcp core/mcp tools.cc)
 tessum_compile_alone(tessum_platform core/platform temporary_file_posix.cc)
 tessum_compile_alone(tessum_presence core/presence linux/kde_inhibitions.cc)
 tessum_compile_alone(tessum_store core/store history.cc)
