@@ -78,7 +78,7 @@ bool isEnabledIn(const Host& host, const std::string& units) {
 // The unit that a package has installed beside `program`; empty when systemd would find none there.
 std::string packagedUnit(const std::string& program) {
   for (const std::string prefix : {"/usr", "/usr/local"}) {
-    const std::string unit = prefix + "/lib/systemd/user/" + kUnit;
+    std::string unit = prefix + "/lib/systemd/user/" + kUnit;
     std::error_code ignored;
     if (program == prefix + "/bin/Tessum" && fs::exists(unit, ignored)) return unit;
   }

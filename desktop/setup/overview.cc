@@ -42,7 +42,7 @@ std::string assistantsText(const Overview& overview) {
   if (overview.informed.empty()) {
     return clause(overview.uninformed, " does not know of Tessum", " do not know of Tessum");
   }
-  const std::string text = clause(overview.informed, " knows of Tessum", " know of Tessum");
+  std::string text = clause(overview.informed, " knows of Tessum", " know of Tessum");
   if (overview.uninformed.empty()) return text;
   return text + "; " + clause(overview.uninformed, " does not", " do not");
 }

@@ -81,7 +81,7 @@ void carryOut(Host& host, const std::vector<SetupStep>& steps, SetupChanges& cha
 FirstSession awaitFirstSession(const Host& host, double seconds) {
   const bool showsProgress = isatty(STDERR_FILENO) != 0;
   if (showsProgress) std::fputs("Waiting for the first session ...", stderr);
-  const FirstSession found = waitForFirstSession(host, seconds);
+  FirstSession found = waitForFirstSession(host, seconds);
   if (showsProgress) std::fputs("\r\033[K", stderr);
   return found;
 }
