@@ -3,7 +3,7 @@
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
 
-import { Browser, skip } from './chromium.mjs';
+import { Browser, skip } from '../../support/chromium.mjs';
 import { User } from './user.mjs';
 
 const kMarkup = '</script><img src=x onerror="document.title=\'taken\'"><b>bold</b> & "quoted"';

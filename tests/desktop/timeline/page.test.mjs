@@ -4,7 +4,7 @@ import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { after, before, test } from 'node:test';
 
-import { Browser, skip } from './chromium.mjs';
+import { Browser, skip } from '../../support/chromium.mjs';
 import { User } from './user.mjs';
 
 const users = [];

@@ -1,23 +1,16 @@
-// Opens a page in a real browser.
+// Opens a page in a real browser and takes what its script finds.
 
-import { spawn, spawnSync } from 'node:child_process';
 import { once } from 'node:events';
-import { mkdtempSync, rmSync } from 'node:fs';
 import { createServer } from 'node:http';
-import { tmpdir } from 'node:os';
-import { join } from 'node:path';
 
-const kBrowser = 'chromium';
-const hasBrowser = spawnSync(kBrowser, ['--version']).status === 0;
+import { Browser } from '../../support/chromium.mjs';
 
-// The option of a test that needs the browser.
-export const skip = hasBrowser ? false : `there is no ${kBrowser}`;
+export { skip } from '../../support/chromium.mjs';
 
 // Opens a page with `script`, below `host`, which leads to this computer, and returns what the
 // script posts to /results.
 export async function resultsOfPage(script, host = '127.0.0.1') {
   const page = `<!doctype html><body><script>${script}</script>`;
-  const folder = mkdtempSync(join(tmpdir(), 'tessum-browser-'));
   let report;
   let fail;
   const results = new Promise((resolve, reject) => {
@@ -32,27 +25,14 @@ export async function resultsOfPage(script, host = '127.0.0.1') {
     report(JSON.parse(text));
   });
   await once(site.listen(0, '127.0.0.1'), 'listening');
-  const browser = spawn(
-    kBrowser,
-    [
-      ...['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run'],
-      ...['--disable-background-networking', '--disable-component-update', '--disable-sync'],
-      ...['--remote-debugging-port=0', `--user-data-dir=${folder}`],
-      `--host-resolver-rules=MAP ${host} 127.0.0.1`,
-      `http://${host}:${site.address().port}/`,
-    ],
-    { stdio: 'ignore' },
-  );
-  const ended = once(browser, 'exit');
-  ended.then(() => fail(new Error('the browser ended before the page reported')));
+  const browser = new Browser(`--host-resolver-rules=MAP ${host} 127.0.0.1`);
+  browser.ended.then(() => fail(new Error('the browser ended before the page reported')));
+  browser.send('Target.createTarget', { url: `http://${host}:${site.address().port}/` });
   try {
     return await results;
   } finally {
-    browser.kill();
-    await ended;
+    await browser.close();
     site.close();
     site.closeAllConnections();
-    // Its helpers may write for a moment longer.
-    rmSync(folder, { recursive: true, force: true, maxRetries: 20, retryDelay: 200 });
   }
 }

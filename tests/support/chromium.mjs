@@ -1,10 +1,11 @@
-// A page in Chromium, driven through the browser's debugging pipe: real input, and what it shows.
+// Chromium, driven through its debugging pipe: real input, and what a page shows.
 
 import { spawn, spawnSync } from 'node:child_process';
 import { once } from 'node:events';
 import { mkdtempSync, rmSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
+import { setTimeout } from 'node:timers/promises';
 import { pathToFileURL } from 'node:url';
 
 const kBrowser = 'chromium';
@@ -12,18 +13,35 @@ const kBrowser = 'chromium';
 // The option of a test that needs the browser.
 export const skip = spawnSync(kBrowser, ['--version']).status === 0 ? false : `there is no ${kBrowser}`;
 
+// Removes the folder of a browser that has ended: its helpers may write for a moment longer. The
+// retries of rmSync itself do not see files that come meanwhile.
+async function removeFolder(folder) {
+  const kPatience = 20000;
+  const start = performance.now();
+  for (;;) {
+    try {
+      return rmSync(folder, { recursive: true, force: true });
+    } catch (error) {
+      if (performance.now() - start > kPatience) throw error;
+    }
+    await setTimeout(20);
+  }
+}
+
 export class Browser {
-  #folder = mkdtempSync(join(tmpdir(), 'tessum-timeline-'));
-  #process = spawn(kBrowser, [
-    ...['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run'],
-    ...['--disable-background-networking', '--disable-component-update', '--disable-sync'],
-    ...['--remote-debugging-pipe', `--user-data-dir=${this.#folder}`, 'about:blank'],
-  ], { stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe'] });
+  #folder = mkdtempSync(join(tmpdir(), 'tessum-browser-'));
+  #process;
   #answers = new Map();
   #listeners = new Map(); // by session
   #rest = '';
 
-  constructor() {
+  constructor(...options) {
+    this.#process = spawn(kBrowser, [
+      ...['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run'],
+      ...['--disable-background-networking', '--disable-component-update', '--disable-sync'],
+      ...['--remote-debugging-pipe', `--user-data-dir=${this.#folder}`, ...options, 'about:blank'],
+    ], { stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe'] });
+    this.ended = once(this.#process, 'exit');
     this.#process.stdio[4].setEncoding('utf8').on('data', (text) => {
       const messages = (this.#rest + text).split('\0');
       this.#rest = messages.pop();
@@ -63,11 +81,9 @@ export class Browser {
   }
 
   async close() {
-    const ended = once(this.#process, 'exit');
     this.send('Browser.close').catch(() => {});
-    await ended;
-    // Its helpers may write for a moment longer.
-    rmSync(this.#folder, { recursive: true, force: true, maxRetries: 20, retryDelay: 200 });
+    await this.ended;
+    await removeFolder(this.#folder);
   }
 }
 
