@@ -4,9 +4,9 @@
 
 #include <array>
 #include <cerrno>
-#include <system_error>
 #include <utility>
 
+#include "core/platform/file_error.h"
 #include "core/platform/file_lock.h"
 
 namespace tessum {
@@ -19,19 +19,15 @@ struct flock wholeFile() {
   return lock;
 }
 
-[[noreturn]] void fail(const std::string& what, const std::string& path) {
-  throw std::system_error(errno, std::generic_category(), what + " " + path);
-}
-
 }  // namespace
 
 std::optional<FileLock> FileLock::take(const std::string& path) {
   Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
-  if (file.number() < 0) fail("Cannot open", path);
+  if (file.number() < 0) throwFileError("Cannot open", path);
   struct flock lock = wholeFile();
   while (fcntl(file.number(), F_SETLK, &lock) != 0) {
     if (errno == EACCES || errno == EAGAIN) return std::nullopt;
-    if (errno != EINTR) fail("Cannot lock", path);
+    if (errno != EINTR) throwFileError("Cannot lock", path);
   }
   return FileLock(std::move(file));
 }
@@ -51,12 +47,12 @@ std::optional<LockFile> readLockFile(const std::string& path) {
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (file.number() < 0) {
     if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
-    fail("Cannot look at", path);
+    throwFileError("Cannot look at", path);
   }
   struct flock lock = wholeFile();
-  if (fcntl(file.number(), F_GETLK, &lock) != 0) fail("Cannot look at", path);
+  if (fcntl(file.number(), F_GETLK, &lock) != 0) throwFileError("Cannot look at", path);
   struct stat status {};
-  if (fstat(file.number(), &status) != 0) fail("Cannot look at", path);
+  if (fstat(file.number(), &status) != 0) throwFileError("Cannot look at", path);
   LockFile found{.isHeld = lock.l_type != F_UNLCK,
                  .lastModified = {static_cast<double>(status.st_mtime)},
                  .content = {}};

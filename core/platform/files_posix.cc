@@ -19,6 +19,7 @@
 #include <system_error>
 
 #include "core/platform/descriptor.h"
+#include "core/platform/file_error.h"
 #include "core/platform/files.h"
 #include "core/platform/flush.h"
 #include "core/platform/temporary_file.h"
@@ -32,10 +33,6 @@ constexpr mode_t kPermissions = 07777;
 
 // Enough for any sensible chain of links; a longer one is taken for a circle.
 constexpr int kMostLinks = 40;
-
-[[noreturn]] void fail(std::string_view what, const std::string& path, int error) {
-  throw std::system_error(error, std::generic_category(), std::string(what) + " " + path);
-}
 
 // Why a file of this kind is not one to read or replace; 0 when it is.
 int refusalOf(const struct stat& file) {
@@ -54,10 +51,10 @@ std::string followLinks(const std::string& path) {
     if (error == std::errc::invalid_argument || error == std::errc::no_such_file_or_directory) {
       return followed.string();
     }
-    if (error) fail("Cannot replace", path, error.value());
+    if (error) throwFileError("Cannot replace", path, error.value());
     followed = followed.parent_path() / target;
   }
-  fail("Cannot replace", path, ELOOP);
+  throwFileError("Cannot replace", path, ELOOP);
 }
 
 // The file at `path`; absent when there is none. Throws for one that is not to be replaced.
@@ -65,9 +62,9 @@ std::optional<struct stat> fileToReplace(const std::string& path) {
   struct stat found {};
   if (retried([&] { return lstat(path.c_str(), &found); }) != 0) {
     if (errno == ENOENT) return std::nullopt;
-    fail("Cannot replace", path, errno);
+    throwFileError("Cannot replace", path);
   }
-  if (const int error = refusalOf(found)) fail("Cannot replace", path, error);
+  if (const int error = refusalOf(found)) throwFileError("Cannot replace", path, error);
   return found;
 }
 
@@ -115,15 +112,15 @@ std::string SystemFiles::read(const std::string& path) const {
       retried([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
   struct stat found {};
   if (file.number() == -1 || retried([&] { return fstat(file.number(), &found); }) != 0) {
-    fail("Cannot read", path, errno);
+    throwFileError("Cannot read", path);
   }
-  if (const int error = refusalOf(found)) fail("Cannot read", path, error);
+  if (const int error = refusalOf(found)) throwFileError("Cannot read", path, error);
 
   std::string bytes;
   char buffer[16384];
   while (true) {
     const auto count = retried([&] { return ::read(file.number(), buffer, sizeof buffer); });
-    if (count == -1) fail("Cannot read", path, errno);
+    if (count == -1) throwFileError("Cannot read", path);
     if (count == 0) return bytes;
     bytes.append(buffer, static_cast<std::size_t>(count));
   }
@@ -138,7 +135,7 @@ void SystemFiles::createFolders(const std::string& path) const {
 void SystemFiles::replace(const std::string& path, std::string_view bytes) const {
   const std::string target = followLinks(path);
   const auto require = [&](int result) {
-    if (result != 0) fail("Cannot replace", target, errno);
+    if (result != 0) throwFileError("Cannot replace", target);
   };
   const auto old = fileToReplace(target);
   TemporaryFile file(folderOf(target), kPurpose);

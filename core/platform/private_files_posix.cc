@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "core/platform/descriptor.h"
+#include "core/platform/file_error.h"
 
 namespace tessum {
 namespace {
@@ -68,7 +69,7 @@ void closeToOthers(const std::string& path) {
   const bool isDone = lstat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode) &&
                       chmod(path.c_str(), found.st_mode & S_IRWXU) == 0;
   if (isDone) return;
-  throw std::system_error(errno, std::generic_category(), "Cannot take the rights to " + path);
+  throwFileError("Cannot take the rights to", path);
 }
 
 }  // namespace tessum

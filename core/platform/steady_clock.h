@@ -4,6 +4,8 @@
 
 namespace tessum {
 
+inline constexpr double kMillisecondsPerSecond = 1000;
+
 // A point on the computer's own time line: seconds since it started, the time that it slept
 // included. Immutable.
 struct Moment {

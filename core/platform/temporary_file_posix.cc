@@ -14,16 +14,13 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
-#include <system_error>
+
+#include "core/platform/file_error.h"
 
 namespace tessum {
 namespace {
 
 constexpr std::string_view kPlaceholders = "XXXXXX";
-
-[[noreturn]] void fail(std::string_view what, const std::string& path) {
-  throw std::system_error(errno, std::generic_category(), std::string(what) + " " + path);
-}
 
 // Gives 0, or -1 with errno set: EWOULDBLOCK when somebody else holds the lock.
 int lock(int file) {
@@ -78,7 +75,7 @@ TemporaryFile::TemporaryFile(const std::string& folder, std::string_view purpose
       path = folder + "/" + prefix + std::string(kPlaceholders);
       return mkostemp(path.data(), O_CLOEXEC);
     }));
-    if (file_.number() == -1) fail("Cannot create a file in", folder);
+    if (file_.number() == -1) throwFileError("Cannot create a file in", folder);
   } while (!keep(file_.number(), path));
   path_ = std::move(path);
 }
@@ -91,10 +88,10 @@ void TemporaryFile::moveTo(const std::string& path) {
   // A network's file system may find out only when the file is closed that there was no room. The
   // copy keeps the lock until the file has its name.
   const Descriptor copy(retried([this] { return fcntl(file_.number(), F_DUPFD_CLOEXEC, 0); }));
-  if (copy.number() == -1) fail("Cannot write", path);
-  if (file_.close() != 0 && errno != EINTR) fail("Cannot write", path);
+  if (copy.number() == -1) throwFileError("Cannot write", path);
+  if (file_.close() != 0 && errno != EINTR) throwFileError("Cannot write", path);
   if (retried([&] { return std::rename(path_.c_str(), path.c_str()); }) != 0) {
-    fail("Cannot write", path);
+    throwFileError("Cannot write", path);
   }
   path_.clear();
 }

@@ -23,8 +23,6 @@
 namespace tessum {
 namespace {
 
-using Outcome = RegistrationChange::Outcome;
-
 // The arguments of install and uninstall.
 struct Targets {
   std::vector<std::string> names;
@@ -147,13 +145,13 @@ void install(const Target& target, const RegistrationOptions& options, Host& hos
   const std::string where =
       (target.assistant ? "with " + target.name() + " " : "") + "in " + shown(file.path) + ".\n";
   switch (change.outcome) {
-    case Outcome::refused:
+    case RegistrationChange::Outcome::refused:
       refuse(change, host);
       return note(
           "Or have the whole file rewritten, with a copy of it kept aside: give --replace.");
-    case Outcome::unchanged:
+    case RegistrationChange::Outcome::unchanged:
       return print("Already registered " + where);
-    case Outcome::changed:
+    case RegistrationChange::Outcome::changed:
       break;
   }
   if (options.isDryRun) return printForeign(change.difference);
@@ -194,12 +192,12 @@ void installAll(const Targets& given, const RegistrationOptions& options, Host& 
 bool uninstallFrom(const RegistrationFile& file, const RegistrationOptions& options, Host& host) {
   const RegistrationChange change = unregisterFrom(file, options, host);
   switch (change.outcome) {
-    case Outcome::refused:
+    case RegistrationChange::Outcome::refused:
       refuse(change, host);
       return true;
-    case Outcome::unchanged:
+    case RegistrationChange::Outcome::unchanged:
       return false;
-    case Outcome::changed:
+    case RegistrationChange::Outcome::changed:
       break;
   }
   if (options.isDryRun) {

@@ -6,7 +6,6 @@
 
 #include "core/base/text.h"
 #include "core/store/history.h"
-#include "core/store/records.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/forget_hidden.h"
 #include "desktop/commands/reports/filter_options.h"
@@ -44,7 +43,7 @@ std::string description(const ForgetOptions& options, const Selection& selection
                         const Selected& selected) {
   std::string text = counted(selected.sessions, "session");
   if (selected.sessions > 0) {
-    text += " (" + durationText(selected.seconds, DurationForm::shortForm) + ")";
+    text += " (" + shortDuration(selected.seconds) + ")";
   }
   if (selection.includesNotes()) text += " and " + counted(selected.notes, "note");
   const auto& [app, title, category] = options.filter;

@@ -21,6 +21,9 @@ void print(std::string_view text);
 // std::system_error.
 void printForeign(std::string_view text);
 
+// Writes `text` to standard error, behind the program's name.
+void complain(std::string_view text);
+
 // Overwrites the current line of standard error with `text` where it is a terminal.
 void showProgress(std::string_view text);
 

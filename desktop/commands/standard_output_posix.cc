@@ -54,6 +54,10 @@ void printForeign(std::string_view text) {
   print(isatty(STDOUT_FILENO) != 0 ? printableLines(validUtf8(text)) : std::string(text));
 }
 
+void complain(std::string_view text) {
+  std::fprintf(stderr, "Tessum: %.*s", static_cast<int>(text.size()), text.data());
+}
+
 void showProgress(std::string_view text) {
   if (isatty(STDERR_FILENO) == 0) return;
   constexpr std::string_view kEraseLine = "\r\033[K";

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,10 +16,6 @@
 
 namespace tessum {
 namespace {
-
-void complain(std::string_view text) {
-  std::fprintf(stderr, "Tessum: %.*s", static_cast<int>(text.size()), text.data());
-}
 
 int runUpdate(const Locations& locations, bool downloads) {
   if (configuredBaseUrls().empty()) {

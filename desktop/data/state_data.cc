@@ -65,7 +65,7 @@ Value lineOrNull(int line) {
   return line == 0 ? Value() : Value(line);
 }
 
-std::string line(const Value::Object& report) {
+std::string reportLine(const Value::Object& report) {
   return json::compact(report) + "\n";
 }
 
@@ -77,7 +77,7 @@ std::string statusData(const Overview& overview, const HistoryState& history,
   const auto ofRecorder = [&](const Value& value) {
     return recorder.isRecording ? value : Value();
   };
-  return line(
+  return reportLine(
       {{"report", "status"},
        {"time", offsetDateTime(overview.now)},
        {"recording", recorder.isRecording},
@@ -112,7 +112,7 @@ std::string doctorData(const std::vector<Finding>& findings) {
                                  {"text", finding.text},
                                  {"remedy", textOrNull(finding.remedy)}});
   }
-  return line({{"report", "doctor"}, {"problems", problems}, {"rows", std::move(rows)}});
+  return reportLine({{"report", "doctor"}, {"problems", problems}, {"rows", std::move(rows)}});
 }
 
 std::string clientsData(const std::vector<ClientRow>& rows) {
@@ -128,7 +128,7 @@ std::string clientsData(const std::vector<ClientRow>& rows) {
                       {"problem", textOrNull(row.problem.empty() ? row.remark : row.problem)},
                       {"file", row.file}});
   }
-  return line({{"report", "clients"}, {"rows", std::move(values)}});
+  return reportLine({{"report", "clients"}, {"rows", std::move(values)}});
 }
 
 std::string settingsData(const Settings& settings, const std::string& path, bool exists) {
@@ -140,7 +140,7 @@ std::string settingsData(const Settings& settings, const std::string& path, bool
                       {"seconds", setting.seconds ? secondsValue(*setting.seconds) : Value()},
                       {"line", lineOrNull(setting.line)}});
   }
-  return line(
+  return reportLine(
       {{"report", "settings"}, {"file", path}, {"exists", exists}, {"rows", std::move(rows)}});
 }
 

@@ -9,14 +9,11 @@ constexpr double kLongestGuess = 2 * 3600;
 // A running recorder touches its lock's file at least this often.
 constexpr double kLongestSilence = 60;
 
-// Allows for the time between reading the clock for the recorder's start and for its sessions.
-constexpr double kSlack = 1;
-
 // Whether `recorder` may have begun `session` and had stopped when the next one began.
 bool isOf(const RecorderState& recorder, const Activity& session, const std::optional<Date>& next) {
   if (!recorder.lastSign) return false;
   const bool isTooEarly =
-      recorder.since && secondsBetween(*recorder.since, session.startTime) < -kSlack;
+      recorder.since && secondsBetween(*recorder.since, session.startTime) < -kStartSlack;
   return !isTooEarly && secondsBetween(*recorder.lastSign, session.startTime) <= kLongestSilence &&
          (!next || secondsBetween(*recorder.lastSign, *next) >= 0);
 }

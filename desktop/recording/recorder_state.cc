@@ -10,9 +10,6 @@
 namespace tessum {
 namespace {
 
-// Allows for the time between reading the clock for the recorder's start and for its sessions.
-constexpr double kSlack = 1;
-
 void readText(const std::string& text, RecorderState& state) {
   const json::Value document = json::parse(text);
   const json::Field field(document);
@@ -59,7 +56,7 @@ std::optional<Activity> currentSession(const RecorderState& state,
                                        const std::vector<Activity>& openSessions) {
   if (!state.isRecording || !state.since || openSessions.empty()) return std::nullopt;
   const Activity& last = openSessions.back();
-  if (secondsBetween(*state.since, last.startTime) < -kSlack) return std::nullopt;
+  if (secondsBetween(*state.since, last.startTime) < -kStartSlack) return std::nullopt;
   return last;
 }
 

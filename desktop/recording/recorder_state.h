@@ -12,6 +12,10 @@
 
 namespace tessum {
 
+// Seconds by which a recorder's first session may seem to begin before the recorder: each has read
+// the clock by itself.
+inline constexpr double kStartSlack = 1;
+
 struct RecorderState {
   bool isRecording = false;
   bool hasEnded = false;  // the last recorder ended normally, without a crash

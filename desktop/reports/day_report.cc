@@ -16,8 +16,7 @@ using enum Table::Alignment;
 std::string totalText(std::span<const Activity> sessions, Date now) {
   double seconds = 0;
   for (const Activity& session : sessions) seconds += secondsUntil(now, session);
-  return durationText(seconds, DurationForm::shortForm) + " in " +
-         counted(sessions.size(), "session");
+  return shortDuration(seconds) + " in " + counted(sessions.size(), "session");
 }
 
 std::string heading(const DayHistory& history, const Paper& paper) {

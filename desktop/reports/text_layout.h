@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/store/records.h"
+
 namespace tessum {
 
 // The medium that reports are written to.
@@ -42,6 +44,11 @@ struct Paper {
                                   const std::string& many = "") {
   const std::string& noun = count == 1 ? one : many.empty() ? one + "s" : many;
   return std::to_string(count) + " " + noun;
+}
+
+// Such as "1h 5m".
+[[nodiscard]] inline std::string shortDuration(double seconds) {
+  return durationText(seconds, DurationForm::shortForm);
 }
 
 // `text` in lines of at most `columns`, divided at blanks. A word that is wider is divided, too,

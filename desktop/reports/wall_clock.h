@@ -9,6 +9,8 @@
 
 namespace tessum {
 
+inline constexpr double kSecondsPerHour = 3600;
+
 // A moment in the user's time zone.
 struct WallTime {
   CalendarDate date;

@@ -95,7 +95,7 @@ Date nextTimeOfDay(int minute, Date now) {
 Date endOfHour(Date date) {
   const Date start{std::floor(date.secondsSince1970)};
   const tm local = localTime(start);
-  const Date end = movedBy(start, 3600.0 - (local.tm_min * 60 + local.tm_sec));
+  const Date end = movedBy(start, kSecondsPerHour - (local.tm_min * 60 + local.tm_sec));
   return secondsAheadOfUtc(end) == secondsAheadOfUtc(start) ? end : changeOfZone(start, end);
 }
 

@@ -6,14 +6,14 @@
 namespace tessum {
 namespace {
 
-constexpr double kLongestWait = 24 * 3600;
+constexpr double kLongestAwayAfter = 24 * 3600;
 
 }  // namespace
 
 std::optional<AwayAfter> parseAwayAfter(std::string_view text) {
   if (text == "never") return AwayAfter{std::nullopt};
   const auto seconds = plainDuration(text);
-  if (!seconds || *seconds > kLongestWait) return std::nullopt;
+  if (!seconds || *seconds > kLongestAwayAfter) return std::nullopt;
   return AwayAfter{seconds};
 }
 

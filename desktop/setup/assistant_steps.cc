@@ -27,7 +27,7 @@ bool isInformed(const Assistant& assistant, const Host& host) {
   }
 }
 
-std::vector<std::string> linesOf(std::string_view text) {
+std::vector<std::string> differenceLines(std::string_view text) {
   std::vector<std::string> lines;
   while (!text.empty()) {
     const auto end = text.find('\n');
@@ -42,7 +42,7 @@ std::vector<std::string> linesOf(std::string_view text) {
 std::vector<std::string> differenceBy(decltype(registerIn) change, const Assistant& assistant,
                                       const Host& host) {
   try {
-    return linesOf(change(fileOf(assistant), {.isDryRun = true}, host).difference);
+    return differenceLines(change(fileOf(assistant), {.isDryRun = true}, host).difference);
   } catch (const std::exception&) {
     return {};
   }

@@ -15,16 +15,13 @@ constexpr auto kInterval = std::chrono::milliseconds(200);
 // A recorder that does not run by then has ended at once.
 constexpr double kStartSeconds = 5;
 
-// Allows for the time between the recorder's start and what it says of it.
-constexpr double kSlack = 1;
-
 FirstSession look(const Host& host) {
   const RecorderState recorder = recorderState(host.locations);
   if (!recorder.isRecording || !recorder.since) return {.isRecording = recorder.isRecording};
   try {
     History history(historyPath(host.locations), History::Access::read);
     const auto sessions = history.sessionsBegunIn(
-        {movedBy(*recorder.since, -kSlack), movedBy(host.clock.now(), kSlack)});
+        {movedBy(*recorder.since, -kStartSlack), movedBy(host.clock.now(), kStartSlack)});
     if (sessions.empty()) return {.isRecording = true};
     return {.isRecording = true, .session = sessions.back()};
   } catch (const NoHistory&) {

@@ -13,8 +13,8 @@
 namespace tessum {
 namespace {
 
-constexpr auto kPatience = std::chrono::seconds(10);
-constexpr auto kInterval = std::chrono::milliseconds(50);
+constexpr auto kStopPatience = std::chrono::seconds(10);
+constexpr auto kStopInterval = std::chrono::milliseconds(50);
 
 }  // namespace
 
@@ -33,14 +33,14 @@ std::string runningRecorder(const Host& host) {
 }
 
 bool stopRecorder(const Host& host) {
-  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  const auto deadline = std::chrono::steady_clock::now() + kStopPatience;
   bool isAsked = false;
   while (true) {
     const auto lock = readLockFile(recorderFile(host.locations));
     if (!lock || !lock->isHeld) return true;
     if (!isAsked && lock->holder) isAsked = kill(*lock->holder, SIGTERM) == 0;
     if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(kInterval);
+    std::this_thread::sleep_for(kStopInterval);
   }
 }
 

@@ -13,6 +13,7 @@
 #include "core/json/reader.h"
 #include "core/json/writer.h"
 #include "core/platform/private_files.h"
+#include "desktop/clients/made_folders.h"
 
 namespace tessum {
 namespace {
@@ -67,16 +68,6 @@ std::optional<std::string> textOf(const std::string& path, const Files& files) {
     if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
     throw;
   }
-}
-
-// The folders that making `path` would make, the uppermost first.
-std::vector<std::string> missingFolders(fs::path path) {
-  std::vector<std::string> missing;
-  std::error_code ignored;
-  for (; path.has_relative_path() && !fs::exists(path, ignored); path = path.parent_path()) {
-    missing.insert(missing.begin(), path.string());
-  }
-  return missing;
 }
 
 // What is not valid UTF-8 could be neither noted nor taken back.

@@ -18,7 +18,6 @@ namespace {
 constexpr std::size_t kMostRows = 12;
 
 // Dimensions of the drawing, in its own units.
-constexpr double kWidth = 1200;
 constexpr double kTotalsRight = 1154;
 constexpr double kAxisHeight = 26;
 constexpr double kNoteHeight = 26;
@@ -26,14 +25,13 @@ constexpr double kAllHeight = 46;
 constexpr double kRowHeight = 30;
 constexpr double kBarHeight = 18;
 constexpr double kGap = 12;
-constexpr double kLeastSpan = 1;     // a shorter one is joined with its neighbours
 constexpr double kLeastWidth = 0.8;  // of a span that has none
 constexpr double kNoteColumn = 7.6;  // the width of an average character of a note
 
 // Draws from the top down and collects the markup.
-class Drawing {
+class DayDrawing {
  public:
-  explicit Drawing(const TimelineHistory& history)
+  explicit DayDrawing(const TimelineHistory& history)
       : history_(history),
         scale_(history),
         rows_(appRows(history, kMostRows)),
@@ -52,7 +50,7 @@ class Drawing {
     drawAll(allTop);
     drawRows(rowTop);
     drawNow(bottom);
-    return "<svg viewBox=\"0 0 " + decimal(kWidth) + " " + decimal(bottom + 2) +
+    return "<svg viewBox=\"0 0 " + decimal(kPictureWidth) + " " + decimal(bottom + 2) +
            "\" role=\"img\" aria-label=\"Applications and notes over the hours of the day\">\n" +
            out_ + "</svg>\n";
   }
@@ -98,8 +96,8 @@ class Drawing {
     std::vector<Span> spans;
     for (std::size_t i = 0; i < history_.sessions.size(); ++i) spans.push_back(spanOf(i));
     drawSpans(spans, top, kAllHeight);
-    out_ += label(kTotalsRight, top + kAllHeight / 2, "total",
-                  durationText(totalSeconds(history_), DurationForm::shortForm));
+    out_ +=
+        label(kTotalsRight, top + kAllHeight / 2, "total", shortDuration(totalSeconds(history_)));
   }
 
   void drawRows(double top) {
@@ -115,10 +113,9 @@ class Drawing {
       drawLane(barTop, kBarHeight);
       drawSpans(spansOf(row), barTop, kBarHeight);
       const double share = total > 0 ? std::clamp(row.seconds / total, 0.0, 1.0) : 0;
-      out_ +=
-          label(kTotalsRight, middle, "total", durationText(row.seconds, DurationForm::shortForm)) +
-          label(kWidth, middle, "share",
-                std::to_string(static_cast<int>(std::lround(share * 100))) + "%");
+      out_ += label(kTotalsRight, middle, "total", shortDuration(row.seconds)) +
+              label(kPictureWidth, middle, "share",
+                    std::to_string(static_cast<int>(std::lround(share * 100))) + "%");
     }
   }
 
@@ -186,7 +183,7 @@ std::string tipText(const TimelineHistory& history, const TimelineSession& sessi
 }
 
 std::string dayPicture(const TimelineHistory& history) {
-  return Drawing(history).text();
+  return DayDrawing(history).text();
 }
 
 }  // namespace tessum

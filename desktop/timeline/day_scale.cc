@@ -8,8 +8,7 @@
 namespace tessum {
 namespace {
 
-constexpr double kHour = 3600;
-constexpr double kShortestPlot = 4 * kHour;
+constexpr double kShortestPlot = 4 * kSecondsPerHour;
 
 }  // namespace
 
@@ -24,8 +23,8 @@ DayScale::DayScale(const TimelineHistory& history)
   start_.secondsSince1970 = std::floor(start_.secondsSince1970);
   const WallTime begin = wallTime(start_);
   start_ = movedBy(start_, -(begin.minute * 60.0 + begin.second));
-  const double hours = std::ceil(secondsBetween(start_, end_) / kHour);
-  end_ = movedBy(start_, std::max(hours * kHour, kShortestPlot));
+  const double hours = std::ceil(secondsBetween(start_, end_) / kSecondsPerHour);
+  end_ = movedBy(start_, std::max(hours * kSecondsPerHour, kShortestPlot));
 }
 
 double DayScale::x(Date date) const {

@@ -36,8 +36,8 @@ std::string head(const std::string& title, bool hasScript) {
 }
 
 std::string summary(const TimelineHistory& history) {
-  std::string text = durationText(totalSeconds(history), DurationForm::shortForm) + " in " +
-                     counted(history.sessions.size(), "session");
+  std::string text =
+      shortDuration(totalSeconds(history)) + " in " + counted(history.sessions.size(), "session");
   if (!history.notes.empty()) text += " · " + counted(history.notes.size(), "note");
   return text;
 }

@@ -8,6 +8,10 @@
 
 namespace tessum {
 
+// In the drawings' own units.
+inline constexpr double kPictureWidth = 1200;
+inline constexpr double kLeastSpan = 1;  // a shorter one is joined with its neighbours
+
 // A day: the notes at the top, then all sessions on one line, then a line for each application with
 // its total. Pointing at a span shows its title, times and length.
 [[nodiscard]] std::string dayPicture(const TimelineHistory& history);

@@ -14,14 +14,11 @@ namespace tessum {
 namespace {
 
 // Dimensions of the drawing, in its own units.
-constexpr double kWidth = 1200;
 constexpr double kLeft = 48;
 constexpr double kTop = 34;
 constexpr double kHourHeight = 20;
-constexpr double kLeastSpan = 1;
 constexpr double kLeastHeight = 0.8;
 constexpr double kWidestGap = 8;
-constexpr double kHour = 3600;
 
 // Up to so many days each session has a span of its own that shows its title. Of more days the
 // spans of one colour are one path for each day, or a browser would have too much to lay out.
@@ -37,13 +34,13 @@ std::string monthText(int month) {
   return kNames[static_cast<std::size_t>(month) - 1];
 }
 
-class Drawing {
+class StripsDrawing {
  public:
-  explicit Drawing(const TimelineHistory& history) : history_(history) {
+  explicit StripsDrawing(const TimelineHistory& history) : history_(history) {
     double longest = 0;
     for (const TimelineDay& day : history.days) longest = std::max(longest, lengthOf(day));
-    bottom_ = kTop + longest / kHour * kHourHeight;
-    pitch_ = (kWidth - kLeft) / static_cast<double>(history.days.size());
+    bottom_ = kTop + longest / kSecondsPerHour * kHourHeight;
+    pitch_ = (kPictureWidth - kLeft) / static_cast<double>(history.days.size());
     width_ = pitch_ - std::min(kWidestGap, pitch_ * 0.18);
   }
 
@@ -52,7 +49,7 @@ class Drawing {
     for (std::size_t i = 0; i < history_.days.size(); ++i) drawName(i);
     out_ += "<g class=\"strips\">\n";
     for (std::size_t i = 0; i < history_.days.size(); ++i) drawStrip(i);
-    return "<svg viewBox=\"0 0 " + decimal(kWidth) + " " + decimal(bottom_ + 8) +
+    return "<svg viewBox=\"0 0 " + decimal(kPictureWidth) + " " + decimal(bottom_ + 8) +
            "\" role=\"img\" aria-label=\"A strip for each day, with its hours from the top "
            "down\">\n" +
            out_ + "</g>\n</svg>\n";
@@ -69,7 +66,7 @@ class Drawing {
 
   [[nodiscard]] static double y(const TimelineDay& day, Date date) {
     const double seconds = std::clamp(secondsBetween(day.range.start, date), 0.0, lengthOf(day));
-    return kTop + seconds / kHour * kHourHeight;
+    return kTop + seconds / kSecondsPerHour * kHourHeight;
   }
 
   // The hours are those of a day without a change of the clock.
@@ -80,7 +77,7 @@ class Drawing {
       const double at = kTop + hour * kHourHeight;
       char text[16];
       std::snprintf(text, sizeof text, "%02d:00", (first + hour) % 24);
-      out_ += line("grid", kLeft, at, kWidth, at) + label(kLeft - 10, at, "edge", text);
+      out_ += line("grid", kLeft, at, kPictureWidth, at) + label(kLeft - 10, at, "edge", text);
     }
   }
 
@@ -176,7 +173,7 @@ class Drawing {
 }  // namespace
 
 std::string stripsPicture(const TimelineHistory& history) {
-  return Drawing(history).text();
+  return StripsDrawing(history).text();
 }
 
 }  // namespace tessum

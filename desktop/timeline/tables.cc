@@ -23,7 +23,7 @@ std::string cell(const char* style, const std::string& markup) {
 }
 
 std::string lengthCell(double seconds) {
-  return cell("number", durationText(seconds, DurationForm::shortForm));
+  return cell("number", shortDuration(seconds));
 }
 
 std::string shareCell(double seconds, double total) {

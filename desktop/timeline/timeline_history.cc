@@ -11,10 +11,10 @@
 namespace tessum {
 namespace {
 
-// Texts and the order in which they came first.
-class Texts {
+// TextIndex and the order in which they came first.
+class TextIndex {
  public:
-  explicit Texts(std::vector<std::string>& texts) : texts_(texts) {}
+  explicit TextIndex(std::vector<std::string>& texts) : texts_(texts) {}
 
   std::size_t indexOf(const std::string& text) {
     const auto [found, isNew] = indices_.emplace(text, texts_.size());
@@ -61,10 +61,10 @@ class Reader {
 
   TimelineHistory& timeline_;
   CategoryFinder finder_;
-  Texts apps_{timeline_.apps};
-  Texts titles_{timeline_.titles};
+  TextIndex apps_{timeline_.apps};
+  TextIndex titles_{timeline_.titles};
   std::vector<std::string> names_;
-  Texts categoryNames_{names_};
+  TextIndex categoryNames_{names_};
   std::map<std::tuple<std::size_t, std::optional<std::size_t>, std::optional<std::size_t>>,
            std::size_t>
       subjects_;

@@ -3,14 +3,6 @@
 #include "desktop/reports/wall_clock.h"
 
 namespace tessum {
-namespace {
-
-std::string shortDuration(double seconds) {
-  return durationText(seconds, DurationForm::shortForm);
-}
-
-}  // namespace
-
 std::string findsReport(const Finds& finds, std::size_t most, const Paper& paper) {
   const auto all = finds.newestFirst();
   if (all.empty()) return "Nothing was found.\n";

@@ -15,10 +15,6 @@ using enum Table::Alignment;
 // How many titles are shown of what a rule took, or of what none took.
 constexpr std::size_t kTitles = 5;
 
-std::string shortDuration(double seconds) {
-  return durationText(seconds, DurationForm::shortForm);
-}
-
 std::string nameOf(const UsageGroup& group, Grouping grouping) {
   if (group.name) return *group.name;
   if (grouping == Grouping::category) return std::string(kUncategorised);

@@ -11,8 +11,8 @@
 namespace tessum {
 namespace {
 
-constexpr char kName[] = "org.gnome.SessionManager";
-constexpr char kPath[] = "/org/gnome/SessionManager";
+constexpr char kManagerName[] = "org.gnome.SessionManager";
+constexpr char kManagerPath[] = "/org/gnome/SessionManager";
 constexpr char kManager[] = "org.gnome.SessionManager";
 constexpr char kInhibitor[] = "org.gnome.SessionManager.Inhibitor";
 
@@ -30,7 +30,7 @@ struct GnomeInhibitors::Inhibitor {
 GnomeInhibitors::GnomeInhibitors(Bus& session, AwakeReasonsHandler onReasons)
     : session_(session),
       onReasons_(std::move(onReasons)),
-      name_(session, kName, [this](const std::string& owner) { start(owner); }) {}
+      name_(session, kManagerName, [this](const std::string& owner) { start(owner); }) {}
 
 GnomeInhibitors::~GnomeInhibitors() = default;
 
@@ -41,7 +41,7 @@ void GnomeInhibitors::start(const std::string& owner) {
   question_ = nullptr;
   inhibitors_.clear();
   if (owner.empty()) return onReasons_({});
-  BusSignal signal{.sender = owner, .path = kPath, .interface = kManager};
+  BusSignal signal{.sender = owner, .path = kManagerPath, .interface = kManager};
   signal.member = "InhibitorAdded";
   added_ = session_.subscribe(signal, [this](const BusMessage&) { ask(); });
   signal.member = "InhibitorRemoved";
@@ -51,11 +51,11 @@ void GnomeInhibitors::start(const std::string& owner) {
 
 void GnomeInhibitors::ask() {
   inhibitors_.clear();
-  question_ =
-      session_.call({owner_, kPath, kManager, "GetInhibitors"}, [this](const BusMessage& reply) {
-        const auto paths = reply.readOne<std::vector<BusObjectPath>>();
-        if (paths) askAbout(*paths);
-      });
+  question_ = session_.call({owner_, kManagerPath, kManager, "GetInhibitors"},
+                            [this](const BusMessage& reply) {
+                              const auto paths = reply.readOne<std::vector<BusObjectPath>>();
+                              if (paths) askAbout(*paths);
+                            });
 }
 
 void GnomeInhibitors::askAbout(const std::vector<BusObjectPath>& paths) {

@@ -11,8 +11,8 @@
 namespace tessum {
 namespace {
 
-constexpr char kName[] = "org.kde.Solid.PowerManagement.PolicyAgent";
-constexpr char kPath[] = "/org/kde/Solid/PowerManagement/PolicyAgent";
+constexpr char kAgentName[] = "org.kde.Solid.PowerManagement.PolicyAgent";
+constexpr char kAgentPath[] = "/org/kde/Solid/PowerManagement/PolicyAgent";
 constexpr char kAgent[] = "org.kde.Solid.PowerManagement.PolicyAgent";
 
 constexpr std::uint32_t kOfTheScreen = 4;  // one of the kinds of inhibition
@@ -22,7 +22,7 @@ constexpr std::uint32_t kOfTheScreen = 4;  // one of the kinds of inhibition
 KdeInhibitions::KdeInhibitions(Bus& session, AwakeReasonsHandler onReasons)
     : session_(session),
       onReasons_(std::move(onReasons)),
-      name_(session, kName, [this](const std::string& owner) { start(owner); }) {}
+      name_(session, kAgentName, [this](const std::string& owner) { start(owner); }) {}
 
 void KdeInhibitions::start(const std::string& owner) {
   owner_ = owner;
@@ -30,13 +30,13 @@ void KdeInhibitions::start(const std::string& owner) {
   question_ = nullptr;
   if (owner.empty()) return onReasons_({});
   changes_ = session_.subscribe(
-      {.sender = owner, .path = kPath, .interface = kAgent, .member = "InhibitionsChanged"},
+      {.sender = owner, .path = kAgentPath, .interface = kAgent, .member = "InhibitionsChanged"},
       [this](const BusMessage&) { ask(); });
   ask();
 }
 
 void KdeInhibitions::ask() {
-  question_ = session_.call({owner_, kPath, kAgent, "HasInhibition", {kOfTheScreen}},
+  question_ = session_.call({owner_, kAgentPath, kAgent, "HasInhibition", {kOfTheScreen}},
                             [this](const BusMessage& reply) {
                               const auto isKeptOn = reply.readOne<bool>();
                               if (!isKeptOn) return;
@@ -45,8 +45,8 @@ void KdeInhibitions::ask() {
 }
 
 void KdeInhibitions::askForList() {
-  question_ =
-      session_.call({owner_, kPath, kAgent, "ListInhibitions"}, [this](const BusMessage& reply) {
+  question_ = session_.call(
+      {owner_, kAgentPath, kAgent, "ListInhibitions"}, [this](const BusMessage& reply) {
         const auto list = reply.readOne<std::vector<std::tuple<std::string, std::string>>>();
         if (!list) return;
         std::vector<AwakeReason> reasons;

@@ -21,7 +21,7 @@ namespace {
 
 constexpr char kShell[] = "org.gnome.Shell";
 constexpr char kExtension[] = "com.tessum.FocusedWindow";
-constexpr char kPath[] = "/com/tessum/FocusedWindow";
+constexpr char kWindowPath[] = "/com/tessum/FocusedWindow";
 
 class GnomeFrontSource final : public FrontSource {
  public:
@@ -54,9 +54,9 @@ class GnomeFrontSource final : public FrontSource {
     lookForExtension();
     if (owner.empty()) return tracker_.show(std::nullopt, clock_.now());
     changes_ = session_->subscribe(
-        {.sender = owner, .path = kPath, .interface = kExtension, .member = "Changed"},
+        {.sender = owner, .path = kWindowPath, .interface = kExtension, .member = "Changed"},
         [this](const BusMessage& signal) { show(signal); });
-    question_ = session_->call({owner, kPath, kExtension, "Get"},
+    question_ = session_->call({owner, kWindowPath, kExtension, "Get"},
                                [this](const BusMessage& reply) { show(reply); });
   }
 

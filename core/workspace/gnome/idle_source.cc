@@ -19,18 +19,16 @@
 namespace tessum {
 namespace {
 
-constexpr char kName[] = "org.gnome.Mutter.IdleMonitor";
-constexpr char kPath[] = "/org/gnome/Mutter/IdleMonitor/Core";
+constexpr char kMonitorName[] = "org.gnome.Mutter.IdleMonitor";
+constexpr char kMonitorPath[] = "/org/gnome/Mutter/IdleMonitor/Core";
 constexpr char kInterface[] = "org.gnome.Mutter.IdleMonitor";
-
-constexpr double kMillisecondsPerSecond = 1000;
 
 class GnomeIdleSource final : public IdleSource {
  public:
   GnomeIdleSource(const SteadyClock& clock, std::shared_ptr<Bus> session)
       : clock_(clock),
         session_(std::move(session)),
-        name_(*session_, kName, [this](const std::string& owner) {
+        name_(*session_, kMonitorName, [this](const std::string& owner) {
           owner_ = owner;
           begin();
         }) {}
@@ -55,7 +53,7 @@ class GnomeIdleSource final : public IdleSource {
     idleWatch_ = 0;
     if (owner_.empty() || interval_ == 0) return;
     fired_ = session_->subscribe(
-        {.sender = owner_, .path = kPath, .interface = kInterface, .member = "WatchFired"},
+        {.sender = owner_, .path = kMonitorPath, .interface = kInterface, .member = "WatchFired"},
         [this](const BusMessage& signal) {
           if (const auto watch = signal.readOne<std::uint32_t>()) takeFired(*watch);
         });
@@ -92,7 +90,7 @@ class GnomeIdleSource final : public IdleSource {
 
   [[nodiscard]] BusSlot call(const char* method, std::vector<BusArgument> arguments,
                              Bus::MessageHandler onReply) {
-    return session_->call({owner_, kPath, kInterface, method, std::move(arguments)},
+    return session_->call({owner_, kMonitorPath, kInterface, method, std::move(arguments)},
                           std::move(onReply));
   }
 

@@ -10,7 +10,7 @@
 namespace tessum {
 namespace {
 
-constexpr char kPath[] = "/org/gnome/Shell";
+constexpr char kShellPath[] = "/org/gnome/Shell";
 constexpr char kExtensions[] = "org.gnome.Shell.Extensions";
 constexpr char kScreenSaver[] = "org.gnome.ScreenSaver";
 constexpr char kScreenSaverPath[] = "/org/gnome/ScreenSaver";
@@ -103,7 +103,7 @@ ShellExtension::ShellExtension(MainLoop& loop, Bus& session, std::string owner,
       dataFolders_(std::move(dataFolders)),
       onNotice_(std::move(onNotice)),
       changes_(session.subscribe({.sender = owner_,
-                                  .path = kPath,
+                                  .path = kShellPath,
                                   .interface = kExtensions,
                                   .member = "ExtensionStateChanged"},
                                  [this](const BusMessage&) { ask(); })),
@@ -136,8 +136,8 @@ void ShellExtension::askLater() {
 }
 
 void ShellExtension::askForVersion() {
-  question_ =
-      session_.call(busProperties(owner_, kPath, kExtensions), [this](const BusMessage& reply) {
+  question_ = session_.call(
+      busProperties(owner_, kShellPath, kExtensions), [this](const BusMessage& reply) {
         const auto properties = reply.readOne<BusDictionary>();
         if (!properties) return askLater();
         shell_ = *properties;
@@ -146,7 +146,7 @@ void ShellExtension::askForVersion() {
 }
 
 void ShellExtension::askFor(const std::string& extension) {
-  question_ = session_.call({owner_, kPath, kExtensions, "GetExtensionInfo", {extension}},
+  question_ = session_.call({owner_, kShellPath, kExtensions, "GetExtensionInfo", {extension}},
                             [this, extension](const BusMessage& reply) {
                               const auto properties = reply.readOne<BusDictionary>();
                               if (!properties) return askLater();

@@ -32,9 +32,9 @@ namespace tessum {
 namespace {
 
 constexpr char kKWin[] = "org.kde.KWin";
-constexpr char kPath[] = "/Scripting";
+constexpr char kScriptingPath[] = "/Scripting";
 constexpr char kScripting[] = "org.kde.kwin.Scripting";
-constexpr char kName[] = "com.tessum.FocusedWindow.";  // and the process id
+constexpr char kScriptName[] = "com.tessum.FocusedWindow.";  // and the process id
 
 std::filesystem::path scriptFolder() {
   return environment("XDG_RUNTIME_DIR", "/tmp");
@@ -46,8 +46,8 @@ std::vector<std::string> abandonedScripts() {
   std::error_code error;
   for (const auto& file : std::filesystem::directory_iterator(scriptFolder(), error)) {
     const std::string name = file.path().filename();
-    if (!name.starts_with(kName)) continue;
-    const auto process = std::atoi(name.c_str() + std::size(kName) - 1);
+    if (!name.starts_with(kScriptName)) continue;
+    const auto process = std::atoi(name.c_str() + std::size(kScriptName) - 1);
     if (process > 0 && kill(process, 0) != 0 && errno == ESRCH) names.push_back(name);
   }
   return names;
@@ -148,7 +148,7 @@ class KWinFrontSource final : public FrontSource {
 
   [[nodiscard]] BusSlot call(const char* method, std::vector<BusArgument> arguments,
                              Bus::MessageHandler onReply) {
-    return session_->call({owner_, kPath, kScripting, method, std::move(arguments)},
+    return session_->call({owner_, kScriptingPath, kScripting, method, std::move(arguments)},
                           std::move(onReply));
   }
 
@@ -162,8 +162,8 @@ class KWinFrontSource final : public FrontSource {
   const WorkspaceNoticeHandler notice_;
   Handler handler_;
   FrontTracker tracker_;
-  const std::string name_ = kName + std::to_string(getpid());  // of the script
-  std::string owner_;                                          // of KWin's name
+  const std::string name_ = kScriptName + std::to_string(getpid());  // of the script
+  std::string owner_;                                                // of KWin's name
   std::optional<ScriptFile> script_;
   BusSlot calls_;
   BusSlot unloading_;

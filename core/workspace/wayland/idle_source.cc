@@ -13,8 +13,6 @@
 namespace tessum {
 namespace {
 
-constexpr double kMillisecondsPerSecond = 1000;
-
 // Compositors count with numbers that have a sign.
 std::uint32_t millisecondsOf(double seconds) {
   return static_cast<std::uint32_t>(

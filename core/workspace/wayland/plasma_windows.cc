@@ -12,8 +12,8 @@
 namespace tessum {
 namespace {
 
-using Manager = org_kde_plasma_window_management;
-using Handle = org_kde_plasma_window;
+using PlasmaManager = org_kde_plasma_window_management;
+using PlasmaHandle = org_kde_plasma_window;
 
 constexpr std::uint32_t kOldestVersion = 13;  // of Plasma 5.23
 constexpr std::uint32_t kKnownVersion = 16;
@@ -22,8 +22,8 @@ class PlasmaWindows final : public WaylandWindows {
  public:
   PlasmaWindows(WaylandConnection& connection, WaylandToplevels& toplevels)
       : toplevels_(toplevels),
-        manager_(
-            connection.bind<Manager>(org_kde_plasma_window_management_interface, kKnownVersion)) {
+        manager_(connection.bind<PlasmaManager>(org_kde_plasma_window_management_interface,
+                                                kKnownVersion)) {
     org_kde_plasma_window_management_add_listener(manager_.get(), &kManagerListener, this);
   }
 
@@ -33,7 +33,7 @@ class PlasmaWindows final : public WaylandWindows {
 
  private:
   struct Window {
-    WaylandOwned<Handle> handle;
+    WaylandOwned<PlasmaHandle> handle;
     WaylandToplevels::Id id;
     bool isKnown;  // as a whole
   };
@@ -43,36 +43,37 @@ class PlasmaWindows final : public WaylandWindows {
   template <typename Object, typename... Arguments>
   static void ignore(void*, Object*, Arguments...) noexcept {}
 
-  static void onWindow(void* self, Manager* manager, std::uint32_t, const char* uuid) noexcept {
-    Handle* handle = org_kde_plasma_window_management_get_window_by_uuid(manager, uuid);
+  static void onWindow(void* self, PlasmaManager* manager, std::uint32_t,
+                       const char* uuid) noexcept {
+    PlasmaHandle* handle = org_kde_plasma_window_management_get_window_by_uuid(manager, uuid);
     org_kde_plasma_window_add_listener(handle, &kWindowListener, self);
     from(self).windows_.emplace(
-        handle, Window{WaylandOwned<Handle>(handle), from(self).toplevels_.add(), false});
+        handle, Window{WaylandOwned<PlasmaHandle>(handle), from(self).toplevels_.add(), false});
   }
 
-  static void onTitle(void* self, Handle* handle, const char* title) noexcept {
+  static void onTitle(void* self, PlasmaHandle* handle, const char* title) noexcept {
     from(self).change(handle, [&](auto& toplevels, auto id) { toplevels.setTitle(id, title); });
   }
 
-  static void onAppId(void* self, Handle* handle, const char* appId) noexcept {
+  static void onAppId(void* self, PlasmaHandle* handle, const char* appId) noexcept {
     from(self).change(handle, [&](auto& toplevels, auto id) { toplevels.setAppId(id, appId); });
   }
 
-  static void onProcess(void* self, Handle* handle, std::uint32_t process) noexcept {
+  static void onProcess(void* self, PlasmaHandle* handle, std::uint32_t process) noexcept {
     from(self).change(handle, [&](auto& toplevels, auto id) { toplevels.setProcess(id, process); });
   }
 
-  static void onState(void* self, Handle* handle, std::uint32_t flags) noexcept {
+  static void onState(void* self, PlasmaHandle* handle, std::uint32_t flags) noexcept {
     const bool isActive = (flags & ORG_KDE_PLASMA_WINDOW_MANAGEMENT_STATE_ACTIVE) != 0;
     from(self).change(handle, [&](auto& toplevels, auto id) { toplevels.setActive(id, isActive); });
   }
 
-  static void onInitialState(void* self, Handle* handle) noexcept {
+  static void onInitialState(void* self, PlasmaHandle* handle) noexcept {
     from(self).windows_.at(handle).isKnown = true;
     from(self).change(handle, [](auto&, auto) {});
   }
 
-  static void onUnmapped(void* self, Handle* handle) noexcept {
+  static void onUnmapped(void* self, PlasmaHandle* handle) noexcept {
     Window window = std::move(from(self).windows_.extract(handle).mapped());
     from(self).toplevels_.remove(window.id);
     org_kde_plasma_window_destroy(window.handle.release());
@@ -80,7 +81,7 @@ class PlasmaWindows final : public WaylandWindows {
 
   // The library passes events of objects that are there only.
   template <typename Change>
-  void change(Handle* handle, Change set) {
+  void change(PlasmaHandle* handle, Change set) {
     const Window& window = windows_.at(handle);
     set(toplevels_, window.id);
     if (window.isKnown) toplevels_.commit(window.id);
@@ -112,8 +113,8 @@ class PlasmaWindows final : public WaylandWindows {
       .resource_name_changed = ignore};
 
   WaylandToplevels& toplevels_;
-  const WaylandOwned<Manager> manager_;
-  std::map<Handle*, Window> windows_;
+  const WaylandOwned<PlasmaManager> manager_;
+  std::map<PlasmaHandle*, Window> windows_;
 };
 
 }  // namespace

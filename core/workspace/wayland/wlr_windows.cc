@@ -12,8 +12,8 @@
 namespace tessum {
 namespace {
 
-using Manager = zwlr_foreign_toplevel_manager_v1;
-using Handle = zwlr_foreign_toplevel_handle_v1;
+using WlrManager = zwlr_foreign_toplevel_manager_v1;
+using WlrHandle = zwlr_foreign_toplevel_handle_v1;
 
 bool isActivated(const wl_array& states) {
   const auto* begin = static_cast<const std::uint32_t*>(states.data);
@@ -25,7 +25,7 @@ class WlrWindows final : public WaylandWindows {
  public:
   WlrWindows(WaylandConnection& connection, WaylandToplevels& toplevels)
       : toplevels_(toplevels),
-        manager_(connection.bind<Manager>(zwlr_foreign_toplevel_manager_v1_interface, 3)) {
+        manager_(connection.bind<WlrManager>(zwlr_foreign_toplevel_manager_v1_interface, 3)) {
     zwlr_foreign_toplevel_manager_v1_add_listener(manager_.get(), &kManagerListener, this);
   }
 
@@ -36,43 +36,45 @@ class WlrWindows final : public WaylandWindows {
  private:
   static WlrWindows& from(void* self) { return *static_cast<WlrWindows*>(self); }
 
-  static void onToplevel(void* self, Manager*, Handle* handle) noexcept {
+  static void onToplevel(void* self, WlrManager*, WlrHandle* handle) noexcept {
     WlrWindows& windows = from(self);
     zwlr_foreign_toplevel_handle_v1_add_listener(handle, &kHandleListener, self);
     windows.handles_.emplace(handle,
-                             Window{WaylandOwned<Handle>(handle), windows.toplevels_.add()});
+                             Window{WaylandOwned<WlrHandle>(handle), windows.toplevels_.add()});
   }
 
-  static void onFinished(void* self, Manager*) noexcept { from(self).hasEnded_ = true; }
+  static void onFinished(void* self, WlrManager*) noexcept { from(self).hasEnded_ = true; }
 
-  static void onTitle(void* self, Handle* handle, const char* title) noexcept {
+  static void onTitle(void* self, WlrHandle* handle, const char* title) noexcept {
     from(self).toplevels_.setTitle(from(self).idOf(handle), title);
   }
 
-  static void onAppId(void* self, Handle* handle, const char* appId) noexcept {
+  static void onAppId(void* self, WlrHandle* handle, const char* appId) noexcept {
     from(self).toplevels_.setAppId(from(self).idOf(handle), appId);
   }
 
-  static void onState(void* self, Handle* handle, wl_array* states) noexcept {
+  static void onState(void* self, WlrHandle* handle, wl_array* states) noexcept {
     from(self).toplevels_.setActive(from(self).idOf(handle), isActivated(*states));
   }
 
-  static void onDone(void* self, Handle* handle) noexcept {
+  static void onDone(void* self, WlrHandle* handle) noexcept {
     from(self).toplevels_.commit(from(self).idOf(handle));
   }
 
-  static void onClosed(void* self, Handle* handle) noexcept {
+  static void onClosed(void* self, WlrHandle* handle) noexcept {
     WlrWindows& windows = from(self);
     windows.toplevels_.remove(windows.idOf(handle));
     zwlr_foreign_toplevel_handle_v1_destroy(
         windows.handles_.extract(handle).mapped().handle.release());
   }
 
-  static void onOutput(void*, Handle*, wl_output*) noexcept {}
-  static void onParent(void*, Handle*, Handle*) noexcept {}
+  static void onOutput(void*, WlrHandle*, wl_output*) noexcept {}
+  static void onParent(void*, WlrHandle*, WlrHandle*) noexcept {}
 
   // The library passes events of objects that are there only.
-  [[nodiscard]] WaylandToplevels::Id idOf(Handle* handle) const { return handles_.at(handle).id; }
+  [[nodiscard]] WaylandToplevels::Id idOf(WlrHandle* handle) const {
+    return handles_.at(handle).id;
+  }
 
   static constexpr zwlr_foreign_toplevel_manager_v1_listener kManagerListener{
       .toplevel = onToplevel, .finished = onFinished};
@@ -87,13 +89,13 @@ class WlrWindows final : public WaylandWindows {
       .parent = onParent};
 
   struct Window {
-    WaylandOwned<Handle> handle;
+    WaylandOwned<WlrHandle> handle;
     WaylandToplevels::Id id;
   };
 
   WaylandToplevels& toplevels_;
-  const WaylandOwned<Manager> manager_;
-  std::map<Handle*, Window> handles_;
+  const WaylandOwned<WlrManager> manager_;
+  std::map<WlrHandle*, Window> handles_;
   bool hasEnded_ = false;
 };
 

@@ -22,8 +22,6 @@
 namespace tessum {
 namespace {
 
-constexpr double kMillisecondsPerSecond = 1000;
-
 xcb_sync_int64_t int64Of(std::int64_t value) {
   return {static_cast<std::int32_t>(value >> 32), static_cast<std::uint32_t>(value)};
 }

@@ -11,8 +11,6 @@
 namespace tessum {
 namespace {
 
-constexpr double kMillisecondsPerSecond = 1000;
-
 std::optional<double> secondsSinceInput(xcb_connection_t* connection) {
   if (xcb_connection_has_error(connection) != 0) return std::nullopt;
   const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;

@@ -7,7 +7,6 @@ namespace tessum {
 namespace {
 
 constexpr double kStamps = 4294967296.0;  // the number of values before they wrap to 0
-constexpr double kMillisecondsPerSecond = 1000;
 
 }  // namespace
 

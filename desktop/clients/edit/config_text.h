@@ -14,6 +14,9 @@
 
 namespace tessum {
 
+// What JSON and TOML allow between their parts.
+inline constexpr std::string_view kWhiteSpace = " \t\r\n";
+
 // Why a text cannot be edited, as a clause: "line 3: it has two members \"mcpServers\"".
 class CannotEdit : public std::runtime_error {
  public:

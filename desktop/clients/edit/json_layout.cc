@@ -16,7 +16,6 @@ namespace tessum {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view kWhiteSpace = " \t\r\n";
 
 bool isOneOf(char character, std::string_view set) {
   return set.find(character) != std::string_view::npos;

@@ -13,8 +13,6 @@ namespace {
 
 using Object = json::Value::Object;
 
-constexpr std::string_view kWhiteSpace = " \t\r\n";
-
 // Whether there is nothing but white space and comments.
 bool hasNoValue(std::string_view text) {
   std::size_t at = startOfText(text);

@@ -15,8 +15,6 @@
 namespace tessum {
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\r\n";
-
 json::Value valueOf(const toml::node& node) {
   if (const auto* text = node.as_string()) return json::Value(text->get());
   if (const auto* boolean = node.as_boolean()) return json::Value(boolean->get());

@@ -27,10 +27,6 @@ struct SetupOptions {
   bool isDryRun = false;
 };
 
-void complain(const std::string& text) {
-  std::fprintf(stderr, "Tessum: %s\n", printable(text).c_str());
-}
-
 ////////////////////////////////////////////////////////////////////////////////////////////////
 // The plan
 
@@ -56,7 +52,7 @@ bool mayGoOn(Host& host, const SetupOptions& options) {
   if (answer == Answer::yes) return true;
   if (answer == Answer::none) {
     print("\n");
-    complain("nobody is there to answer; give --yes to do it without a question.");
+    complain("nobody is there to answer; give --yes to do it without a question.\n");
   }
   print("Nothing was changed.\n");
   host.status = answer == Answer::no ? kFailure : kUsage;
@@ -69,7 +65,7 @@ void carryOut(Host& host, const std::vector<SetupStep>& steps, SetupChanges& cha
     try {
       step.carryOut(changes);
     } catch (const std::exception& error) {
-      complain("could not " + step.plan + ": " + error.what());
+      complain(printable("could not " + step.plan + ": " + error.what()) + "\n");
       host.status = kFailure;
     }
   }
