@@ -3,6 +3,7 @@
 #include <re2/re2.h>
 
 #include <algorithm>
+#include <mutex>
 #include <stdexcept>
 
 namespace tessum {
@@ -19,25 +20,53 @@ re2::RE2::Options options() {
   return options;
 }
 
+// Compiling these takes a part of a millisecond, so it can be done again. A longer program may take
+// so many that it would delay the first search.
+constexpr int kShortProgram = 1000;  // instructions
+
 }  // namespace
 
-Pattern::Pattern(const std::string& text)
-    : compiled_(std::make_shared<const re2::RE2>(text, options())) {
-  if (!compiled_->ok()) throw std::invalid_argument(compiled_->error());
-}
+// Any thread.
+class Pattern::Compiled {
+ public:
+  explicit Compiled(const std::string& text)
+      : text_(text), expression_(std::make_unique<const re2::RE2>(text, options())) {
+    if (!expression_->ok()) throw std::invalid_argument(expression_->error());
+    instructions_ = expression_->ProgramSize();
+    if (instructions_ <= kShortProgram) expression_.reset();
+  }
+
+  [[nodiscard]] const std::string& text() const { return text_; }
+  [[nodiscard]] int instructions() const { return instructions_; }
+
+  [[nodiscard]] const re2::RE2& expression() {
+    std::call_once(isNeeded_, [this] {
+      if (!expression_) expression_ = std::make_unique<const re2::RE2>(text_, options());
+    });
+    return *expression_;
+  }
+
+ private:
+  std::string text_;
+  int instructions_ = 0;
+  std::once_flag isNeeded_;
+  std::unique_ptr<const re2::RE2> expression_;
+};
+
+Pattern::Pattern(const std::string& text) : compiled_(std::make_shared<Compiled>(text)) {}
 
 const std::string& Pattern::text() const {
-  return compiled_->pattern();
+  return compiled_->text();
 }
 
 std::size_t Pattern::mostBytes() const {
-  const auto instructions = static_cast<std::size_t>(std::max(compiled_->ProgramSize(), 1));
+  const auto instructions = static_cast<std::size_t>(std::max(compiled_->instructions(), 1));
   return std::max(kAlwaysSearched, kMostSteps / instructions);
 }
 
 bool Pattern::isIn(std::string_view text) const {
   if (text.size() > mostBytes()) return true;
-  return compiled_->Match(text, 0, text.size(), re2::RE2::UNANCHORED, nullptr, 0);
+  return compiled_->expression().Match(text, 0, text.size(), re2::RE2::UNANCHORED, nullptr, 0);
 }
 
 }  // namespace tessum

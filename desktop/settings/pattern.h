@@ -7,14 +7,11 @@
 #include <string>
 #include <string_view>
 
-namespace re2 {
-class RE2;
-}
-
 namespace tessum {
 
 // Searches in time linear in the text's length, whatever the pattern, because titles are untrusted.
-// Immutable.
+// Copies share the compiled form, which is made by the first search: of many rules, most never come
+// to search a title. Immutable.
 class Pattern {
  public:
   // Throws std::invalid_argument that says what is wrong with the pattern `text`.
@@ -31,7 +28,9 @@ class Pattern {
   [[nodiscard]] bool isIn(std::string_view text) const;
 
  private:
-  std::shared_ptr<const re2::RE2> compiled_;
+  class Compiled;
+
+  std::shared_ptr<Compiled> compiled_;
 };
 
 }  // namespace tessum
