@@ -11,13 +11,14 @@
 namespace tessum {
 
 // Watches the file's folder and, if the file is a symbolic link, its target's folder: an editor may
-// write to a file or replace it. Main thread only.
+// write to a file or replace it. Watches the folders above, too: the file's folder may be removed
+// and made again. Main thread only.
 class FileWatcher {
  public:
   // Calls `onChange` from `loop` when the file at the absolute path `path` may have been created,
   // written, replaced or removed; often more than once for one change. The file need not exist, but
-  // its folder must: the watch ends when the folder is removed or moved. Throws std::system_error
-  // when the folder cannot be watched. `loop` must outlive the object.
+  // its folder must at first. Throws std::system_error when the folder cannot be watched. `loop`
+  // must outlive the object.
   FileWatcher(MainLoop& loop, const std::string& path, std::function<void()> onChange);
   ~FileWatcher();
   FileWatcher(const FileWatcher&) = delete;

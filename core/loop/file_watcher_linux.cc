@@ -38,11 +38,10 @@ struct FileWatcher::State {
         path(std::move(watched)),
         onChange(std::move(handler)),
         inotify(makeInotify()) {
-    if (!watch(path)) {
+    if (!watchFolders()) {
       throw std::system_error(errno, std::generic_category(),
                               "Cannot watch " + path.parent_path().string());
     }
-    watchTarget();
     token = loop.watchReadable(inotify.number(), [this] { readEvents(); });
   }
 
@@ -58,8 +57,21 @@ struct FileWatcher::State {
     return true;
   }
 
-  // The link's target may have changed. A folder that cannot be watched does not exist or belongs
-  // to another user.
+  // The file, a folder above it or the link's target may be another one by now. Goes from the root
+  // down, so that a folder which is made meanwhile is reported. A folder that cannot be watched
+  // does not exist or belongs to another user. False, with errno set, when the file's own cannot
+  // be.
+  bool watchFolders() {
+    watchTarget();
+    fs::path file;
+    bool isWatched = false;
+    for (const fs::path& name : path) {
+      file /= name;
+      isWatched = watch(file);
+    }
+    return isWatched;
+  }
+
   void watchTarget() {
     std::error_code error;
     const fs::path target = fs::canonical(path, error);
@@ -80,7 +92,7 @@ struct FileWatcher::State {
       }
     }
     if (!hasChanged) return;
-    watchTarget();
+    static_cast<void>(watchFolders());
     const auto handler = onChange;  // it may destroy this watcher
     handler();
   }

@@ -1,5 +1,5 @@
 // A folder's vnode reports files that are added, removed and renamed; a file's own vnode reports
-// writes. So we watch both, and open the file again after each event.
+// writes. So we watch both, and open all of them again after each event.
 
 #include <fcntl.h>
 #include <sys/event.h>
@@ -33,11 +33,10 @@ Descriptor makeQueue() {
 struct FileWatcher::State {
   State(MainLoop& mainLoop, std::string watched, std::function<void()> handler)
       : loop(mainLoop), path(std::move(watched)), onChange(std::move(handler)), queue(makeQueue()) {
-    if (!watch(path.parent_path())) {
+    if (!watchAll()) {
       throw std::system_error(errno, std::generic_category(),
                               "Cannot watch " + path.parent_path().string());
     }
-    watchFile();
     token = loop.watchReadable(queue.number(), [this] { readEvents(); });
   }
 
@@ -59,10 +58,23 @@ struct FileWatcher::State {
     return true;
   }
 
-  // The file itself and, if it is a link, its target's folder. What cannot be watched does not
-  // exist or belongs to another user.
+  // The folders from the root down, so that one which is made meanwhile is reported, then the file.
+  // What cannot be watched does not exist or belongs to another user. False, with errno set, when
+  // the file's own folder cannot be.
+  bool watchAll() {
+    opened.clear();
+    fs::path folder;
+    bool isWatched = false;
+    for (const fs::path& name : path.parent_path()) {
+      folder /= name;
+      isWatched = watch(folder);
+    }
+    if (isWatched) watchFile();
+    return isWatched;
+  }
+
+  // The file itself and, if it is a link, its target's folder.
   void watchFile() {
-    opened.erase(opened.begin() + 1, opened.end());
     std::error_code error;
     const fs::path target = fs::canonical(path, error);
     if (error) return;
@@ -76,7 +88,7 @@ struct FileWatcher::State {
     bool hasChanged = false;
     while (kevent(queue.number(), nullptr, 0, &event, 1, &atOnce) > 0) hasChanged = true;
     if (!hasChanged) return;
-    watchFile();
+    static_cast<void>(watchAll());
     const auto handler = onChange;  // it may destroy this watcher
     handler();
   }
@@ -85,7 +97,7 @@ struct FileWatcher::State {
   const fs::path path;
   const std::function<void()> onChange;
   const Descriptor queue;
-  std::vector<Descriptor> opened;  // the folder first
+  std::vector<Descriptor> opened;
   MainLoop::WatchToken token{};
 };
 

@@ -86,6 +86,32 @@ TEST_F(FileWatcherTest, FollowsALinkThatPointsAtAnother) {
   EXPECT_TRUE(tells());
 }
 
+TEST_F(FileWatcherTest, FollowsItsFolderWhenThatIsRemovedAndMadeAgain) {
+  fs::create_directories(folder_.file("above/own"));
+  const std::string path = folder_.file("above/own/settings");
+  const FileWatcher watcher(loop_, path, count_);
+  for (const char* removed : {"above/own", "above"}) {
+    fs::remove_all(folder_.file(removed));
+    EXPECT_TRUE(tells());
+    fs::create_directories(folder_.file("above/own"));
+    EXPECT_TRUE(tells());
+    writeFile(path, "a");
+    EXPECT_TRUE(tells());
+  }
+}
+
+TEST_F(FileWatcherTest, FollowsItsFolderWhenAnotherTakesItsPlace) {
+  for (const char* folder : {"own", "other"}) fs::create_directory(folder_.file(folder));
+  const std::string path = folder_.file("link/settings");
+  fs::create_directory_symlink(folder_.file("own"), folder_.file("link"));
+  const FileWatcher watcher(loop_, path, count_);
+  fs::create_directory_symlink(folder_.file("other"), folder_.file("link.new"));
+  fs::rename(folder_.file("link.new"), folder_.file("link"));
+  EXPECT_TRUE(tells());
+  writeFile(path, "a");
+  EXPECT_TRUE(tells());
+}
+
 TEST_F(FileWatcherTest, MayBeEndedByWhatItTells) {
   std::unique_ptr<FileWatcher> watcher;
   watcher = std::make_unique<FileWatcher>(loop_, path_, [&] {
