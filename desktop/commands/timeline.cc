@@ -38,19 +38,23 @@ std::string pageOf(const Host& host, const TimelineOptions& options) {
   return timelinePage(readTimeline(history, days, settings.rules, period, now));
 }
 
+// A page keeps the rights of the file that it replaces.
+void replaceForUserAlone(const Host& host, const std::string& file, const std::string& page) {
+  if (std::filesystem::exists(file)) closeToOthers(std::filesystem::canonical(file));
+  host.files.replace(file, page);
+}
+
 void writePage(const Host& host, const std::string& file, const std::string& page) {
   if (std::filesystem::exists(file) && !std::filesystem::is_regular_file(file)) {
     throw std::runtime_error(file + " is not a file that can be replaced");
   }
-  host.files.replace(file, page);
+  replaceForUserAlone(host, file, page);
   print("The timeline is in " + file + ".\n");
 }
 
 void showPage(const Host& host, const std::string& page) {
   const std::string path = timelinePath(host.locations);
-  // The page keeps the rights of the one that it replaces.
-  if (std::filesystem::exists(path)) closeToOthers(path);
-  host.files.replace(path, page);
+  replaceForUserAlone(host, path, page);
   const bool isShown = host.opener.hasOpened(fileUrl(path));
   print("The timeline is in " + path +
         (isShown ? ", and your browser was asked to open it.\n"

@@ -32,6 +32,18 @@ TEST_F(TimelineCommand, WritesToStandardOutput) {
   EXPECT_FALSE(std::filesystem::exists(user.dataFolder() + "/timeline.html"));
 }
 
+TEST_F(TimelineCommand, IsForTheUserAloneAlsoInAFileThatOthersMightRead) {
+  const std::string path = user.file("page.html");
+  writeFile(path, "");
+  std::filesystem::create_symlink(path, user.file("link.html"));
+  for (const std::string& output : {path, user.file("link.html")}) {
+    std::filesystem::permissions(path, std::filesystem::perms(0644));
+    const Outcome outcome = user.run({"timeline", "2025-03-04", "-o", output});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0600)) << output;
+  }
+}
+
 TEST_F(TimelineCommand, ShowsUpToAYearOfRecords) {
   user.addSession("Editor", nullptr, "2023-03-03T09:00:00Z", "2023-03-03T11:00:00Z");
   const Outcome outcome = user.run({"timeline", "2023-01-01..2025-12-31", "-o", "-"});
