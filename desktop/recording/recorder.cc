@@ -177,8 +177,8 @@ void Recorder::obey(const Settings& settings) {
 void Recorder::obey(const std::optional<Pause>& pause) {
   recording_.pause(pause);
   publishState();
-  if (pause) sayToPerson("Recording is paused " + pauseText(*pause, host_.clock.now()) + ".");
-  if (!pause && saysPause_) sayToPerson("Recording goes on.");
+  if (pause) say("Recording is paused " + pauseText(*pause, host_.clock.now()) + ".");
+  if (!pause && saysPause_) say("Recording goes on.");
   saysPause_ = pause.has_value();
 }
 

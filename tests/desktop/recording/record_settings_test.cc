@@ -106,6 +106,9 @@ TEST_F(RecordSettings, APauseIsObeyedAtOnceAndOutlivesTheRecorder) {
     EXPECT_EQ(recorder.process().wait(), kSuccess);
   }
   Recorder recorder(desktop_);
+  EXPECT_TRUE(eventually([&] {
+    return recorder.process().errors() == "Tessum: Recording is paused until \"Tessum resume\".\n";
+  })) << recorder.process().errors();
   addWindow("Other", "Secret");
   desktop_.run(TESSUM_PROGRAM, {"resume"});
   ASSERT_TRUE(recorder.comesTo({"Editor|NULL|Plan|closed", "Other|NULL|Secret|open"}));
