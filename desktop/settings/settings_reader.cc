@@ -38,6 +38,18 @@ struct Key {
   std::function<void(const toml::node&)> read;
 };
 
+// The key that `wanted` resembles, or else all that there are.
+std::string adviceFor(std::string_view wanted, const std::vector<Key>& keys) {
+  std::vector<std::string_view> known;
+  std::string list;
+  for (const Key& key : keys) {
+    known.push_back(key.name);
+    list += (list.empty() ? "" : ", ") + std::string(key.name);
+  }
+  const std::string meant = suggestion(wanted, known);
+  return meant.empty() ? "; the keys here are " + list : meant;
+}
+
 void readTable(const toml::table& table, const std::vector<Key>& keys) {
   for (const auto& [name, node] : table) {
     const std::string_view wanted = name.str();
@@ -47,9 +59,7 @@ void readTable(const toml::table& table, const std::vector<Key>& keys) {
       found->read(node);
       continue;
     }
-    std::vector<std::string_view> known;
-    for (const Key& key : keys) known.push_back(key.name);
-    fail(name.source().begin, "unknown key " + inQuotes(wanted) + suggestion(wanted, known));
+    fail(name.source().begin, "unknown key " + inQuotes(wanted) + adviceFor(wanted, keys));
   }
 }
 
@@ -162,8 +172,9 @@ void readRecord(const toml::table& table, Settings& settings) {
                        const std::string& text = textOf(node);
                        const auto value = parseTitles(text);
                        if (!value) {
+                         const std::string meant = suggestion(text, {"each", "last", "none"});
                          fail(node, "unknown value " + inQuotes(text) + " of titles" +
-                                        suggestion(text, {"each", "last", "none"}));
+                                        (meant.empty() ? "; write each, last or none" : meant));
                        }
                        settings.titles = {*value, lineOf(node)};
                      }}});

@@ -96,9 +96,12 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{"[recrod]", "line 1, column 2: unknown key \"recrod\"; did you mean \"record\"?"},
         Wrong{"[record]\ntitels = 'each'",
               "line 2, column 1: unknown key \"titels\"; did you mean \"titles\"?"},
-        Wrong{"[record]\nfont = 'each'", "line 2, column 1: unknown key \"font\""},
+        Wrong{"[record]\nfont = 'each'",
+              "line 2, column 1: unknown key \"font\"; the keys here are away-after, titles"},
         Wrong{"[record]\ntitles = 'eech'",
               "line 2, column 10: unknown value \"eech\" of titles; did you mean \"each\"?"},
+        Wrong{"[record]\ntitles = 'first'",
+              "line 2, column 10: unknown value \"first\" of titles; write each, last or none"},
         Wrong{"[record]\ntitles = 1", "line 2, column 10: a text in quotation marks is expected"},
         Wrong{"[record]\naway-after = '1.5h'",
               "line 2, column 14: unknown duration \"1.5h\"; write it as 30s, 5m or 1h30m, up to "
