@@ -46,10 +46,8 @@ std::string description(const ForgetOptions& options, const Selection& selection
     text += " (" + shortDuration(selected.seconds) + ")";
   }
   if (selection.includesNotes()) text += " and " + counted(selected.notes, "note");
-  const auto& [app, title, category] = options.filter;
-  if (!app.empty()) text += " of " + printable(validUtf8(app));
-  if (!title.empty()) text += " with \"" + printable(validUtf8(title)) + "\" in the title";
-  if (!category.empty()) text += " of the category " + category;
+  const std::string narrowing = narrowingText(options.filter);
+  if (!narrowing.empty()) text += " " + narrowing;
   const std::string first = dateText(*selected.first);
   const std::string last = dateText(*selected.last);
   return text + (first == last ? ", begun on " + first : ", begun from " + first + " to " + last);

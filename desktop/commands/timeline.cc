@@ -10,6 +10,7 @@
 #include "core/store/history.h"
 #include "core/update/urls.h"
 #include "desktop/commands/arguments.h"
+#include "desktop/commands/reports/filter_options.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/settings/settings_file.h"
 #include "desktop/timeline/page.h"
@@ -20,6 +21,7 @@ namespace {
 struct TimelineOptions {
   std::string period;
   std::string file;
+  FilterOptions filter;
 };
 
 // More would be no picture any longer, and too large for a browser.
@@ -30,12 +32,15 @@ std::string pageOf(const Host& host, const TimelineOptions& options) {
   const ReportDays days(host.calendar, settings.dayStarts.value);
   const Period period = periodArgument(options.period, host, days);
   const Date now = host.clock.now();
+  const SessionTest isMeant = sessionTestOf(options.filter, settings.rules);
   History history(historyPath(host.locations), History::Access::read);
   if (dayCount(timelinePeriod(history, period, days, now)) > kMostDays) {
     throw CLI::ValidationError("the timeline shows up to a year; " + longPeriodText(period) +
                                " is more");
   }
-  return timelinePage(readTimeline(history, days, settings.rules, period, now));
+  TimelineHistory timeline = readTimeline(history, days, settings.rules, period, now, isMeant);
+  timeline.narrowing = narrowingText(options.filter);
+  return timelinePage(timeline);
 }
 
 // A page keeps the rights of the file that it replaces.
@@ -80,10 +85,12 @@ void addTimelineCommand(CLI::App& app, Host& host) {
       ->add_option("-o,--output", options->file,
                    "write the page to this file instead of opening it; - is standard output")
       ->type_name("FILE");
+  addFilterOptions(*command, options->filter);
   command->footer(
       "Examples:\n"
       "  Tessum timeline\n"
       "  Tessum timeline last-week\n"
+      "  Tessum timeline month --app Terminal\n"
       "  Tessum timeline 2025-03-04 -o tuesday.html");
   command->callback([&host, options] { showTimeline(host, *options); });
 }

@@ -42,9 +42,25 @@ std::string summary(const TimelineHistory& history) {
   return text;
 }
 
+// Which sessions the page is about, unless it is about all of them.
+std::string narrowingLine(const TimelineHistory& history) {
+  if (history.narrowing.empty()) return "";
+  std::string text = "Only sessions " + escaped(history.narrowing);
+  if (history.leftOut > 0) {
+    text += "; " + counted(history.leftOut, "other is", "others are") + " left out";
+  }
+  return "<p class=\"narrowing\">" + text + ".</p>\n";
+}
+
 // What to do about a period without any record.
 std::string advice(const TimelineHistory& history) {
   const std::string days = dayCount(history.period) == 1 ? "this day" : "these days";
+  if (history.leftOut > 0) {
+    return "<p class=\"advice\">No such session was recorded on " + days +
+           ".</p>\n<p>Without <code>--app</code>, <code>--title</code> and "
+           "<code>--category</code> the page shows all of them. <code>Tessum search WORD</code> "
+           "finds titles and applications of any day.</p>\n";
+  }
   std::string text = "<p class=\"advice\">Nothing was recorded on " + days + ".</p>\n<p>";
   if (!history.beginnings) {
     return text +
@@ -80,9 +96,9 @@ std::string content(const TimelineHistory& history) {
 
 std::string timelinePage(const TimelineHistory& history) {
   const std::string title = longPeriodText(history.period);
-  const bool isEmpty = history.sessions.empty() && history.notes.empty();
+  const bool isEmpty = history.sessions.empty() && (history.notes.empty() || history.leftOut > 0);
   return head(title, !isEmpty) + "<body>\n<main>\n<h1>" + escaped(title) + "</h1>\n" +
-         (isEmpty ? advice(history) : content(history)) +
+         narrowingLine(history) + (isEmpty ? advice(history) : content(history)) +
          "<footer>Tessum made this page on your own computer; it loads nothing from "
          "elsewhere.</footer>\n</main>\n</body>\n</html>\n";
 }

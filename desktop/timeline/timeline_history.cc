@@ -77,7 +77,7 @@ Period timelinePeriod(History& history, const Period& period, const ReportDays& 
 }
 
 TimelineHistory readTimeline(History& history, const ReportDays& days, const Rules& rules,
-                             const Period& period, Date now) {
+                             const Period& period, Date now, const SessionTest& isMeant) {
   TimelineHistory timeline{.period = period, .days = {}, .now = now};
   const Period shown = timelinePeriod(history, period, days, now);
   for (int i = 0; i < dayCount(shown); ++i) {
@@ -86,8 +86,13 @@ TimelineHistory readTimeline(History& history, const ReportDays& days, const Rul
   }
   timeline.beginnings = history.beginnings();
   Reader reader(timeline, rules);
-  history.visitSessionsIn(timeline.range(), now,
-                          [&](const Activity& session) { reader.add(session); });
+  history.visitSessionsIn(timeline.range(), now, [&](const Activity& session) {
+    if (isMeant && !isMeant(session)) {
+      ++timeline.leftOut;
+    } else {
+      reader.add(session);
+    }
+  });
   timeline.notes = history.notesIn(timeline.range());
   return timeline;
 }

@@ -51,6 +51,8 @@ struct TimelineHistory {
   std::vector<TimelineCategory> categories = {};
   std::vector<TimelineSubject> subjects = {};
   std::vector<TimelineSession> sessions = {};  // oldest first
+  std::string narrowing = {};                  // such as "of Editor"; empty when nothing narrows
+  std::size_t leftOut = 0;                     // sessions of the days that are not meant
   std::vector<Annotation> notes = {};          // that overlap the days, whole, oldest first
   std::optional<DayRange> beginnings = {};     // of all that was ever recorded
 
@@ -61,7 +63,9 @@ struct TimelineHistory {
 [[nodiscard]] Period timelinePeriod(History& history, const Period& period, const ReportDays& days,
                                     Date now);
 
+// An empty `isMeant` lets all sessions pass.
 [[nodiscard]] TimelineHistory readTimeline(History& history, const ReportDays& days,
-                                           const Rules& rules, const Period& period, Date now);
+                                           const Rules& rules, const Period& period, Date now,
+                                           const SessionTest& isMeant);
 
 }  // namespace tessum

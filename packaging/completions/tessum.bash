@@ -46,7 +46,7 @@ _tessum() {
           notes) words='--json --csv --plain --help' ;;
           search) words='--json --csv --plain --limit --in --app --title --category --help' ;;
           note) words='--for --at --edit --delete --end --help' ;;
-          timeline) words='--output --help' ;;
+          timeline) words='--output --app --title --category --help' ;;
           install) words='--all --file --http --replace --dry-run --help' ;;
           uninstall) words='--all --file --dry-run --help' ;;
           update) words='--download --help' ;;

@@ -32,7 +32,7 @@ for command in day usage notes
     __tessum_add $command -a "$periods"
     __tessum_add $command -l plain -d 'The text that assistants get'
 end
-for command in day usage search export forget
+for command in day usage search timeline export forget
     __tessum_add $command -l app -x -a '(__tessum_words applications)' -d 'Only this application'
     __tessum_add $command -l title -x -d 'Only titles with this text'
     __tessum_add $command -l category -x -a '(__tessum_words categories)' -d 'Only this category'
@@ -85,6 +85,6 @@ __tessum_add backup -F
 __tessum_add pause -a 'until 30m 1h'
 __tessum_add settings -a 'edit check try'
 complete -c tessum -n '__fish_seen_subcommand_from settings; and __fish_seen_subcommand_from try' -a '(__tessum_words applications)'
-__tessum_add help -a 'record serve pause resume status day usage category notes search note timeline clients install
-    uninstall update doctor export forget backup settings'
+__tessum_add help -a 'setup record serve pause resume status day usage category notes search note timeline clients install
+    uninstall update doctor export import forget backup settings'
 functions -e __tessum_add

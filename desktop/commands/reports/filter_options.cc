@@ -6,6 +6,7 @@
 
 #include "core/base/text.h"
 #include "desktop/commands/reports/text_search.h"
+#include "desktop/reports/text_layout.h"
 
 namespace tessum {
 namespace {
@@ -35,6 +36,15 @@ void addFilterOptions(CLI::App& command, FilterOptions& options) {
   // The assistants' tools have no such filters.
   if (command.get_option_no_throw("--plain") == nullptr) return;
   for (auto* filter : {app, title, category}) filter->excludes("--plain");
+}
+
+std::string narrowingText(const FilterOptions& options) {
+  const auto& [app, title, category] = options;
+  std::string text;
+  if (!app.empty()) text += " of " + printable(validUtf8(app));
+  if (!category.empty()) text += " of the category " + printable(category);
+  if (!title.empty()) text += " with \"" + printable(validUtf8(title)) + "\" in the title";
+  return text.empty() ? text : text.substr(1);
 }
 
 SessionFilter filterOf(const FilterOptions& options, const Rules& rules) {

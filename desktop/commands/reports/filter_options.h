@@ -24,6 +24,10 @@ struct FilterOptions {
 // live as long.
 void addFilterOptions(CLI::App& command, FilterOptions& options);
 
+// What narrows a report, to follow the word "sessions": `of Editor with "main" in the title`. Empty
+// where nothing does.
+[[nodiscard]] std::string narrowingText(const FilterOptions& options);
+
 // Throws a CLI::ValidationError where `rules` have no such category.
 [[nodiscard]] SessionFilter filterOf(const FilterOptions& options, const Rules& rules);
 

@@ -38,6 +38,8 @@ const Case kCases[] = {
     {"Applications", "tessum usage --app Term", "tessum usage --app", "Terminal"},
     {"ApplicationsWithBlanks", "tessum usage --app Budg", "tessum usage --app", "Budget Planner"},
     {"ApplicationsToTry", "tessum settings try Term", "tessum settings try", "Terminal"},
+    {"ApplicationsOfTheTimeline", "tessum timeline --app Term", "tessum timeline --app",
+     "Terminal"},
     {"Categories", "tessum day --category Rea", "tessum day --category", "Reading"},
     {"TheOtherName", "Tessum usage --app Term", "Tessum usage --app", "Terminal"},
 };

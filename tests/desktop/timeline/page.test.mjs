@@ -150,6 +150,20 @@ test('the policy lets no other script run and nothing be fetched', options, asyn
   assert.ok(page.errors.some((text) => text.includes('Content Security Policy')), page.errors.join('\n'));
 });
 
+test('a narrowed page says so, and its picture and its tables have only what is meant', options, async () => {
+  const file = week.page('2025-03-03..2025-03-09', '--title', 'MAIN');
+  for (const hasScripts of [true, false]) {
+    const page = await browser.open(file, { hasScripts });
+    await page.send('Emulation.setScriptExecutionDisabled', { value: false });
+    const shown = await page.value('document.querySelector("main").innerText');
+    assert.match(shown, /Only sessions with "MAIN" in the title; 2 others are left out\./);
+    assert.match(shown, /3h 0m in 1 session/);
+    assert.match(shown, /Titles\s+main\.cc\s+3h 0m\s+100%/);
+    assert.doesNotMatch(shown, /Music/);
+    assert.match(await page.value('document.querySelector(".still").parentElement.textContent'), /Review of the budget/);
+  }
+});
+
 test('without scripts it is a picture, with a strip for each day', options, async () => {
   const page = await browser.open(week.page('2025-03-03..2025-03-09'), { hasScripts: false });
   const shown = (selector) => page.value(`[...document.querySelectorAll('${selector}')].filter((e) => e.getClientRects().length > 0).length`);

@@ -89,6 +89,51 @@ TEST_F(TimelineCommand, CategoriesHaveTheColoursOfTheSettings) {
   EXPECT_TRUE(contains(page, "[\"Work\"," + std::to_string(colourOf("Work")) + ",\"#3a7bd5\"]"));
 }
 
+TEST_F(TimelineCommand, ShowsOnlyTheSessionsThatAreAskedFor) {
+  user.writeSettings("[[category]]\nname = \"Work\"\napp = 'Editor'\n");
+  user.addSession("Editor", "Ümlaut <b>", "2025-03-03T12:00:00Z", "2025-03-03T12:30:00Z");
+  const auto page = [&](const std::vector<std::string>& filter) {
+    std::vector<std::string> arguments{"timeline", "2025-03-03..2025-03-05", "-o", "-"};
+    arguments.insert(arguments.end(), filter.begin(), filter.end());
+    const Outcome outcome = user.run(arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    return outcome.output;
+  };
+  const std::string all = page({});
+  EXPECT_TRUE(contains(all, ">6h 30m in 3 sessions<"));
+  EXPECT_FALSE(contains(all, "Only sessions"));
+
+  const std::string app = page({"--app", "Music"});
+  EXPECT_TRUE(contains(app, ">Only sessions of Music; 2 others are left out.<"));
+  EXPECT_TRUE(contains(app, ">4h 0m in 1 session<"));
+  EXPECT_FALSE(contains(app, "Editor"));
+
+  const std::string title = page({"--title", "üMLAUT <B>"});
+  EXPECT_TRUE(contains(title, ">Only sessions with &quot;üMLAUT &lt;B&gt;&quot; in the title; 2 "));
+  EXPECT_TRUE(contains(title, ">30m in 1 session<"));
+
+  const std::string category = page({"--category", "Work"});
+  EXPECT_TRUE(contains(category, ">Only sessions of the category Work; 1 other is left out.<"));
+  EXPECT_TRUE(contains(category, ">2h 30m in 2 sessions<"));
+  EXPECT_TRUE(contains(page({"--category", "Uncategorised"}), ">4h 0m in 1 session<"));
+
+  EXPECT_TRUE(contains(page({"--app", "Editor", "--title", "main", "--category", "Work"}),
+                       ">Only sessions of Editor of the category Work with &quot;main&quot; in "
+                       "the title; 2 others are left out.<"));
+}
+
+TEST_F(TimelineCommand, WithoutAnySuchSessionSaysWhatToDo) {
+  const std::string page = user.run({"timeline", "2025-03-03", "--app", "Music", "-o", "-"}).output;
+  EXPECT_TRUE(contains(page, "No such session was recorded on this day."));
+  EXPECT_TRUE(contains(page, "Without <code>--app</code>"));
+  EXPECT_FALSE(contains(page, "<script"));
+  const std::string empty = user.run({"timeline", "2024-02", "--app", "Music", "-o", "-"}).output;
+  EXPECT_TRUE(contains(empty, "Nothing was recorded on these days."));
+  const Outcome unknown = user.run({"timeline", "--category", "Play", "-o", "-"});
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_TRUE(contains(unknown.errors, "unknown category \"Play\""));
+}
+
 TEST_F(TimelineCommand, ManyLongTitlesAreCutToKeepThePageSmall) {
   {
     Database database = user.database();

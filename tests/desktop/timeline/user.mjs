@@ -42,10 +42,10 @@ export class User {
       '--sessions-per-day', `${sessionsPerDay}`], { env: this.#environment });
   }
 
-  // The file of the page of that period.
-  page(period) {
+  // The file of the page of that period, narrowed by those options.
+  page(period, ...filter) {
     const file = join(this.#folder, `page${++this.#pages}.html`);
-    execFileSync(TESSUM_PROGRAM, ['timeline', period, '-o', file], { env: this.#environment });
+    execFileSync(TESSUM_PROGRAM, ['timeline', period, ...filter, '-o', file], { env: this.#environment });
     return file;
   }
 
