@@ -21,16 +21,20 @@ Value periodValue(const Period& period, const DayRange& range) {
                        {"end", offsetDateTime(range.end)}};
 }
 
-std::vector<UsageGroup> first(const std::vector<UsageGroup>& groups, std::size_t most) {
-  if (most == 0 || groups.size() <= most) return groups;
-  return {groups.begin(), groups.begin() + static_cast<std::ptrdiff_t>(most)};
+std::vector<UsageGroup> largest(const std::vector<UsageGroup>& groups, std::size_t most) {
+  const std::vector<bool> areShown = areLargest(groups, most);
+  std::vector<UsageGroup> rows;
+  for (std::size_t i = 0; i < groups.size(); ++i) {
+    if (areShown[i]) rows.push_back(groups[i]);
+  }
+  return rows;
 }
 
 // A row for each group, which names it under the name of its grouping.
 Value groupsValue(const std::vector<UsageGroup>& groups, const std::vector<Grouping>& by,
                   std::size_t level, std::size_t most) {
   Value::Array rows;
-  for (const UsageGroup& group : first(groups, most)) {
+  for (const UsageGroup& group : largest(groups, most)) {
     Value::Object row{{std::string(groupingName(by[level])), orNull(group.name)},
                       {"seconds", secondsValue(group.total.seconds)},
                       {"sessions", group.total.sessions}};
@@ -67,10 +71,10 @@ std::string usageCsv(const Usage& usage, const std::vector<Grouping>& by, std::s
     names.push_back(std::to_string(total.sessions));
     text += csvLine(names);
   };
-  for (const UsageGroup& group : first(usage.groups, most)) {
+  for (const UsageGroup& group : largest(usage.groups, most)) {
     const std::string name = group.name.value_or("");
     if (by.size() < 2) add({name}, group.total);
-    for (const UsageGroup& part : first(group.groups, most)) {
+    for (const UsageGroup& part : largest(group.groups, most)) {
       add({name, part.name.value_or("")}, part.total);
     }
   }

@@ -1,6 +1,7 @@
 #include "desktop/usage/usage.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "desktop/reports/calendar_dates.h"
@@ -138,6 +139,19 @@ std::vector<UsageGroup> readUsageOfRules(History& history, const Rules& rules,
   auto groups = tally.groups();
   for (UsageGroup& group : groups) sortBySize(group.groups);
   return groups;
+}
+
+std::vector<bool> areLargest(const std::vector<UsageGroup>& groups, std::size_t most) {
+  if (most == 0 || groups.size() <= most) return std::vector<bool>(groups.size(), true);
+  std::vector<std::size_t> order(groups.size());
+  std::iota(order.begin(), order.end(), 0);
+  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+    return groups[a].total.seconds > groups[b].total.seconds;
+  });
+  order.resize(most);
+  std::vector<bool> are(groups.size());
+  for (const std::size_t i : order) are[i] = true;
+  return are;
 }
 
 }  // namespace tessum

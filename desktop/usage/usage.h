@@ -39,4 +39,8 @@ struct Usage {
 [[nodiscard]] std::vector<UsageGroup> readUsageOfRules(History& history, const Rules& rules,
                                                        const DayRange& range, Date now);
 
+// Whether each of `groups` is one of the `most` largest, or any where `most` is 0. Of equal ones
+// the first.
+[[nodiscard]] std::vector<bool> areLargest(const std::vector<UsageGroup>& groups, std::size_t most);
+
 }  // namespace tessum

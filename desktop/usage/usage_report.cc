@@ -39,18 +39,23 @@ double shareOf(double seconds, double whole) {
   return whole > 0 ? std::clamp(seconds / whole, 0.0, 1.0) : 0;
 }
 
-// The first `most` groups, and one of all the others.
+// The largest `most` groups, and one of all the others.
 std::vector<UsageGroup> shown(const std::vector<UsageGroup>& groups, std::size_t most) {
   if (most == 0 || groups.size() <= most) return groups;
-  std::vector<UsageGroup> first(groups.begin(), groups.begin() + static_cast<std::ptrdiff_t>(most));
+  const std::vector<bool> areShown = areLargest(groups, most);
+  std::vector<UsageGroup> lines;
   UsageGroup others;
-  for (std::size_t i = most; i < groups.size(); ++i) {
-    others.total.seconds += groups[i].total.seconds;
-    others.total.sessions += groups[i].total.sessions;
+  for (std::size_t i = 0; i < groups.size(); ++i) {
+    if (areShown[i]) {
+      lines.push_back(groups[i]);
+    } else {
+      others.total.seconds += groups[i].total.seconds;
+      others.total.sessions += groups[i].total.sessions;
+    }
   }
-  others.name = counted(static_cast<std::int64_t>(groups.size() - most), "other");
-  first.push_back(std::move(others));
-  return first;
+  others.name = counted(groups.size() - most, "other");
+  lines.push_back(std::move(others));
+  return lines;
 }
 
 class GroupTable {

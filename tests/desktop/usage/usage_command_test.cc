@@ -101,6 +101,15 @@ TEST_F(UsageCommand, ShowsTheLargestGroupsAndTheOthersInOneLine) {
             "  2 others         1h 30m  33%  2 sessions  ██████████████████\n");
 }
 
+TEST_F(UsageCommand, ShowsTheLargestDaysInTheOrderOfTime) {
+  EXPECT_EQ(groups({"2025-W10", "--by", "day", "--top", "2"}),
+            "  2025-03-03  3h 0m  67%  3 sessions  ████████████████████████\n"
+            "  2025-03-05  1h 0m  22%   1 session  ████████\n"
+            "  1 other       30m  11%   1 session  ████\n");
+  EXPECT_EQ(user.run({"usage", "2025-W10", "--by", "day", "--top", "2", "--csv"}).output,
+            "day,seconds,sessions\r\n2025-03-03,10800,3\r\n2025-03-05,3600,1\r\n");
+}
+
 TEST_F(UsageCommand, IsOfWhatPassesTheFilters) {
   const auto heading = [&](const std::vector<std::string>& arguments) {
     std::vector<std::string> all{"usage", "2025-03-03..2025-03-09"};
