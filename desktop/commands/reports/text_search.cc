@@ -7,13 +7,23 @@
 #include <stdexcept>
 
 namespace tessum {
+namespace {
+
+// A pattern for `part` itself. RE2 knows letters that are alike one by one; this one is written as
+// two in capital letters.
+std::string patternOf(const std::string& part) {
+  std::string pattern = re2::RE2::QuoteMeta(part);
+  re2::RE2::GlobalReplace(&pattern, "(?i)ss|\u00df", "(?:ss|\u00df)");
+  return pattern;
+}
+
+}  // namespace
 
 TextTest holding(const std::string& part) {
   re2::RE2::Options options(re2::RE2::Quiet);
-  options.set_literal(true);
   options.set_case_sensitive(false);
   options.set_never_capture(true);
-  const auto pattern = std::make_shared<const re2::RE2>(part, options);
+  const auto pattern = std::make_shared<const re2::RE2>(patternOf(part), options);
   if (!pattern->ok()) throw std::invalid_argument("the text is too long to look for");
   return [pattern](std::string_view text) {
     return pattern->Match(text, 0, text.size(), re2::RE2::UNANCHORED, nullptr, 0);

@@ -10,8 +10,8 @@
 namespace tessum {
 
 // Whether texts hold `part`, which is UTF-8, in capital or small letters: two letters are alike
-// when Unicode's simple case folding makes them the same. No character of `part` has a meaning of
-// its own. Throws std::invalid_argument when it is too long to look for.
+// when Unicode's simple case folding makes them the same, and a sharp s is like ss. No character of
+// `part` has a meaning of its own. Throws std::invalid_argument when it is too long to look for.
 [[nodiscard]] TextTest holding(const std::string& part);
 
 // Words and phrases that are looked for together, in any order. Not thread-safe.

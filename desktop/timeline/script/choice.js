@@ -1,9 +1,10 @@
 
 // Which sessions are shown: those that pass the filter, of applications and categories that are on.
 
-// Letters as a filter compares them: capital as small ones, and without marks.
+// Letters as a filter compares them: small as capital ones, of which each letter has just one, and
+// without marks.
 function folded(text) {
-  return text.normalize('NFKD').replace(/\p{M}/gu, '').toLowerCase();
+  return text.normalize('NFKD').replace(/\p{M}/gu, '').toUpperCase();
 }
 
 // The words of a filter, "two words" in quotation marks as one.

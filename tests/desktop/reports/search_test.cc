@@ -58,6 +58,11 @@ TEST_F(Search, IsForAllWordsInAnyOrder) {
 TEST_F(Search, TakesEveryCharacterForItselfAndEveryLetterInBothCases) {
   EXPECT_EQ(found({"\u00e4PFEL"}), "Found  30m in 1 session");
   EXPECT_EQ(found({"\u03bf\u0394\u038c\u03a3"}), "Found  30m in 1 session");
+  user.addSession("Maps", "Hauptstra\u00dfe \\ss+", "2025-03-07T10:00:00Z", "2025-03-07T10:20:00Z");
+  for (const char* word : {"HAUPTSTRASSE", "hauptstrasse", "hauptstra\u00dfe", "HAUPTSTRA\u1e9eE",
+                           "\\SS", "\\\u00df+"}) {
+    EXPECT_EQ(found({word}), "Found  20m in 1 session") << word;
+  }
   EXPECT_EQ(found({"%"}), "Found  30m in 1 session");
   EXPECT_EQ(found({"_"}), "Nothing was found.");
   EXPECT_EQ(found({"Pu.l"}), "Nothing was found.");

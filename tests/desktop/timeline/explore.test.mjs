@@ -22,7 +22,7 @@ before(() => {
     ['Music', '', '2025-03-03T22:00:00Z', '2025-03-04T02:00:00Z'], // over midnight
     ['Editor', 'main.cc', '2025-03-04T09:00:00Z', '2025-03-04T11:00:00Z'],
     ['Browser', kMarkup, '2025-03-04T11:00:00Z', '2025-03-04T12:00:00Z'],
-    ['Terminal', 'Über das Öffnen', '2025-03-04T12:00:00Z', '2025-03-04T13:00:00Z'],
+    ['Terminal', 'Über das große Öffnen der Σισμοί', '2025-03-04T12:00:00Z', '2025-03-04T13:00:00Z'],
     ['Editor', 'day.cc', '2025-03-05T10:00:00Z', '2025-03-05T11:00:00Z'],
   ], [
     ['Review of the budget', '2025-03-04T09:00:00Z', '2025-03-04T12:00:00Z'],
@@ -66,7 +66,7 @@ explore('a day shows its totals', async (page) => {
   await page.until(isSum('6h 0m in 4 sessions'));
   await page.until(areRows('Applications', ['Editor 2h 0m', 'Music 2h 0m', 'Browser 1h 0m', 'Terminal 1h 0m']));
   await page.until(areRows('Categories', ['Uncategorised 3h 0m', 'Work 3h 0m']));
-  await page.until(areRows('Titles', ['main.cc 2h 0m', 'Without a title 2h 0m', `${kMarkup} 1h 0m`, 'Über das Öffnen 1h 0m']));
+  await page.until(areRows('Titles', ['main.cc 2h 0m', 'Without a title 2h 0m', `${kMarkup} 1h 0m`, 'Über das große Öffnen der Σισμοί 1h 0m']));
 });
 
 explore('the wheel zooms around the pointer, and moves with Shift', async (page) => {
@@ -123,7 +123,7 @@ explore('the filter narrows the chart and the totals', async (page) => {
   await page.key('Escape');
   await page.until(isSum('6h 0m in 4 sessions'));
   await page.key('/');
-  await page.type('offnen terminal'); // without its marks, in any order
+  await page.type('offnen GROSSE terminal σις'); // without its marks, in any order
   await page.until(areRows('Applications', ['Terminal 1h 0m']));
   await page.clickOn('#reset');
   await page.until(isSum('6h 0m in 4 sessions'));
@@ -157,7 +157,7 @@ explore('a click keeps the details, and a title with markup is text', async (pag
   assert.equal(await page.value('document.images.length'), 0);
   assert.equal(await page.value('document.querySelectorAll("#details b").length'), 0);
   await page.key('.');
-  await page.until('document.getElementById("details").textContent.includes("Über das Öffnen")');
+  await page.until('document.getElementById("details").textContent.includes("Über das große Öffnen der Σισμοί")');
   await page.key('Escape');
   await page.until('document.getElementById("details").hidden');
 });
