@@ -47,9 +47,10 @@ Subject subjectOf(const Host& host, const ReportOptions& options, const Settings
 DayHistory filteredDay(History& history, const Subject& subject, const CalendarDate& date,
                        CategoryFinder& categories) {
   DayHistory day = readDay(history, subject.days, date, subject.now);
-  std::erase_if(day.sessions, [&](const Activity& session) {
+  const auto leftOut = std::erase_if(day.sessions, [&](const Activity& session) {
     return !passes(subject.filter, session, categories);
   });
+  day.leavesOutSome = leftOut > 0;
   if (!subject.filter.isEmpty()) day.away.clear();  // the other sessions fill the time between
   return day;
 }
@@ -59,15 +60,18 @@ void printDays(History& history, const Subject& subject, CategoryFinder& categor
   const Paper paper = standardOutputPaper();
   const Period recorded = recordedDays(history, subject.period, subject.days, subject.now);
   const char* separator = "";
+  bool leavesOutSome = false;
   for (CalendarDate date = recorded.first; daysBetween(date, recorded.last) >= 0;
        date = daysAfter(date, 1)) {
     const DayHistory day = filteredDay(history, subject, date, categories);
+    leavesOutSome = leavesOutSome || day.leavesOutSome;
     if (day.sessions.empty() && day.notes.empty()) continue;
     print(separator + dayReport(day, paper));
     separator = "\n";
   }
   if (*separator == '\0') {
-    print(longPeriodText(subject.period) + "\n\nNothing was recorded on these days.\n");
+    print(longPeriodText(subject.period) + "\n\n" +
+          nothingRecordedText(leavesOutSome, dayCount(subject.period)) + "\n");
   }
 }
 

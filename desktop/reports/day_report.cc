@@ -163,13 +163,20 @@ std::vector<AppUsageSummary> usageOf(std::span<const Activity> sessions, Date no
   return summaries;
 }
 
+std::string nothingRecordedText(bool leavesOutSome, int dayCount) {
+  return std::string(leavesOutSome ? "No such session" : "Nothing") + " was recorded on " +
+         (dayCount == 1 ? "this day." : "these days.");
+}
+
 std::string dayReport(const DayHistory& history, const Paper& paper) {
   std::string text = heading(history, paper);
   if (!history.notes.empty()) {
     text += "\n" + toned("Notes", Tone::strong, paper) + "\n" +
             notesTable(history.notes, history.day, history.now, paper);
   }
-  if (history.sessions.empty()) return text + "\nNothing was recorded on this day.\n";
+  if (history.sessions.empty()) {
+    return text + "\n" + nothingRecordedText(history.leavesOutSome, 1) + "\n";
+  }
 
   text += "\n" + toned("Applications", Tone::strong, paper) + "\n" +
           usageTable(history.sessions, history.now, paper);

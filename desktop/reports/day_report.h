@@ -22,6 +22,7 @@ struct DayHistory {
   std::vector<DayRange> away = {};  // the times between sessions, of a minute or longer
   std::vector<Annotation> notes;    // that overlap it, whole
   Date now;                         // open sessions and notes count up to here
+  bool leavesOutSome = false;       // whether a filter left out sessions
 };
 
 [[nodiscard]] DayHistory readDay(History& history, const ReportDays& days, const CalendarDate& date,
@@ -48,6 +49,9 @@ struct DayHistory {
 
 // Each report is a heading and a line for each entry, or a sentence when there are none. Each ends
 // in a line feed.
+// What a report of so many days says when it has no session, perhaps since a filter left some out.
+[[nodiscard]] std::string nothingRecordedText(bool leavesOutSome, int dayCount);
+
 [[nodiscard]] std::string dayReport(const DayHistory& history, const Paper& paper);
 
 // The notes of `period`, which is `range`; those of several days with their dates.

@@ -4,6 +4,7 @@
 
 #include "core/store/records.h"
 #include "desktop/reports/calendar_dates.h"
+#include "desktop/reports/day_report.h"
 #include "desktop/reports/text_layout.h"
 #include "desktop/reports/wall_clock.h"
 #include "desktop/timeline/app_rows.h"
@@ -54,22 +55,24 @@ std::string narrowingLine(const TimelineHistory& history) {
 
 // What to do about a period without any record.
 std::string advice(const TimelineHistory& history) {
-  const std::string days = dayCount(history.period) == 1 ? "this day" : "these days";
+  const std::string nothing = "<p class=\"advice\">" +
+                              nothingRecordedText(history.leftOut > 0, dayCount(history.period)) +
+                              "</p>\n";
   if (history.leftOut > 0) {
-    return "<p class=\"advice\">No such session was recorded on " + days +
-           ".</p>\n<p>Without <code>--app</code>, <code>--title</code> and "
+    return nothing +
+           "<p>Without <code>--app</code>, <code>--title</code> and "
            "<code>--category</code> the page shows all of them. <code>Tessum search WORD</code> "
            "finds titles and applications of any day.</p>\n";
   }
-  std::string text = "<p class=\"advice\">Nothing was recorded on " + days + ".</p>\n<p>";
   if (!history.beginnings) {
-    return text +
-           "<code>Tessum record</code> writes the history from now on; <code>Tessum doctor</code> "
+    return nothing +
+           "<p><code>Tessum record</code> writes the history from now on; <code>Tessum "
+           "doctor</code> "
            "finds out what keeps it from working.</p>\n";
   }
   const std::string first = dateText(history.beginnings->start);
   const std::string last = dateText(history.beginnings->end);
-  return text + "The history begins on " + first + " and reaches to " + last +
+  return nothing + "<p>The history begins on " + first + " and reaches to " + last +
          ". Try <code>Tessum timeline " + last +
          "</code>, or <code>Tessum status</code> to see whether it is being recorded now.</p>\n";
 }

@@ -23,14 +23,19 @@ Texts textsFor(const std::vector<Grouping>& by, const SessionFilter& filter) {
   return filter.appName || holds(by, Grouping::app) ? Texts::application : Texts::none;
 }
 
-// Visits the sessions of `range` that pass `filter`, with the time that they spend in it.
+// Visits the sessions of `range` that pass `filter`, with the time that they spend in it. Returns
+// whether any does not pass.
 template <typename Visit>
-void visit(History& history, const DayRange& range, Date now, const SessionFilter& filter,
+bool visit(History& history, const DayRange& range, Date now, const SessionFilter& filter,
            Texts texts, CategoryFinder& categories, const Visit& visit) {
+  bool leavesOutSome = false;
   history.visitSessionsIn(
       range, now,
       [&](const Activity& session) {
-        if (!passes(filter, session, categories)) return;
+        if (!passes(filter, session, categories)) {
+          leavesOutSome = true;
+          return;
+        }
         const double start =
             std::max(session.startTime.secondsSince1970, range.start.secondsSince1970);
         const double end =
@@ -38,6 +43,7 @@ void visit(History& history, const DayRange& range, Date now, const SessionFilte
         visit(session, {start}, {end});
       },
       texts);
+  return leavesOutSome;
 }
 
 void sortBySize(std::vector<UsageGroup>& groups) {
@@ -102,7 +108,8 @@ Usage readUsage(History& history, const ReportDays& days, const Rules& rules,
               .groups = {},
               .uncategorised = {},
               .days = {},
-              .before = {}};
+              .before = {},
+              .leavesOutSome = false};
   CategoryFinder categories(rules);
   const auto notes =
       holds(query.by, Grouping::note) ? history.notesIn(usage.range) : std::vector<Annotation>();
@@ -114,11 +121,12 @@ Usage readUsage(History& history, const ReportDays& days, const Rules& rules,
   UsageTally tally(makeDimension(query.by[0], sources), std::move(second));
   UsageTally dayTally(makeDimension(Grouping::day, sources));
   const bool isOneDay = dayCount(query.period) == 1;
-  visit(history, usage.range, now, query.filter, textsFor(query.by, query.filter), categories,
-        [&](const Activity& session, Date start, Date end) {
-          tally.add(session, start, end);
-          if (!isOneDay) dayTally.add(session, start, end);
-        });
+  usage.leavesOutSome =
+      visit(history, usage.range, now, query.filter, textsFor(query.by, query.filter), categories,
+            [&](const Activity& session, Date start, Date end) {
+              tally.add(session, start, end);
+              if (!isOneDay) dayTally.add(session, start, end);
+            });
   usage.total = tally.total();
   usage.groups = tally.groups();
   if (isByCategory) usage.uncategorised = takeUncategorised(usage.groups);

@@ -28,6 +28,7 @@ struct Usage {
   std::vector<UsageGroup> uncategorised;  // the titles without a category, by category alone
   std::vector<UsageGroup> days;           // those on which something can have been recorded
   std::optional<Total> before;            // of as many days right before; absent before year 1
+  bool leavesOutSome = false;             // whether the filter left out sessions
 };
 
 // Reads through the sessions of the period, and of as many days before one of several days.

@@ -6,6 +6,7 @@
 
 #include "core/store/records.h"
 #include "desktop/reports/calendar_dates.h"
+#include "desktop/reports/day_report.h"
 
 namespace tessum {
 namespace {
@@ -139,7 +140,7 @@ std::string usageReport(const Usage& usage, const std::vector<Grouping>& by, std
   std::string text = heading(usage.period, usage.total, paper) + "\n";
   const bool isOneDay = dayCount(usage.period) == 1;
   if (usage.total.sessions == 0) {
-    return text + "Nothing was recorded on " + (isOneDay ? "this day.\n" : "these days.\n");
+    return text + nothingRecordedText(usage.leavesOutSome, dayCount(usage.period)) + "\n";
   }
   if (!isOneDay) {
     text += dayTable(usage.days, usage.period.first, paper) + "\n" + averageText(usage) + "\n";

@@ -124,6 +124,8 @@ TEST_F(Reports, NotesOfADayThatTheyReachIntoSayTheirDate) {
 
 TEST_F(Reports, ADayShowsNoTimesAwayBetweenSomeOfItsSessions) {
   EXPECT_FALSE(contains(user.run({"day", "2025-03-04", "--app", "Editor"}).output, "away"));
+  EXPECT_TRUE(contains(user.run({"day", "2025-03-04", "--app", "Music"}).output,
+                       "\nNo such session was recorded on this day.\n"));
   user.addSession("Editor", nullptr, "2025-06-01T08:00:00Z", "2025-06-01T09:00:00Z");
   user.addSession("Other", nullptr, "2025-06-01T08:10:00Z", "2025-06-01T08:20:00Z");
   user.addSession("Editor", nullptr, "2025-06-01T09:00:59Z", "2025-06-01T10:00:00Z");

@@ -144,6 +144,8 @@ TEST_F(UsageCommand, OfDaysWithoutRecordsSaysSo) {
   EXPECT_EQ(user.run({"usage", "2024"}).output,
             "Monday, 1 January 2024 to Tuesday, 31 December 2024\n\n"
             "Nothing was recorded on these days.\n");
+  EXPECT_EQ(user.run({"usage", "2025-03-03", "--app", "Music"}).output,
+            "Monday, 3 March 2025\n\nNo such session was recorded on this day.\n");
   EXPECT_EQ(user.run({"usage", "9999"}).status, 0);
   EXPECT_EQ(user.run({"usage", "0001..9999"}).status, 0);
 }
