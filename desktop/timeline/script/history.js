@@ -102,12 +102,12 @@ class History {
     return ticks;
   }
 
-  // "09:15–10:00" on one day, otherwise with the days.
+  // "09:15–10:00" on the only day of the period, otherwise with the days.
   span(start, end, isOpen = false) {
     const first = this.days[this.dayAt(start)];
     const last = this.days[this.dayAt(Math.max(start, end - 1))];
     const to = isOpen ? 'now' : this.clock(end);
-    if (first === last) return `${this.clock(start)}–${to}`;
+    if (first === last) return `${this.days.length > 1 ? `${first.short} ` : ''}${this.clock(start)}–${to}`;
     return `${first.short} ${this.clock(start)} – ${isOpen ? '' : `${last.short} `}${to}`;
   }
 }

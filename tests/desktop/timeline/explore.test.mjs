@@ -204,6 +204,8 @@ explore('days of the period follow each other, and a night is on both', async (p
   assert.equal(await page.value('document.getElementById("next").disabled'), true);
   await page.key('[');
   await page.until(`${shown} === 'Tue 4 Mar'`);
+  await page.key('+');
+  await page.until(`/^Tue 4 Mar \\d\\d:\\d\\d–\\d\\d:\\d\\d$/.test(${shown})`); // a part of it
   await page.clickOn('#whole');
   await page.until(`${shown} === 'Mon 3 Mar – Wed 5 Mar'`);
 }, { isWeek: true });
