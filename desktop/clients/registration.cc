@@ -60,7 +60,8 @@ RegistrationChange rewrite(const RegistrationFile& file, const json::Value& entr
   const auto bytes = bytesOf(file.path, host.files);
   const RewrittenText edited = editorFor(file.format)->rewritten(bytes.value_or(""), entry);
   RegistrationChange change{.outcome = Outcome::changed,
-                            .difference = textDifference(file.path, bytes, edited.text)};
+                            .difference = textDifference(file.path, bytes, edited.text),
+                            .text = edited.text};
   if (isDryRun) return change;
   if (edited.isLossy) change.copy = keepCopy(host.files, file.path, *bytes);
   keepRecord(file.path, {.addition = {.hasContainer = edited.hasContainer}}, host);
@@ -108,7 +109,8 @@ RegistrationChange registerIn(const RegistrationFile& file, const RegistrationOp
       write(file.path, edited.text, host.files);
     }
     return {.outcome = Outcome::changed,
-            .difference = textDifference(file.path, bytes, edited.text)};
+            .difference = textDifference(file.path, bytes, edited.text),
+            .text = edited.text};
   } catch (const CannotEdit& refusal) {
     if (options.isRewrite) return rewrite(file, entry, options.isDryRun, host);
     return {.outcome = Outcome::refused,

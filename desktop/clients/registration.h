@@ -42,6 +42,7 @@ struct RegistrationChange {
   };
   Outcome outcome = Outcome::unchanged;
   std::string difference = {};  // of the file's lines, as "diff -u" shows it; only when changed
+  std::string text = {};        // of the file from then on; only when registering has changed it
   std::string copy = {};        // the path of the copy kept aside; empty when there is none
   std::string problem =
       {};  // why it was refused, and the lines to paste or to take out; else empty

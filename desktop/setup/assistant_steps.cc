@@ -1,10 +1,12 @@
 #include "desktop/setup/assistant_steps.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
 
 #include "desktop/clients/assistants.h"
+#include "desktop/clients/edit/text_difference.h"
 #include "desktop/clients/registration.h"
 #include "desktop/reports/text_layout.h"
 
@@ -37,21 +39,51 @@ std::vector<std::string> differenceLines(std::string_view text) {
   return lines;
 }
 
-// What registering, or `unregisterFrom`, would change; nothing where it would fail, because the
-// attempt itself says why.
+// What registering, or `unregisterFrom`, would change, or why it is refused; nothing where it would
+// fail, because the attempt itself says why.
 std::vector<std::string> differenceBy(decltype(registerIn) change, const Assistant& assistant,
                                       const Host& host) {
   try {
-    return differenceLines(change(fileOf(assistant), {.isDryRun = true}, host).difference);
+    const auto planned = change(fileOf(assistant), {.isDryRun = true}, host);
+    return differenceLines(planned.outcome == Outcome::refused ? planned.problem
+                                                               : planned.difference);
   } catch (const std::exception&) {
     return {};
   }
 }
 
+// The change that registering will make. The file is noted as a whole where an entry is replaced,
+// because in TOML an entry can be spread over it. Throws where registering is refused.
+SetupChange changeBy(const Assistant& assistant, const Host& host) {
+  const auto planned = registerIn(fileOf(assistant), {.isDryRun = true}, host);
+  if (planned.outcome == Outcome::refused) throw std::runtime_error(planned.problem);
+  SetupChange change{.kind = SetupChange::Kind::assistant, .target = std::string(assistant.id)};
+  if (registrationIn(fileOf(assistant), host).entry) {
+    change.content = planned.text;
+    change.before = host.files.read(assistant.files.front());
+  }
+  return change;
+}
+
+bool isNoted(const SetupChange& change, const SetupChanges& changes) {
+  return std::any_of(changes.all().begin(), changes.all().end(), [&](const SetupChange& noted) {
+    return noted.kind == change.kind && noted.target == change.target;
+  });
+}
+
 void inform(const Assistant& assistant, const Host& host, SetupChanges& changes) {
-  changes.add({.kind = SetupChange::Kind::assistant, .target = std::string(assistant.id)});
-  const auto change = registerIn(fileOf(assistant), {}, host);
-  if (change.outcome == Outcome::refused) throw std::runtime_error(change.problem);
+  const SetupChange change = changeBy(assistant, host);
+  // What was there before the first time is what is put back.
+  if (!isNoted(change, changes)) changes.add(change);
+  static_cast<void>(registerIn(fileOf(assistant), {}, host));
+}
+
+// Whether an entry was replaced, and the file has not changed since.
+bool canPutBack(const SetupChange& change, const Assistant& assistant, const Host& host) {
+  const std::string& path = assistant.files.front();
+  if (!change.before || !host.files.exists(path)) return false;
+  const std::string text = host.files.read(path);
+  return text == change.content || text == *change.before;
 }
 
 // Those that are here and are not informed.
@@ -83,17 +115,27 @@ std::vector<SetupStep> assistantSteps(const Host& host) {
 std::vector<std::string> undoDifference(const SetupChange& change, const Host& host) {
   const auto assistant = assistantNamed(change.target, host.locations);
   if (!assistant) return {};
+  const std::string& path = assistant->files.front();
+  if (canPutBack(change, *assistant, host)) {
+    return linesOf(textDifference(path, host.files.read(path), change.before));
+  }
   return differenceBy(unregisterFrom, *assistant, host);
 }
 
-std::string assistantName(const SetupChange& change, const Host& host) {
+std::string undoPlan(const SetupChange& change, const Host& host) {
   const auto assistant = assistantNamed(change.target, host.locations);
-  return assistant ? std::string(assistant->name) : change.target;
+  if (!assistant) return "remove Tessum from " + change.target;
+  const std::string name(assistant->name);
+  return canPutBack(change, *assistant, host) ? "put back the entry that " + name + " had before"
+                                              : "remove Tessum from " + name;
 }
 
 void takeBackRegistration(const SetupChange& change, const Host& host) {
   const auto assistant = assistantNamed(change.target, host.locations);
   if (!assistant) return;
+  if (canPutBack(change, *assistant, host)) {
+    return host.files.replace(assistant->files.front(), *change.before);
+  }
   const auto taken = unregisterFrom(fileOf(*assistant), {}, host);
   if (taken.outcome == Outcome::refused) throw std::runtime_error(taken.problem);
 }

@@ -23,7 +23,8 @@ struct SetupChange {
     service,         // the service `target` was started
     recorder,        // one was started; `content` tells of the one that ran before, if any
     shellExtension,  // the extension `target` of GNOME Shell was turned on
-    assistant,       // Tessum was registered with the assistant `target`
+    assistant,       // Tessum was registered with the assistant `target`; where its entry replaced
+                     // one, the assistant's file holds `content`, and held `before`
   };
 
   Kind kind = Kind::file;

@@ -64,7 +64,7 @@ std::string planOf(const Host& host, const SetupChange& change) {
     case Kind::shellExtension:
       return "turn off the extension " + change.target + " of GNOME Shell";
     case Kind::assistant:
-      return "remove Tessum from " + assistantName(change, host);
+      return undoPlan(change, host);
     case Kind::file:
       return (change.before ? "put back " : "remove ") + change.target;
     case Kind::folder:

@@ -11,9 +11,10 @@
 namespace tessum {
 
 struct SetupStep {
-  std::string plan;                          // what it does, as "start recording now"
-  std::vector<std::string> details;          // of the plan, each a line
-  std::vector<std::string> difference = {};  // to a file of another's, as lines of "diff -u"
+  std::string plan;                  // what it does, as "start recording now"
+  std::vector<std::string> details;  // of the plan, each a line
+  // To a file of another's, as lines of "diff -u"; or why that file cannot be changed.
+  std::vector<std::string> difference = {};
   // Does it, and notes what it changes. Throws what the system refuses, as std::system_error or
   // std::runtime_error.
   std::function<void(SetupChanges& changes)> carryOut;

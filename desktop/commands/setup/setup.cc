@@ -65,7 +65,7 @@ void carryOut(Host& host, const std::vector<SetupStep>& steps, SetupChanges& cha
     try {
       step.carryOut(changes);
     } catch (const std::exception& error) {
-      complain(printable("could not " + step.plan + ": " + error.what()) + "\n");
+      complain(printableLines("could not " + step.plan + ": " + error.what()) + "\n");
       host.status = kFailure;
     }
   }
@@ -96,12 +96,18 @@ std::string reasonText() {
   return text + "\n\"Tessum record\" in a terminal of your desktop says more.\n";
 }
 
+// Why there is no session yet, though a recorder runs.
+std::string waitingText(const RecorderState& recorder, Date now) {
+  if (!recorder.notice.empty()) return printable(recorder.notice);
+  if (!recorder.awaySince) return "it begins when a window is in front";
+  return "you count as away, " + sinceText(*recorder.awaySince, now) +
+         "; it begins when you touch a key or the mouse";
+}
+
 std::string sessionLine(const FirstSession& found, const Overview& state) {
   if (found.session) return "  First session  " + sessionText(*found.session) + "\n";
   if (state.pause || !found.isRecording) return "";
-  const std::string& notice = state.recorder.notice;
-  return "  First session  none yet; " +
-         (notice.empty() ? "it begins when a window is in front" : printable(notice)) + "\n";
+  return "  First session  none yet; " + waitingText(state.recorder, state.now) + "\n";
 }
 
 // Reads back what was set up, and waits for the first session for `seconds`. Nothing recording is a

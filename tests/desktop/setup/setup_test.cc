@@ -1,15 +1,4 @@
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <filesystem>
-#include <map>
-#include <string>
-#include <vector>
-
-#include "tests/desktop/user.h"
-#include "tests/support/desktop/x11_desktop.h"
-#include "tests/support/eventually.h"
-#include "tests/support/sql.h"
+#include "tests/desktop/setup/setup_fixture.h"
 
 namespace tessum {
 namespace {
@@ -24,81 +13,6 @@ case $2 in
   stop) kill "$(cat "$HOME/process")" ;;
 esac
 )script";
-
-// Each path below `folder`, with its permissions and what it holds.
-std::map<std::string, std::string> listing(const std::string& folder) {
-  std::map<std::string, std::string> entries;
-  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    struct stat status {};
-    lstat(entry.path().c_str(), &status);
-    std::string text = std::to_string(status.st_mode) + " ";
-    if (entry.is_symlink()) {
-      text += fs::read_symlink(entry.path()).string();
-    } else if (entry.is_regular_file()) {
-      text += readFile(entry.path());
-    }
-    entries[entry.path().lexically_relative(folder).string()] = text;
-  }
-  return entries;
-}
-
-// A person on an X11 desktop with a terminal in front, and without systemd: the program that speaks
-// to it is not there, or is `systemctl` where a test writes one.
-class Setup : public testing::Test {
- protected:
-  Setup() {
-    fs::create_directory(desktop.home().file("bin"));
-    fs::create_symlink("/usr/bin/cat", tool("cat"));
-  }
-
-  // Ends a recorder that a test has left behind.
-  ~Setup() override { run({"setup", "--undo", "--yes"}); }
-
-  std::string tool(const std::string& name) const { return desktop.home().file("bin/" + name); }
-  std::string config(const std::string& name) const {
-    return desktop.home().file("config/" + name);
-  }
-
-  void openTerminal() {
-    desktop.startWindowManager();
-    terminal_ = desktop.start("xterm", {"-T", "Letter"});
-    ASSERT_TRUE(eventually([&] { return desktop.activeWindow() != 0; }));
-  }
-
-  std::unique_ptr<ChildProcess> start(const std::vector<std::string>& arguments,
-                                      const std::vector<std::string>& more = {}) const {
-    std::vector<std::string> environment = more;  // of two values the first counts
-    environment.push_back("PATH=" + desktop.home().file("bin"));
-    environment.push_back("XDG_RUNTIME_DIR=" + desktop.home().file("run"));
-    environment.push_back("DBUS_SESSION_BUS_ADDRESS=unix:path=" + desktop.home().file("run/bus"));
-    environment.push_back("XDG_DATA_DIRS=" + desktop.home().file("share"));
-    return desktop.start(hostProgram(), arguments, environment);
-  }
-
-  Outcome run(const std::vector<std::string>& arguments, std::string_view input = "",
-              const std::vector<std::string>& more = {}) const {
-    const auto program = start(arguments, more);
-    program->write(input);
-    return outcomeOf(*program);
-  }
-
-  // What setup and its undoing must leave as it is: all but the history.
-  std::map<std::string, std::string> home() const {
-    auto entries = listing(desktop.home().path());
-    for (const char* path :
-         {"data", "data/Tessum", "data/Tessum/activities.db", "data/Tessum/recorder.lock"}) {
-      entries.erase(path);
-    }
-    return entries;
-  }
-
-  bool isRecording() const { return bool(contains(run({"status"}).output, "Recording  yes")); }
-
-  Desktop desktop;
-
- private:
-  std::unique_ptr<ChildProcess> terminal_;
-};
 
 TEST_F(Setup, RecordsFromNowAndFromEachLoginOn) {
   openTerminal();
@@ -177,32 +91,6 @@ TEST_F(Setup, AsksOnceAndUndoesOnlyAfterAYesToo) {
   EXPECT_TRUE(isRecording());
 }
 
-TEST_F(Setup, RegistersWithTheAssistantsThatAreHere) {
-  openTerminal();
-  EXPECT_TRUE(contains(run({"status"}).output, "Clients    none was found"));
-  fs::create_directories(desktop.home().file(".cursor"));
-  EXPECT_TRUE(contains(run({"status"}).output, "Clients    Cursor does not know of Tessum"));
-  EXPECT_TRUE(contains(run({"setup", "--dry-run"}).output, "+    \"tessum\": {"));
-  const Outcome outcome = run({"setup", "--yes"});
-  EXPECT_EQ(outcome.status, 0) << outcome.errors;
-  EXPECT_TRUE(contains(outcome.output, "- tell Cursor of Tessum\n      " +
-                                           desktop.home().file(".cursor/mcp.json") + "\n"));
-  EXPECT_TRUE(contains(outcome.output, "Cursor knows of Tessum; restart those that are running"));
-  EXPECT_FALSE(fs::exists(desktop.home().file(".codeium"))) << "an assistant that is not here";
-  EXPECT_TRUE(contains(run({"doctor"}).output, "ok   Cursor knows of Tessum."));
-}
-
-// An entry that the user chose is not setup's to take.
-TEST_F(Setup, LeavesARegistrationThatWasThereBefore) {
-  openTerminal();
-  ASSERT_EQ(run({"install", "cursor", "--http"}).status, 0);
-  const std::string file = readFile(desktop.home().file(".cursor/mcp.json"));
-  ASSERT_EQ(run({"setup", "--yes"}).status, 0);
-  EXPECT_EQ(readFile(desktop.home().file(".cursor/mcp.json")), file);
-  ASSERT_EQ(run({"setup", "--undo", "--yes"}).status, 0);
-  EXPECT_EQ(readFile(desktop.home().file(".cursor/mcp.json")), file);
-}
-
 TEST_F(Setup, KeepsWhatWasThereAndWhatWasEditedSince) {
   openTerminal();
   fs::create_directories(config("Tessum"));
@@ -219,7 +107,7 @@ TEST_F(Setup, KeepsWhatWasThereAndWhatWasEditedSince) {
 
 TEST_F(Setup, LeavesARecorderAloneThatRanBefore) {
   openTerminal();
-  const auto recorder = start({"record", "--no-update-check"});
+  const auto recorder = start(hostProgram(), {"record", "--no-update-check"});
   ASSERT_TRUE(eventually([&] { return isRecording(); }));
   const Outcome outcome = run({"setup", "--yes"});
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
@@ -240,6 +128,28 @@ TEST_F(Setup, MendsAnEntryWhoseProgramIsGoneAndPutsItBack) {
   EXPECT_EQ(readFile(entry), stale);
 }
 
+TEST_F(Setup, SaysOnATerminalWhatItWaitsFor) {
+  openTerminal();
+  const auto program =
+      start("/usr/bin/script", {"-qec", hostProgram() + " setup --yes", "/dev/null"});
+  const Outcome outcome = outcomeOf(*program);
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  const auto waiting = outcome.output.find("Waiting for the first session ...\r\033[K");
+  ASSERT_NE(waiting, std::string::npos) << outcome.output;
+  EXPECT_LT(waiting, outcome.output.find("First session  XTerm"));
+}
+
+TEST_F(Setup, SaysThatNoSessionBeginsWhileTheUserIsAway) {
+  openTerminal();
+  fs::create_directories(config("Tessum"));
+  writeFile(config("Tessum/settings.toml"), "[record]\naway-after = \"1s\"\n");
+  desktop.run("xdotool", {"search", "--sync", "--name", "Letter", "windowminimize"});
+  ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == 0; }));
+  const Outcome outcome = run({"setup", "--yes"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_TRUE(contains(outcome.output, "First session  none yet; you count as away, since "));
+}
+
 TEST_F(Setup, SaysWhyNothingRecordsWhereThereIsNoDesktop) {
   const Outcome outcome = run({"setup", "--yes"}, "", {"DISPLAY="});
   EXPECT_EQ(outcome.status, 1);
@@ -254,8 +164,7 @@ TEST_F(Setup, SaysWhichLineACompositorNeedsThatStartsNoEntries) {
                                            hostProgram() + " record"));
 }
 
-// A stand-in for systemd's command, which notes its calls; tests/desktop/setup/with-systemd runs
-// the real one.
+// tests/package/setup-trial.sh runs the real systemd.
 TEST_F(Setup, LeavesTheRecorderToSystemdWhereTheSessionRunsItsTarget) {
   openTerminal();
   writeFile(tool("systemctl"), kSystemctl);
