@@ -178,11 +178,13 @@ void takeBackOnDisk(const SetupChange& change, const Host& host) {
   }
   if (change.kind != Kind::file || isEditedSince(change, host)) return;
   if (change.before) {
-    host.files.replace(change.target, *change.before);
-  } else {
-    fs::remove(change.target, error);
-    if (error) throw std::system_error(error, "Cannot remove " + change.target);
+    return host.files.replace(change.target, *change.before);
   }
+  // Behind a symbolic link it is the file that was made.
+  const fs::path made = fs::canonical(change.target, error);
+  if (error == std::errc::no_such_file_or_directory) return;
+  if (!error) fs::remove(made, error);
+  if (error) throw std::system_error(error, "Cannot remove " + change.target);
 }
 
 }  // namespace tessum

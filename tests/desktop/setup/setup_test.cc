@@ -105,6 +105,20 @@ TEST_F(Setup, KeepsWhatWasThereAndWhatWasEditedSince) {
   EXPECT_TRUE(contains(readFile(entry), "X-Mine=true\n"));
 }
 
+TEST_F(Setup, LeavesLinksThatLedToNothingAsTheyWere) {
+  openTerminal();
+  fs::create_directories(config("autostart"));
+  fs::create_directories(config("Tessum"));
+  fs::create_symlink("../elsewhere.desktop", config("autostart/tessum-record.desktop"));
+  fs::create_symlink("/nowhere/settings.toml", config("Tessum/settings.toml"));
+  const auto before = home();
+  EXPECT_EQ(run({"setup", "--yes"}).status, 1) << "the settings file cannot be written";
+  EXPECT_TRUE(contains(readFile(config("elsewhere.desktop")), "Exec="));
+  const Outcome outcome = run({"setup", "--undo", "--yes"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_EQ(home(), before);
+}
+
 TEST_F(Setup, LeavesARecorderAloneThatRanBefore) {
   openTerminal();
   const auto recorder = start(hostProgram(), {"record", "--no-update-check"});
