@@ -21,10 +21,9 @@
 namespace tessum {
 namespace {
 
-std::string mark(const Finding& finding, const Paper& paper) {
-  if (finding.isProblem()) return toned("  BAD", Tone::bad, paper);
-  return finding.isAdviceOnly ? toned("  tip", Tone::accent, paper)
-                              : toned("  ok ", Tone::good, paper);
+Table::Cell mark(const Finding& finding) {
+  if (finding.isProblem()) return {"BAD", Tone::bad};
+  return finding.isAdviceOnly ? Table::Cell{"tip", Tone::accent} : Table::Cell{"ok ", Tone::good};
 }
 
 void examine(Host& host, bool isData) {
@@ -43,13 +42,14 @@ void examine(Host& host, bool isData) {
                                  [](const Finding& finding) { return finding.isProblem(); });
   if (isBad) host.status = kFailure;
   if (isData) return printForeign(doctorData(findings));
-  const Paper paper = standardOutputPaper();
-  std::string text;
+  using enum Table::Alignment;
+  Table table({left, left});
   for (const Finding& finding : findings) {
-    text += mark(finding, paper) + "  " + printable(finding.text) + "\n";
-    if (!finding.remedy.empty()) text += "         " + printable(finding.remedy) + "\n";
+    table.addRow({mark(finding), {finding.text, Tone::plain, Table::Fit::wrap}});
+    if (finding.remedy.empty()) continue;
+    table.addRow({{""}, {finding.remedy, Tone::plain, Table::Fit::wrap}});
   }
-  print(text);
+  print(table.text(standardOutputPaper()));
 }
 
 // When `session` ends: after the given time or when the next session began, whichever comes first;

@@ -19,12 +19,6 @@ std::string totalText(std::span<const Activity> sessions, Date now) {
   return shortDuration(seconds) + " in " + counted(sessions.size(), "session");
 }
 
-std::string heading(const DayHistory& history, const Paper& paper) {
-  std::string text = toned(longDateText(history.date), Tone::strong, paper);
-  if (!history.sessions.empty()) text += "  " + totalText(history.sessions, history.now);
-  return text + "\n";
-}
-
 std::string endText(const std::optional<Date>& end) {
   return end ? clockText(*end) : "now";
 }
@@ -169,14 +163,16 @@ std::string nothingRecordedText(bool leavesOutSome, int dayCount) {
 }
 
 std::string dayReport(const DayHistory& history, const Paper& paper) {
-  std::string text = heading(history, paper);
+  const bool isEmpty = history.sessions.empty();
+  std::string text = heading(longDateText(history.date),
+                             isEmpty ? "" : totalText(history.sessions, history.now), paper);
   if (!history.notes.empty()) {
     text += "\n" + toned("Notes", Tone::strong, paper) + "\n" +
             notesTable(history.notes, history.day, history.now, paper);
   }
-  if (history.sessions.empty()) {
-    return text + "\n" + nothingRecordedText(history.leavesOutSome, 1) + "\n";
-  }
+  if (isEmpty) return text + "
+" + nothingRecordedText(history.leavesOutSome, 1) + "
+";
 
   text += "\n" + toned("Applications", Tone::strong, paper) + "\n" +
           usageTable(history.sessions, history.now, paper);
@@ -186,10 +182,12 @@ std::string dayReport(const DayHistory& history, const Paper& paper) {
 std::string notesReport(const Period& period, const DayRange& range,
                         std::span<const Annotation> notes, Date now, const Paper& paper) {
   const bool isOneDay = dayCount(period) == 1;
-  const std::string text = toned(longPeriodText(period), Tone::strong, paper) + "\n\n";
+  const std::string text = heading(longPeriodText(period), "", paper) + "\n";
   if (notes.empty()) {
-    return text + "There are no notes for " + (isOneDay ? "this day" : "these days") +
-           ". \"Tessum note TEXT\" makes one.\n";
+    return text +
+           paragraph("There are no notes for " + std::string(isOneDay ? "this day" : "these days") +
+                         ". \"Tessum note TEXT\" makes one.",
+                     paper);
   }
   return text + notesTable(notes, isOneDay ? std::optional(range) : std::nullopt, now, paper);
 }

@@ -180,6 +180,22 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t columns) {
   return lines;
 }
 
+std::string paragraph(std::string_view text, const Paper& paper) {
+  if (paper.columns == 0) return std::string(text) + "\n";
+  std::string lines;
+  for (const std::string& line : wrapped(text, paper.columns)) lines += line + "\n";
+  return lines;
+}
+
+std::string heading(const std::string& title, const std::string& rest, const Paper& paper) {
+  const std::string gap = rest.empty() ? "" : "  ";
+  if (paper.columns == 0 || displayWidth(title + gap + rest) <= paper.columns) {
+    return toned(title, Tone::strong, paper) + gap + rest + "\n";
+  }
+  return toned(paragraph(title, paper), Tone::strong, paper) +
+         (rest.empty() ? "" : paragraph(rest, paper));
+}
+
 std::string bar(double share, std::size_t columns, const Paper& paper) {
   // Parts of a column, the whole one last.
   constexpr std::string_view kBlocks[] = {"▏", "▎", "▍", "▌", "▋", "▊", "▉", "█"};

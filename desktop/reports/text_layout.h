@@ -55,6 +55,14 @@ struct Paper {
 // except one with a slash: that may be a path, and stays whole.
 [[nodiscard]] std::vector<std::string> wrapped(std::string_view text, std::size_t columns);
 
+// `text` in as many lines as the paper's width needs, each with its end.
+[[nodiscard]] std::string paragraph(std::string_view text, const Paper& paper);
+
+// The same for what stands above a table: `title` emphasized, and `rest` behind it or, where that
+// is too wide, below it.
+[[nodiscard]] std::string heading(const std::string& title, const std::string& rest,
+                                  const Paper& paper);
+
 // A bar for `share` of `columns`, in eighths of a column or, in ASCII, in halves; any share above 0
 // is visible.
 [[nodiscard]] std::string bar(double share, std::size_t columns, const Paper& paper = {});

@@ -17,12 +17,13 @@ std::string findsReport(const Finds& finds, std::size_t most, const Paper& paper
                   {find.appName, Tone::strong},
                   {find.title.value_or("")}});
   }
-  std::string text = toned("Found", Tone::strong, paper) + "  " +
-                     shortDuration(finds.total().seconds) + " in " +
-                     counted(finds.total().sessions, "session") + "\n\n" + table.text(paper);
+  const std::string total =
+      shortDuration(finds.total().seconds) + " in " + counted(finds.total().sessions, "session");
+  std::string text = heading("Found", total, paper) + "\n" + table.text(paper);
   if (all.size() > most) {
-    text += "\n" + counted(all.size() - most, "older one is", "older ones are") +
-            " not shown; --limit N shows more.\n";
+    text += "\n" + paragraph(counted(all.size() - most, "older one is", "older ones are") +
+                                 " not shown; --limit N shows more.",
+                             paper);
   }
   return text;
 }

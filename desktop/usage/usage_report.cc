@@ -22,12 +22,9 @@ std::string nameOf(const UsageGroup& group, Grouping grouping) {
   return grouping == Grouping::note ? "Without a note" : "Without a title";
 }
 
-std::string heading(const Period& period, const Total& total, const Paper& paper) {
-  std::string text = toned(longPeriodText(period), Tone::strong, paper);
-  if (total.sessions > 0) {
-    text += "  " + shortDuration(total.seconds) + " in " + counted(total.sessions, "session");
-  }
-  return text + "\n";
+std::string totalText(const Total& total) {
+  if (total.sessions == 0) return "";
+  return shortDuration(total.seconds) + " in " + counted(total.sessions, "session");
 }
 
 double largestOf(const std::vector<UsageGroup>& groups) {
@@ -107,21 +104,19 @@ std::string dayTable(const std::vector<UsageGroup>& days, const CalendarDate& fi
 }
 
 std::string changeText(const Usage& usage) {
-  if (!usage.before) return "";
   const std::string before = "the " + counted(dayCount(usage.period), "day") + " before (" +
                              shortDuration(usage.before->seconds) + ")";
   const double change = usage.total.seconds - usage.before->seconds;
-  if (std::abs(change) < 60) return "As much as in " + before + ".\n";
+  if (std::abs(change) < 60) return "As much as in " + before + ".";
   return shortDuration(std::abs(change)) + (change > 0 ? " more" : " less") + " than in " + before +
-         ".\n";
+         ".";
 }
 
 std::string averageText(const Usage& usage) {
   const auto recorded = std::count_if(usage.days.begin(), usage.days.end(),
                                       [](const auto& day) { return day.total.sessions > 0; });
   return counted(recorded, "day") + " with records, " +
-         shortDuration(usage.total.seconds / static_cast<double>(recorded)) + " on average.\n" +
-         changeText(usage);
+         shortDuration(usage.total.seconds / static_cast<double>(recorded)) + " on average.";
 }
 
 // The largest titles of `groups`.
@@ -137,13 +132,16 @@ void addTitles(Table& table, const std::vector<UsageGroup>& titles, const std::s
 
 std::string usageReport(const Usage& usage, const std::vector<Grouping>& by, std::size_t most,
                         const Paper& paper) {
-  std::string text = heading(usage.period, usage.total, paper) + "\n";
+  std::string text = heading(longPeriodText(usage.period), totalText(usage.total), paper) + "\n";
   const bool isOneDay = dayCount(usage.period) == 1;
   if (usage.total.sessions == 0) {
     return text + nothingRecordedText(usage.leavesOutSome, dayCount(usage.period)) + "\n";
   }
   if (!isOneDay) {
-    text += dayTable(usage.days, usage.period.first, paper) + "\n" + averageText(usage) + "\n";
+    text += dayTable(usage.days, usage.period.first, paper) + "\n" +
+            paragraph(averageText(usage), paper);
+    if (usage.before) text += paragraph(changeText(usage), paper);
+    text += "\n";
   }
   GroupTable table(usage.total.seconds, by, most);
   table.add(usage.groups);

@@ -10,6 +10,7 @@
 #include "desktop/commands/commands.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/doctor/finding.h"
+#include "desktop/reports/text_layout.h"
 #include "desktop/setup/first_session.h"
 #include "desktop/setup/login_start.h"
 #include "desktop/setup/overview.h"
@@ -84,7 +85,7 @@ FirstSession awaitFirstSession(const Host& host, double seconds) {
 
 std::string sessionText(const Activity& session) {
   const bool hasTitle = session.title && !session.title->empty();
-  return printable(session.appName + (hasTitle ? " – " + *session.title : ""));
+  return session.appName + (hasTitle ? " – " + *session.title : "");
 }
 
 // Why nothing is recorded, as far as the desktop says it.
@@ -98,16 +99,10 @@ std::string reasonText() {
 
 // Why there is no session yet, though a recorder runs.
 std::string waitingText(const RecorderState& recorder, Date now) {
-  if (!recorder.notice.empty()) return printable(recorder.notice);
+  if (!recorder.notice.empty()) return recorder.notice;
   if (!recorder.awaySince) return "it begins when a window is in front";
   return "you count as away, " + sinceText(*recorder.awaySince, now) +
          "; it begins when you touch a key or the mouse";
-}
-
-std::string sessionLine(const FirstSession& found, const Overview& state) {
-  if (found.session) return "  First session  " + sessionText(*found.session) + "\n";
-  if (state.pause || !found.isRecording) return "";
-  return "  First session  none yet; " + waitingText(state.recorder, state.now) + "\n";
 }
 
 // Reads back what was set up, and waits for the first session for `seconds`. Nothing recording is a
@@ -117,19 +112,26 @@ void check(Host& host, double seconds) {
   if (!overview(host).pause) found = awaitFirstSession(host, seconds);
   const Overview state = overview(host);
   const bool isRecording = state.recorder.isRecording;
-  std::string text =
-      "\n  Recording      " + (isRecording ? printable(recordingText(state)) : "no") + "\n";
   if (!isRecording) host.status = kFailure;
-  if (state.pause) text += "  Paused         " + pauseText(*state.pause, state.now) + "\n";
-  text += sessionLine(found, state);
-  text += "  At login       " + printable(loginText(state)) + "\n";
+  using enum Table::Alignment;
+  Table table({left, left});
+  const auto add = [&](const char* name, const std::string& value) {
+    table.addRow({{name}, {value, Tone::plain, Table::Fit::wrap}});
+  };
+  add("Recording", isRecording ? recordingText(state) : "no");
+  if (state.pause) add("Paused", pauseText(*state.pause, state.now));
+  if (found.session) {
+    add("First session", sessionText(*found.session));
+  } else if (found.isRecording && !state.pause) {
+    add("First session", "none yet; " + waitingText(state.recorder, state.now));
+  }
+  add("At login", loginText(state));
   const std::string advice = loginAdvice(host);
-  if (!advice.empty()) text += "                 " + printable(advice) + "\n";
+  if (!advice.empty()) add("", advice);
   const bool maybeRuns = seconds > 0 && !state.informed.empty();
-  text += "  Assistants     " + printable(assistantsText(state)) +
-          (maybeRuns ? "; restart those that are running" : "") + "\n";
-  text += isRecording ? "  Next           " + printable(nextText(state)) + "\n" : reasonText();
-  print(text);
+  add("Assistants", assistantsText(state) + (maybeRuns ? "; restart those that are running" : ""));
+  if (isRecording) add("Next", nextText(state));
+  print("\n" + table.text(standardOutputPaper()) + (isRecording ? "" : reasonText()));
 }
 
 ////////////////////////////////////////////////////////////////////////////////////////////////

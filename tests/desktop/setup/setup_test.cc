@@ -167,9 +167,9 @@ TEST_F(Setup, SaysThatNoSessionBeginsWhileTheUserIsAway) {
 TEST_F(Setup, SaysWhyNothingRecordsWhereThereIsNoDesktop) {
   const Outcome outcome = run({"setup", "--yes"}, "", {"DISPLAY="});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_TRUE(contains(outcome.output, "Recording      no"));
+  EXPECT_TRUE(contains(outcome.output, "Recording   no"));
   EXPECT_TRUE(contains(outcome.output, "DISPLAY is not set"));
-  EXPECT_TRUE(contains(outcome.output, "At login       yes, by "));
+  EXPECT_TRUE(contains(outcome.output, "At login    yes, by "));
 }
 
 TEST_F(Setup, SaysWhichLineACompositorNeedsThatStartsNoEntries) {
