@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/base/text.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/settings/suggestion.h"
 
@@ -32,7 +33,15 @@ const CLI::App& commandArgument(const CLI::App& app, const std::string& before,
     if (!command->get_group().empty()) names.push_back(command->get_name());
   }
   throw CLI::ValidationError("there is no command \"" + before + word + "\"" +
-                             suggestion(word, {names.begin(), names.end()}));
+                             suggestion(lowerCaseAscii(word), {names.begin(), names.end()}));
+}
+
+std::vector<std::string> optionsOf(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
 }
 
 bool takesPositionals(const CLI::App& app) {
@@ -67,6 +76,14 @@ void addHelpCommand(CLI::App& app) {
 }
 
 void requireKnownCommands(const CLI::App& app, int count, const char* const* words) {
+  if (count < 2) throw CLI::ValidationError("say which command; \"Tessum help\" lists them");
+  // Of an option in the place of a command the parser would only say that the command is missing.
+  const std::string first = words[1];
+  if (first.starts_with('-') && app.get_option_no_throw(first) == nullptr) {
+    const auto options = optionsOf(app);
+    throw CLI::ValidationError("there is no option \"" + first + "\" before a command" +
+                               suggestion(first, {options.begin(), options.end()}));
+  }
   const CLI::App* command = &app;
   std::string before;
   for (int i = 1; i < count && *words[i] != '-'; ++i) {
@@ -79,10 +96,7 @@ void requireKnownCommands(const CLI::App& app, int count, const char* const* wor
 std::string unexpectedText(const CLI::App& app, const CLI::ExtrasError& error) {
   const CLI::App* command = &app;
   while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
-  std::vector<std::string> names;
-  for (const CLI::Option* option : command->get_options()) {
-    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-  }
+  const auto names = optionsOf(*command);
   for (const std::string& argument : app.remaining(true)) {
     if (!argument.starts_with("--")) continue;
     return error.what() +

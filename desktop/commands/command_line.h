@@ -14,8 +14,9 @@ namespace tessum {
 // Adds the command "help", which explains the commands of `app`; both live equally long.
 void addHelpCommand(CLI::App& app);
 
-// Throws CLI::ValidationError, with a suggestion, when a word of the command line stands where a
-// command of `app` is expected and names none. Nothing has been parsed yet.
+// Throws CLI::ValidationError where a command of `app` is expected and there is no word, a word
+// that names none, or, before any command, an unknown option; a likely one is suggested. Nothing
+// has been parsed yet.
 void requireKnownCommands(const CLI::App& app, int count, const char* const* words);
 
 // What is wrong with a command line that `app` has parsed up to its end: the arguments that nothing
