@@ -16,6 +16,8 @@
 #include "core/update/urls.h"
 #include "tests/desktop/user.h"
 #include "tests/support/child_process.h"
+#include "tests/support/desktop/x11_desktop.h"
+#include "tests/support/eventually.h"
 #include "tests/support/https/https_server.h"
 #include "tests/support/mounts_linux.h"
 
@@ -79,7 +81,12 @@ class UpdateProgram : public testing::Test {
               "mv \"$HOME/opened.new\" \"$HOME/opened\"\n");
     chmod(user_.file("bin/xdg-open").c_str(), 0700);
     user_.set("PATH", user_.file("bin") + ":" + std::getenv("PATH"));
-    for (const char* name : {"no_proxy", "NO_PROXY"}) user_.set(name, "nobody.invalid");
+    keepProxy(user_);
+  }
+
+  // Has no host of `user` reached without the proxy.
+  static void keepProxy(User& user) {
+    for (const char* name : {"no_proxy", "NO_PROXY"}) user.set(name, "nobody.invalid");
   }
 
   void SetUp() override {
@@ -165,6 +172,29 @@ TEST(UpdateProgramWithoutAService, SaysSoAndAsksNobody) {
               "Tessum: this copy was built without a release service, so it never looks for newer "
               "versions\n");
   }
+}
+
+TEST_F(UpdateProgram, IsAskedByARecorderButNotByOneWithoutAService) {
+  if (!configuredBaseUrls().empty()) GTEST_SKIP() << "this build has a release service";
+  const Desktop desktop;
+  serve(answering(kRelease));
+  const HttpsServer unasked(authority_.issue(names_), answering(kRelease));
+  const auto start = [&](const std::string& program, User& user, const HttpsServer& server) {
+    user.set("DISPLAY", desktop.display());
+    user.set("https_proxy", server.proxyUrl());
+    keepProxy(user);
+    return ChildProcess(program, {.arguments = {"record"},
+                                  .environment = user.environment(),
+                                  .prepare = [this] { trustAuthority(); }});
+  };
+  User other;
+  ChildProcess recorder = start(hostProgram(), other, unasked);
+  ASSERT_TRUE(eventually([&] { return bool(contains(other.run({"status"}).output, "  yes, ")); }));
+  ChildProcess asking = start(TESSUM_PROGRAM, user_, *server_);
+  EXPECT_TRUE(eventually([&] { return !server_->paths().empty(); }));
+  recorder.kill(SIGTERM);
+  EXPECT_EQ(recorder.wait(), kSuccess);
+  EXPECT_EQ(unasked.paths(), std::vector<std::string>());
 }
 
 TEST_F(UpdateProgram, AsksTheSecondServiceWhenTheFirstFails) {
