@@ -130,7 +130,9 @@ std::vector<SetupStep> plasmaSteps(const Host& host) {
 std::vector<SetupStep> desktopHelperSteps(const Host& host) {
   if (environment("WAYLAND_DISPLAY").empty()) return {};
   const auto names = namesOnBus(Bus::Kind::session);
-  if (names.contains("org.kde.KWin")) return plasmaSteps(host);
+  const bool isPlasma =
+      names.contains("org.kde.KWin") || environment("XDG_CURRENT_DESKTOP") == "KDE";
+  if (isPlasma) return plasmaSteps(host);
   if (names.contains("org.gnome.Shell")) return shellSteps(host);
   return {};
 }

@@ -1,7 +1,5 @@
 #include "core/workspace/wayland/windows.h"
 
-#include "core/platform/locations.h"
-
 namespace tessum {
 
 std::unique_ptr<WaylandWindows> openWindows(WaylandConnection& connection,
@@ -13,10 +11,8 @@ std::unique_ptr<WaylandWindows> openWindows(WaylandConnection& connection,
 // Only KWin has the shell of Plasma.
 std::string remedyForHiddenWindows(const WaylandConnection& connection) {
   if (!connection.offers("org_kde_plasma_shell")) return "";
-  return "KDE Plasma shows its windows to programs that a desktop entry allows it to: copy "
-         "share/applications/tessum-windows.desktop to ~/.local/share/applications, and write "
-         "Exec=" +
-         SystemLocations().executablePath().value_or("Tessum") + " in it.";
+  return "KDE Plasma tells of its windows over the session bus, which does not answer here, and to "
+         "programs that a desktop entry allows it to; \"Tessum setup\" writes that entry.";
 }
 
 }  // namespace tessum
