@@ -3,13 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdint>
-#include <random>
 #include <string>
-#include <string_view>
 
 #include "core/install/mcp_installer.h"
+#include "tests/support/chance.h"
 #include "tests/support/fakes/fake_locations.h"
 #include "tests/support/plain_json.h"
 #include "tests/support/temporary_folder.h"
@@ -20,9 +18,9 @@ namespace {
 constexpr int kDocuments = 150;
 constexpr int kDeepest = 5;
 
-class Author {
+class Author : Chance {
  public:
-  explicit Author(std::uint32_t seed) : random_(seed) {}
+  explicit Author(std::uint32_t seed) : Chance(seed) {}
 
   // An object, often with servers and sometimes with an entry of ours among them.
   std::string document() {
@@ -31,15 +29,6 @@ class Author {
   }
 
  private:
-  int below(int end) { return static_cast<int>(random_() % static_cast<std::uint32_t>(end)); }
-
-  bool maybe(int oneIn) { return below(oneIn) == 0; }
-
-  template <std::size_t size>
-  std::string oneOf(const std::array<std::string_view, size>& choices) {
-    return std::string(choices[static_cast<std::size_t>(below(static_cast<int>(size)))]);
-  }
-
   std::string space() {
     return maybe(3) ? oneOf<6>({" ", "\n", "\t", "\r\n", "  \n  ", "\n\n"}) : "";
   }
@@ -113,8 +102,6 @@ class Author {
         return object(level);
     }
   }
-
-  std::mt19937 random_;
 };
 
 // `config` with the servers that uninstalling leaves: an object without our entry.

@@ -3,19 +3,18 @@
 
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
-#include <random>
 #include <string>
 #include <string_view>
+
+#include "tests/support/chance.h"
 
 namespace tessum {
 
 // The author of one file. Not thread-safe.
-class UntidyAuthor {
+class UntidyAuthor : Chance {
  public:
-  explicit UntidyAuthor(std::uint32_t seed) : random_(seed) {
+  explicit UntidyAuthor(std::uint32_t seed) : Chance(seed) {
     lineBreak_ = maybe(3) ? "\r\n" : "\n";
     isPlain_ = maybe(4);
     isOneLine_ = maybe(5);
@@ -58,15 +57,6 @@ class UntidyAuthor {
   }
 
  private:
-  int below(int end) { return static_cast<int>(random_() % static_cast<std::uint32_t>(end)); }
-
-  bool maybe(int oneIn) { return below(oneIn) == 0; }
-
-  template <std::size_t size>
-  std::string oneOf(const std::array<std::string_view, size>& choices) {
-    return std::string(choices[static_cast<std::size_t>(below(static_cast<int>(size)))]);
-  }
-
   std::string plainToml() {
     return " = " + oneOf<10>({"1", "\"a # b\"", "'[x]'", "[1, [2, 3], { a = \"}\" }]",
                               "\"\"\"\n[mcp_servers.tessum]\n\\\"\"\"\"", "'''\n[y]\n'''",
@@ -147,7 +137,6 @@ class UntidyAuthor {
     return out + separator(indentation) + "}";
   }
 
-  std::mt19937 random_;
   std::string lineBreak_;
   std::string unit_;
   bool isPlain_ = false;
