@@ -2,13 +2,13 @@
 
 #pragma once
 
-#include "core/platform/locations.h"
+#include "desktop/command.h"
 
 namespace tessum {
 
 // Removes the hidden files of unfinished replacements beside the files that this program writes:
-// in the data folder, beside the settings, and beside the assistants' configuration. Those of
-// processes that still run stay. Throws nothing.
-void removeLeftovers(const Locations& locations);
+// in the data folder, beside the settings, and beside the files that install and setup write or
+// have written. Those of processes that still run stay. Throws nothing.
+void removeLeftovers(const Host& host);
 
 }  // namespace tessum

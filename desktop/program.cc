@@ -62,7 +62,7 @@ int runCommand(int argc, char** argv) {
   addUpdateCommand(app, host);
   addCompleteCommand(app, host);
   addHelpCommand(app);
-  removeLeftovers(locations);
+  removeLeftovers(host);
   try {
     requireKnownCommands(app, argc, argv);
     app.parse(argc, argv);

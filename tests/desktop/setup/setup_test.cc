@@ -105,6 +105,17 @@ TEST_F(Setup, KeepsWhatWasThereAndWhatWasEditedSince) {
   EXPECT_TRUE(contains(readFile(entry), "X-Mine=true\n"));
 }
 
+TEST_F(Setup, RemovesWhatARunLeftThatWasKilledWhileItWrote) {
+  openTerminal();
+  ASSERT_EQ(run({"setup", "--yes"}).status, 0);
+  for (const char* folder : {"autostart", "Tessum"}) {
+    const std::string left = config(std::string(folder) + "/.tessum-new-abcdef");
+    writeFile(left, "half of it");
+    EXPECT_EQ(run({"status"}).status, 0);
+    EXPECT_FALSE(fs::exists(left));
+  }
+}
+
 TEST_F(Setup, LeavesLinksThatLedToNothingAsTheyWere) {
   openTerminal();
   fs::create_directories(config("autostart"));
