@@ -66,7 +66,9 @@ std::size_t Pattern::mostBytes() const {
 
 bool Pattern::isIn(std::string_view text) const {
   if (text.size() > mostBytes()) return true;
-  return compiled_->expression().Match(text, 0, text.size(), re2::RE2::UNANCHORED, nullptr, 0);
+  // Not every build of RE2 takes std::string_view.
+  return compiled_->expression().Match({text.data(), text.size()}, 0, text.size(),
+                                       re2::RE2::UNANCHORED, nullptr, 0);
 }
 
 }  // namespace tessum
