@@ -15,10 +15,9 @@ complete -c Tessum -w tessum
 complete -c tessum -f
 complete -c tessum -l help -d 'Show help'
 complete -c tessum -n __fish_use_subcommand -l version -d 'Show the version'
-for command in setup record serve pause resume status day usage category notes search note timeline clients install uninstall \
-        update doctor export import forget backup settings help
-    complete -c tessum -n __fish_use_subcommand -a $command
-end
+set -l commands setup record serve pause resume status day usage category notes search note timeline clients install \
+    uninstall update doctor export import forget backup settings help
+complete -c tessum -n __fish_use_subcommand -a "$commands"
 __tessum_add setup -l undo -d 'Take back what setup has done'
 __tessum_add setup -l yes -d 'Do not ask'
 __tessum_add setup -l dry-run -d 'Only show what it would do'
@@ -85,6 +84,5 @@ __tessum_add backup -F
 __tessum_add pause -a 'until 30m 1h'
 __tessum_add settings -a 'edit check try'
 complete -c tessum -n '__fish_seen_subcommand_from settings; and __fish_seen_subcommand_from try' -a '(__tessum_words applications)'
-__tessum_add help -a 'setup record serve pause resume status day usage category notes search note timeline clients install
-    uninstall update doctor export import forget backup settings'
+__tessum_add help -a "$commands"
 functions -e __tessum_add

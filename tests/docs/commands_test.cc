@@ -182,6 +182,22 @@ TEST_P(Documents, ShowCommandsThatWork) {
 
 INSTANTIATE_TEST_SUITE_P(All, Documents, testing::ValuesIn(allDocuments()), nameOf);
 
+TEST(Commands, StandInTheirDocumentTheManualAndEachCompletion) {
+  const std::string document = readFile(kRoot / "docs/COMMANDS.md");
+  const std::string manual = replaced(readFile(kRoot / "packaging/man/tessum.1"), "\\", "");
+  const std::vector<std::string> names = commandNames();
+  EXPECT_GT(names.size(), 20U);
+  for (const std::string& name : names) {
+    SCOPED_TRACE(name);
+    EXPECT_TRUE(std::regex_search(document, std::regex("\n\\| [^|]*`" + name + "[ `]")));
+    EXPECT_TRUE(std::regex_search(manual, std::regex("\n\\.[BI]+R? \"?" + name + "[ \"\n]")));
+    for (const char* completion : {"tessum.bash", "_tessum", "tessum.fish"}) {
+      const std::string text = readFile(kRoot / "packaging/completions" / completion);
+      EXPECT_TRUE(std::regex_search(text, std::regex("[ ']" + name + "[ ':\n]"))) << completion;
+    }
+  }
+}
+
 TEST(Options, StandInTheManualAndInEachCompletion) {
   const fs::path packaging = kRoot / "packaging";
   const std::string manual = replaced(readFile(packaging / "man/tessum.1"), "\\", "");

@@ -31,6 +31,7 @@ struct Case {
 const Case kCases[] = {
     {"Commands", "tessum resu", "tessum", "resume"},
     {"CommandsOfHelp", "tessum help timel", "tessum help", "timeline"},
+    {"TheFirstCommandOfHelp", "tessum help setu", "tessum help", "setup"},
     {"Periods", "tessum usage last-w", "tessum usage", "last-week"},
     {"DaysOfTheHistory", "tessum day 2025-03-0", "tessum day", "2025-03-04"},
     {"PeriodsOfOptions", "tessum search x --in yest", "tessum search x --in", "yesterday"},
