@@ -14,6 +14,7 @@
 #include "core/store/history.h"
 #include "core/store/lock_patience.h"
 #include "core/update/urls.h"
+#include "desktop/own_program.h"
 #include "desktop/recording/left_open.h"
 #include "desktop/reports/wall_clock.h"
 #include "desktop/settings/settings_file.h"
@@ -123,9 +124,7 @@ void Recorder::watchForReleases() {
 }
 
 void Recorder::serveHTTP(OpenTo openTo) {
-  const auto program = host_.locations.executablePath();
-  if (!program) throw std::runtime_error("Tessum cannot find its own file.");
-  std::vector<std::string> command{*program, "serve", "--until-input-ends"};
+  std::vector<std::string> command{ownProgram(host_.locations), "serve", "--until-input-ends"};
   if (openTo == OpenTo::everyone) command.emplace_back("--open");
   endpoint_.emplace(std::move(command), loop_, steady_, say);
   std::printf("%s\n", endpoint_->url().c_str());

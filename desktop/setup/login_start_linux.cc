@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "core/workspace/linux/environment.h"
+#include "desktop/own_program.h"
 #include "desktop/recording/recorder_state.h"
 #include "desktop/setup/login_start.h"
 #include "desktop/setup/program_run.h"
@@ -37,12 +38,6 @@ std::string entryPath(const Host& host) {
   return host.locations.configFolder() + "/autostart/" + kEntry;
 }
 
-std::string programOf(const Host& host) {
-  const auto program = host.locations.executablePath();
-  if (!program) throw std::runtime_error("Tessum cannot find its own file.");
-  return *program;
-}
-
 // The text of a file of another's making; empty when it cannot be read.
 std::string textAt(const Host& host, const std::string& path) {
   try {
@@ -62,12 +57,12 @@ bool isOfUse(const std::string& text, std::string_view key) {
 
 bool isUnitOfUse(const Host& host, const std::string& path) {
   const std::string text = textAt(host, path);
-  return text == unitFor(programOf(host)) || isOfUse(text, "ExecStart");
+  return text == unitFor(ownProgram(host.locations)) || isOfUse(text, "ExecStart");
 }
 
 bool isEntryOfUse(const Host& host, const std::string& path) {
   const std::string text = textAt(host, path);
-  return text == entryFor(programOf(host)) || isOfUse(text, "Exec");
+  return text == entryFor(ownProgram(host.locations)) || isOfUse(text, "Exec");
 }
 
 // A link to a unit that is gone leads nowhere.
@@ -98,7 +93,7 @@ void startService() {
 
 SetupStep enablingStep(const Host& host) {
   const std::string own = userUnits(host) + "/" + kUnit;
-  const std::string packaged = packagedUnit(programOf(host));
+  const std::string packaged = packagedUnit(ownProgram(host.locations));
   const bool keepsOwn = isUnitOfUse(host, own);
   const bool writesOwn = !keepsOwn && packaged.empty();
   const std::string unit = keepsOwn || writesOwn ? own : packaged;
@@ -107,7 +102,7 @@ SetupStep enablingStep(const Host& host) {
                  .carryOut = {}};
   if (writesOwn) step.details.insert(step.details.begin(), own);
   step.carryOut = [&host, own, unit, writesOwn](SetupChanges& changes) {
-    if (writesOwn) changes.makeFile(own, unitFor(programOf(host)));
+    if (writesOwn) changes.makeFile(own, unitFor(ownProgram(host.locations)));
     changes.makeLink(linkIn(userUnits(host)), unit);
     changes.add({.kind = SetupChange::Kind::service, .target = kUnit});
     rereadServices();
@@ -126,7 +121,7 @@ SetupStep entryStep(const Host& host) {
   return {.plan = "start recording with each login to your desktop, by an autostart entry",
           .details = {entryPath(host)},
           .carryOut = [&host](SetupChanges& changes) {
-            changes.makeFile(entryPath(host), entryFor(programOf(host)));
+            changes.makeFile(entryPath(host), entryFor(ownProgram(host.locations)));
             noteRecorder(host, changes);
           }};
 }
@@ -186,7 +181,7 @@ std::string loginAdvice(const Host& host) {
     if (desktop != compositor.desktop || hasSystemd()) continue;
     return desktop + " runs no autostart entries by itself. Add this line to " +
            host.locations.configFolder() + "/" + compositor.file + ": " + compositor.line +
-           programOf(host) + " record";
+           ownProgram(host.locations) + " record";
   }
   return "";
 }

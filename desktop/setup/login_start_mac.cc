@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "desktop/own_program.h"
 #include "desktop/setup/login_start.h"
 #include "desktop/setup/program_run.h"
 #include "desktop/setup/start_files.h"
@@ -28,9 +29,7 @@ bool hasAgent(const Host& host) {
 }
 
 void writeAgent(const Host& host, SetupChanges& changes) {
-  const auto program = host.locations.executablePath();
-  if (!program) throw std::runtime_error("Tessum cannot find its own file.");
-  changes.makeFile(agentPath(host), agentFor(*program));
+  changes.makeFile(agentPath(host), agentFor(ownProgram(host.locations)));
   changes.add({.kind = SetupChange::Kind::service, .target = kLabel});
 }
 

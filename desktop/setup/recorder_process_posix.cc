@@ -2,11 +2,11 @@
 
 #include <chrono>
 #include <filesystem>
-#include <stdexcept>
 #include <thread>
 
 #include "core/platform/file_lock.h"
 #include "core/platform/spawn.h"
+#include "desktop/own_program.h"
 #include "desktop/recording/recorder_state.h"
 #include "desktop/setup/recorder_process.h"
 
@@ -19,12 +19,11 @@ constexpr auto kStopInterval = std::chrono::milliseconds(50);
 }  // namespace
 
 void startRecorder(const Host& host) {
-  const auto program = host.locations.executablePath();
-  if (!program) throw std::runtime_error("Tessum cannot find its own file.");
+  const std::string program = ownProgram(host.locations);
   // A recorder in the folder of this command would keep it from being removed or unmounted.
   std::error_code ignored;
   std::filesystem::current_path(host.locations.homeFolder(), ignored);
-  static_cast<void>(startProgram({*program, "record"}));
+  static_cast<void>(startProgram({program, "record"}));
 }
 
 std::string runningRecorder(const Host& host) {
