@@ -87,10 +87,10 @@ void closeOpenSessions(Host& host, const std::string& duration) {
 
 void mend(const Host& host) {
   const auto paths = filesOpenToOthers(host.locations.dataFolder());
-  if (paths.empty()) print("There is nothing that --mend could mend.\n");
+  if (paths.empty()) print("No file is open to other users.\n");
   for (const std::string& path : paths) {
     closeToOthers(path);
-    print("Nobody but you may look at " + printable(path) + " now.\n");
+    print(printable(path) + " is now closed to other users.\n");
   }
 }
 
@@ -102,13 +102,12 @@ void addDoctorCommand(CLI::App& app, Host& host) {
   auto* close = command
                     ->add_option("--close-open", *duration,
                                  "end the sessions that were left open: this long after they began "
-                                 "(1h30m, 45m or 90), but at the latest where the next session "
-                                 "began; without a time, where the recorder was last known to live")
+                                 "(1h30m, 45m or 90), but at the latest when the next session "
+                                 "began; without a time, when the recorder was last known to run")
                     ->type_name("[TIME]")
                     ->expected(0, 1);
   const auto mends = std::make_shared<bool>(false);
-  command
-      ->add_flag("--mend", *mends, "take from other users the rights to the files of the history")
+  command->add_flag("--mend", *mends, "close the files in the data folder to other users")
       ->excludes(close);
   const auto isData = std::make_shared<bool>(false);
   addJsonOption(*command, *isData);

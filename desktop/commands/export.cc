@@ -104,11 +104,9 @@ void addExportCommand(CLI::App& app, Host& host) {
       "in CSV, write texts that a spreadsheet would compute (such as =1+1) as they are, "
       "without an apostrophe before them");
   command->footer(
-      "Without days, all of it. With --app, --title or --category only such sessions, and no "
-      "notes.\n"
-      "Times are in UTC. A day holds what began on it, in local time. A file that it is written "
-      "to\n"
-      "becomes readable for you alone.\n\n"
+      "Without days, all of it. With --app, --title or --category only such sessions, and no\n"
+      "notes. Times are in UTC. A day holds what began on it, in local time. The file that the\n"
+      "output goes to becomes readable for you alone.\n\n"
       "Examples:\n"
       "  Tessum export > history.csv\n"
       "  Tessum export 2025-03 --format json > march.json\n"

@@ -88,9 +88,9 @@ void addForgetCommand(CLI::App& app, Host& host) {
   command->footer(
       "Says what it will delete, then asks. Days alone delete the sessions and the notes that\n"
       "began on them; with --app, --title or --category only sessions go. Copies made with backup\n"
-      "or export are not touched. With --hidden the history becomes what it would be under the "
-      "rules of the\n"
-      "settings: sessions go, lose their titles, or are cut where a schedule begins or ends.\n\n"
+      "or export are not touched. With --hidden the history becomes what it would be under the\n"
+      "rules of the settings: sessions go, lose their titles, or are cut where a schedule begins\n"
+      "or ends.\n\n"
       "Examples:\n"
       "  Tessum forget yesterday\n"
       "  Tessum forget 2025-03-04..2025-03-05 --app Terminal\n"

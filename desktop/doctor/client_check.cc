@@ -14,7 +14,7 @@ namespace {
 
 std::string remedyFor(const EntryReport& report, const Assistant& assistant) {
   if (report.form == "HTTP") return "Start \"Tessum record --http\", or register anew.";
-  return "Register anew: Tessum install " + std::string(assistant.id);
+  return "Register again: Tessum install " + std::string(assistant.id);
 }
 
 std::vector<Finding> checkClientFile(const Host& host, const Assistant& assistant,

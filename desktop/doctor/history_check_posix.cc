@@ -76,8 +76,8 @@ std::vector<Finding> checkFolder(const Host& host) {
   }
   std::vector<Finding> findings{{"The folder " + folder + " can be written to.", ""}};
   for (const std::string& path : filesOpenToOthers(folder)) {
-    findings.push_back(
-        {"Other users may have a look at " + path + ".", "\"Tessum doctor --mend\" ends that."});
+    findings.push_back({"Other users can read or change " + path + ".",
+                        "\"Tessum doctor --mend\" closes it to them."});
   }
   return findings;
 }

@@ -9,7 +9,8 @@
 namespace tessum {
 namespace {
 
-constexpr char kSetUp[] = "\"Tessum setup\" shows what it will do, and asks before it does it.";
+constexpr char kSetUp[] =
+    "\"Tessum setup\" shows what it will do, and asks before it does anything.";
 
 Finding recordingFinding(const Overview& state) {
   const RecorderState& recorder = state.recorder;
@@ -50,8 +51,8 @@ std::vector<Finding> checkSetup(const Host& host) {
             assistantsFinding(state),
             {"Next: " + nextText(state) + ".", ""}};
   } catch (const std::system_error& error) {
-    return {{std::string("Whether Tessum records cannot be told: ") + error.what(),
-             "Look at the folder, as said below."}};
+    return {{std::string("Cannot tell whether Tessum is recording: ") + error.what(),
+             "See below what is wrong with the folder."}};
   }
 }
 

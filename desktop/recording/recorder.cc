@@ -177,7 +177,7 @@ void Recorder::obey(const std::optional<Pause>& pause) {
   recording_.pause(pause);
   publishState();
   if (pause) say("Recording is paused " + pauseText(*pause, host_.clock.now()) + ".");
-  if (!pause && saysPause_) say("Recording goes on.");
+  if (!pause && saysPause_) say("Recording continues.");
   saysPause_ = pause.has_value();
 }
 

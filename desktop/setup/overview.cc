@@ -49,7 +49,7 @@ std::string assistantsText(const Overview& overview) {
 
 std::string nextText(const Overview& overview) {
   if (!overview.recorder.isRecording || !overview.loginStart || !overview.uninformed.empty()) {
-    return "\"Tessum setup\", which shows what is missing and asks before it does it";
+    return "\"Tessum setup\", which shows what is missing and asks before it does anything";
   }
   if (overview.pause) return "\"Tessum resume\", which ends the pause";
   return "\"Tessum day\", which shows today" +

@@ -89,8 +89,8 @@ TEST_F(KWinRecording, SaysWhatToDoWhereKWinHidesItsWindows) {
   EXPECT_EQ(
       recorder->errors(),
       "Tessum: This is a Wayland session without X11: the focused window cannot be seen "
-      "here. KDE Plasma tells of its windows over the session bus, which does not answer here, "
-      "and to programs that a desktop entry allows it to; \"Tessum setup\" writes that entry.\n");
+      "here. KDE Plasma shows its windows over the session bus, which does not answer here, "
+      "and to programs that a desktop entry permits; \"Tessum setup\" writes that entry.\n");
 }
 
 TEST_F(KWinRecording, EndsWithTheCompositorAndSaysSo) {

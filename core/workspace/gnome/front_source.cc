@@ -69,7 +69,7 @@ class GnomeFrontSource final : public FrontSource {
       tracker_.clear(clock_.now());
       notice_({"GNOME Shell has ended; nothing more can be recorded.", true});
     } else {
-      notice_({"The session's message bus has gone away; recording goes on when it is back."});
+      notice_({"The session's message bus has gone away; recording continues when it is back."});
     }
   }
 

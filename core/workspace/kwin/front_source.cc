@@ -112,7 +112,7 @@ class KWinFrontSource final : public FrontSource {
       notice_({"KWin has ended; nothing more can be recorded.", true});
     } else {
       tracker_.show(std::nullopt, clock_.now());
-      notice_({"The session's message bus has gone away; recording goes on when it is back."});
+      notice_({"The session's message bus has gone away; recording continues when it is back."});
     }
   }
 
@@ -142,7 +142,7 @@ class KWinFrontSource final : public FrontSource {
   }
 
   void fail() {
-    notice_({.text = "KWin does not run the script that tells which window is in front.",
+    notice_({.text = "KWin does not run the script that reports which window is in front.",
              .remedy = "Let KWin show its windows to Tessum, as docs/PLATFORMS.md says."});
   }
 

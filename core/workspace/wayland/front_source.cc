@@ -58,7 +58,7 @@ class WaylandFrontSource final : public FrontSource {
   void showChanges() {
     for (const auto& toplevel : toplevels_.takeChanges()) show(toplevel);
     if (!windows_->hasEnded()) return;
-    lose({"The Wayland compositor tells no more of its windows", clock_.now()});
+    lose({"The Wayland compositor no longer reports its windows", clock_.now()});
   }
 
   void show(const std::optional<WaylandToplevel>& toplevel) {

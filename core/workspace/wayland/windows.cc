@@ -11,8 +11,8 @@ std::unique_ptr<WaylandWindows> openWindows(WaylandConnection& connection,
 // Only KWin has the shell of Plasma.
 std::string remedyForHiddenWindows(const WaylandConnection& connection) {
   if (!connection.offers("org_kde_plasma_shell")) return "";
-  return "KDE Plasma tells of its windows over the session bus, which does not answer here, and to "
-         "programs that a desktop entry allows it to; \"Tessum setup\" writes that entry.";
+  return "KDE Plasma shows its windows over the session bus, which does not answer here, and to "
+         "programs that a desktop entry permits; \"Tessum setup\" writes that entry.";
 }
 
 }  // namespace tessum

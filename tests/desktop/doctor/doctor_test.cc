@@ -115,7 +115,7 @@ TEST(Doctor, FindsARegisteredProgramThatIsGone) {
   EXPECT_TRUE(contains(outcome.output, "BAD  Cursor: the entry in " +
                                            user.file(".cursor/mcp.json") +
                                            " does not work: its program is missing."));
-  EXPECT_TRUE(contains(outcome.output, "Register anew: Tessum install cursor"));
+  EXPECT_TRUE(contains(outcome.output, "Register again: Tessum install cursor"));
   EXPECT_TRUE(contains(outcome.output, "ok   Claude Desktop is registered in "));
   ASSERT_EQ(user.run({"install", "Cursor"}).status, 0);
   EXPECT_TRUE(contains(user.run({"doctor"}).output, "ok   Cursor is registered in "));
@@ -238,16 +238,16 @@ TEST_F(OpenSessions, EndWhereTheirRecorderWasLastKnownToLive) {
 TEST(Doctor, FindsFilesThatOthersMayReadAndMendsThem) {
   const User user;
   user.addSession("Editor", nullptr, "2025-03-04T09:00:00Z", "2025-03-04T10:00:00Z");
-  const std::string found = "Other users may have a look at " + user.historyPath();
+  const std::string found = "Other users can read or change " + user.historyPath();
   EXPECT_FALSE(contains(user.run({"doctor"}).output, found));
-  EXPECT_EQ(user.run({"doctor", "--mend"}).output, "There is nothing that --mend could mend.\n");
+  EXPECT_EQ(user.run({"doctor", "--mend"}).output, "No file is open to other users.\n");
   chmod(user.historyPath().c_str(), 0644);
   const Outcome outcome = user.run({"doctor"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(contains(outcome.output, "BAD  " + found));
   const Outcome mended = user.run({"doctor", "--mend"});
   EXPECT_EQ(mended.status, 0);
-  EXPECT_EQ(mended.output, "Nobody but you may look at " + user.historyPath() + " now.\n");
+  EXPECT_EQ(mended.output, user.historyPath() + " is now closed to other users.\n");
   EXPECT_FALSE(contains(user.run({"doctor"}).output, found));
 }
 

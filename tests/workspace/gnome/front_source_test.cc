@@ -135,8 +135,8 @@ TEST_F(GnomeTest, ARestartOfTheBusIsSurvived) {
   startShell(kRunning);
   startExtension("editor", "Letter");
   EXPECT_TRUE(comesTo("editor: Letter"));
-  EXPECT_EQ(notices_, Texts{"The session's message bus has gone away; recording goes on when it is "
-                            "back. "});
+  EXPECT_EQ(notices_, Texts{"The session's message bus has gone away; recording continues when it "
+                            "is back. "});
   EXPECT_FALSE(isOver_);
 }
 

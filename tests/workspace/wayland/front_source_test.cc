@@ -137,7 +137,7 @@ TEST_F(FrontSourceWaylandTest, EndsWithTheListOfWindows) {
   compositor_.tellFinished();
   ASSERT_TRUE(comesTo("none"));
   EXPECT_EQ(notices_,
-            Told{"The Wayland compositor tells no more of its windows; nothing more can be "
+            Told{"The Wayland compositor no longer reports its windows; nothing more can be "
                  "recorded."});
 }
 
