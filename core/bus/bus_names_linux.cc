@@ -1,3 +1,5 @@
+#include "core/bus/bus_names.h"
+
 #include <systemd/sd-bus.h>
 
 #include <chrono>
@@ -5,8 +7,6 @@
 #include <memory>
 #include <optional>
 #include <vector>
-
-#include "core/bus/bus_names.h"
 
 namespace tessum {
 namespace {

@@ -1,6 +1,8 @@
 // A folder's vnode reports files that are added, removed and renamed; a file's own vnode reports
 // writes. So we watch both, and open all of them again after each event.
 
+#include "core/loop/file_watcher.h"
+
 #include <fcntl.h>
 #include <sys/event.h>
 
@@ -11,7 +13,6 @@
 #include <utility>
 #include <vector>
 
-#include "core/loop/file_watcher.h"
 #include "core/platform/descriptor.h"
 
 namespace tessum {

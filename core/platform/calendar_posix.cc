@@ -7,12 +7,13 @@
 // minute by minute from a moment that is certainly too early: slow, but at most two days a year
 // need it.
 
+#include "core/platform/calendar.h"
+
 #include <cmath>
 #include <cstdint>
 #include <ctime>
 
 #include "core/base/check.h"
-#include "core/platform/calendar.h"
 
 namespace tessum {
 namespace {

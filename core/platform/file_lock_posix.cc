@@ -1,3 +1,5 @@
+#include "core/platform/file_lock.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,7 +9,6 @@
 #include <utility>
 
 #include "core/platform/file_error.h"
-#include "core/platform/file_lock.h"
 
 namespace tessum {
 namespace {

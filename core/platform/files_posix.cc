@@ -6,6 +6,8 @@
 // does the next start after a power cut. A failure before that leaves the old file as it was. The
 // price: further hard links keep the old bytes, and extended attributes are not carried over.
 
+#include "core/platform/files.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,7 +22,6 @@
 
 #include "core/platform/descriptor.h"
 #include "core/platform/file_error.h"
-#include "core/platform/files.h"
 #include "core/platform/flush.h"
 #include "core/platform/temporary_file.h"
 

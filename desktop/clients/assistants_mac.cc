@@ -1,5 +1,6 @@
-#include "core/install/mcp_client.h"
 #include "desktop/clients/assistants.h"
+
+#include "core/install/mcp_client.h"
 
 namespace tessum {
 

@@ -1,3 +1,5 @@
+#include "desktop/clients/entry_check.h"
+
 #include <unistd.h>
 
 #include <filesystem>
@@ -6,7 +8,6 @@
 #include <system_error>
 
 #include "desktop/clients/endpoint_state.h"
-#include "desktop/clients/entry_check.h"
 
 namespace tessum {
 namespace {

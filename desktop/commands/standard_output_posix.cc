@@ -1,3 +1,5 @@
+#include "desktop/commands/standard_output.h"
+
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,7 +11,6 @@
 #include <system_error>
 
 #include "core/base/text.h"
-#include "desktop/commands/standard_output.h"
 
 namespace tessum {
 namespace {

@@ -1,6 +1,6 @@
-#include <ApplicationServices/ApplicationServices.h>
-
 #include "desktop/doctor/title_permission.h"
+
+#include <ApplicationServices/ApplicationServices.h>
 
 namespace tessum {
 

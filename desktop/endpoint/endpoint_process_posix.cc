@@ -1,3 +1,5 @@
+#include "desktop/endpoint/endpoint_process.h"
+
 #include <poll.h>
 #include <unistd.h>
 
@@ -9,7 +11,6 @@
 
 #include "core/platform/descriptor.h"
 #include "core/platform/spawn.h"
-#include "desktop/endpoint/endpoint_process.h"
 
 namespace tessum {
 namespace {

@@ -1,3 +1,5 @@
+#include "desktop/reports/wall_clock.h"
+
 #include <time.h>
 
 #include <algorithm>
@@ -5,7 +7,6 @@
 #include <cstdlib>
 
 #include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/wall_clock.h"
 
 namespace tessum {
 namespace {

@@ -1,3 +1,5 @@
+#include "desktop/settings/editor.h"
+
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -7,7 +9,6 @@
 
 #include "core/platform/descriptor.h"
 #include "core/platform/spawn_inheritance.h"
-#include "desktop/settings/editor.h"
 
 extern char** environ;
 

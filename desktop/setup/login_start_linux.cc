@@ -1,3 +1,5 @@
+#include "desktop/setup/login_start.h"
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,7 +13,6 @@
 #include "core/workspace/linux/environment.h"
 #include "desktop/own_program.h"
 #include "desktop/recording/recorder_state.h"
-#include "desktop/setup/login_start.h"
 #include "desktop/setup/program_run.h"
 #include "desktop/setup/recorder_process.h"
 #include "desktop/setup/start_files.h"

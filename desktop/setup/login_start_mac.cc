@@ -1,3 +1,5 @@
+#include "desktop/setup/login_start.h"
+
 #include <unistd.h>
 
 #include <filesystem>
@@ -5,7 +7,6 @@
 #include <system_error>
 
 #include "desktop/own_program.h"
-#include "desktop/setup/login_start.h"
 #include "desktop/setup/program_run.h"
 #include "desktop/setup/start_files.h"
 

@@ -1,3 +1,5 @@
+#include "desktop/setup/program_run.h"
+
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -6,7 +8,6 @@
 
 #include "core/platform/descriptor.h"
 #include "core/platform/spawn.h"
-#include "desktop/setup/program_run.h"
 
 namespace tessum {
 

@@ -1,3 +1,5 @@
+#include "desktop/setup/recorder_process.h"
+
 #include <signal.h>
 
 #include <chrono>
@@ -8,7 +10,6 @@
 #include "core/platform/spawn.h"
 #include "desktop/own_program.h"
 #include "desktop/recording/recorder_state.h"
-#include "desktop/setup/recorder_process.h"
 
 namespace tessum {
 namespace {
