@@ -53,7 +53,7 @@ struct BusCall {
 [[nodiscard]] BusCall busProperties(std::string destination, std::string path,
                                     std::string interface);
 
-// Signals to be told of. An empty part fits all, but the sender cannot be empty.
+// The signals to receive. An empty part matches any, but the sender must not be empty.
 struct BusSignal {
   std::string sender;  // as BusCall::destination
   std::string path = {};

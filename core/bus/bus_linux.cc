@@ -14,8 +14,8 @@ namespace {
 
 constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
 
-// So many messages are handled in one turn of the loop: a bus that does not stop talking leaves
-// time for the rest of the program.
+// At most this many messages are handled in one turn of the loop, so that a busy bus leaves time
+// for the rest of the program.
 constexpr int kMessagesPerTurn = 64;
 
 constexpr std::uint64_t kNever = UINT64_MAX;  // as a deadline and as a time limit

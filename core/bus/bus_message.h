@@ -43,10 +43,10 @@ struct BusVariant {
   friend bool operator==(const BusVariant&, const BusVariant&) = default;
 };
 
-// One of the values that a BusDictionary holds; the first stands for those of any other type.
+// A value of a BusDictionary; the first alternative stands for values of any other type.
 using BusValue = std::variant<std::monostate, bool, double, std::string>;
 
-// Values of any types, each with its name. Of a name given twice the first value counts.
+// Values of any types, each with its name. If a name is given twice, its first value counts.
 using BusDictionary = std::map<std::string, BusValue, std::less<>>;
 
 // The value of that name and type; absent when there is none.

@@ -30,7 +30,7 @@ int onReply(sd_bus_message* message, void* names, sd_bus_error*) {
 }
 
 // One step of the connection, which waits until `deadline` when there is nothing to do. False when
-// it is of no use any more.
+// the connection is lost.
 bool step(sd_bus* bus, Steady::time_point deadline) {
   const int processed = sd_bus_process(bus, nullptr);
   if (processed != 0) return processed > 0;
@@ -41,7 +41,7 @@ bool step(sd_bus* bus, Steady::time_point deadline) {
 
 }  // namespace
 
-// The library's own call that waits has no time limit while it connects.
+// The library's waiting call has no time limit while it connects.
 std::set<std::string> namesOnBus(Bus::Kind kind) {
   sd_bus* made = nullptr;
   const int opened =

@@ -1,4 +1,4 @@
-// Takes the parts out of what TessumFetch writes.
+// Reads the parts that TessumFetch writes.
 
 #pragma once
 
@@ -13,13 +13,13 @@
 
 namespace tessum {
 
-// The bytes are no parts: the program has gone wrong.
+// The bytes are not valid parts: the program is faulty.
 class BadFetchPart : public std::runtime_error {
  public:
   BadFetchPart() : std::runtime_error("TessumFetch sent something unexpected") {}
 };
 
-// Takes bytes that come in pieces of any length. Not thread-safe.
+// Reads bytes that arrive in pieces of any length. Not thread-safe.
 class FetchPartReader {
  public:
   struct Part {
@@ -28,7 +28,7 @@ class FetchPartReader {
     std::string_view content;  // valid until the next call of add(); empty where it goes elsewhere
   };
 
-  // Where the content of the parts `body` is.
+  // Where the content of `body` parts goes.
   enum class Body { amongTheParts, elsewhere };
 
   explicit FetchPartReader(Body body) : body_(body) {}

@@ -19,9 +19,9 @@ enum class FetchPart : std::uint32_t {
   success              // the end: the whole body came
 };
 
-// Stands before the content of each part. Both programs run on one computer, so it has the form
-// that it has in memory. Where standard output and standard error lead to one pipe, each piece of
-// the body follows its header like any other content.
+// Precedes the content of each part. Both programs run on one computer, so it is sent as it is in
+// memory. Where standard output and standard error lead to one pipe, each piece of the body follows
+// its header like any other content.
 struct FetchPartHeader {
   FetchPart kind;
   std::uint32_t size;  // bytes of the content

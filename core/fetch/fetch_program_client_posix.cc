@@ -88,7 +88,7 @@ class FetchTransfer final : public HttpTransfer {
     waitForProgram(std::exchange(process_, kNoProcess));
   }
 
-  // The last that happens: the callback may destroy this object.
+  // This comes last: the callback may destroy this object.
   void finish(std::optional<std::string> failure) {
     stop();
     onProgress_ = nullptr;
@@ -111,7 +111,7 @@ class FetchTransfer final : public HttpTransfer {
     finish(std::move(end->failure));
   }
 
-  // Takes what is in the pipe, or a good deal of it. False when nothing will come any more.
+  // Reads what is in the pipe, or much of it. False at its end.
   bool readPipe() {
     char buffer[65536];
     const ssize_t count = read(output_.number(), buffer, sizeof buffer);

@@ -11,7 +11,7 @@
 
 namespace tessum {
 
-// What is known of an answer besides its body. Its status is not: whatever comes is the answer.
+// What is known of an answer besides its body. Its status is ignored: whatever comes is the answer.
 struct HttpHead {
   std::string url;  // the address that answered, which a redirect may have changed
   std::optional<std::string> contentDisposition;  // the header's value as it was sent
@@ -26,8 +26,8 @@ struct HttpResult {
 };
 
 // One transfer. Destroying it ends it at once: neither of its callbacks runs again, and what they
-// hold is let go. It may be destroyed by its own OnEnd, but not by its own OnProgress. Main thread
-// only.
+// hold is released. It may be destroyed by its own OnEnd, but not by its own OnProgress. Main
+// thread only.
 class HttpTransfer {
  public:
   virtual ~HttpTransfer() = default;
@@ -37,10 +37,10 @@ class HttpTransfer {
 // client must outlive its transfers. Main thread only.
 class HttpClient {
  public:
-  // Hears that more of the body is in the file, `received` bytes in all.
+  // Told that more of the body is in the file, `received` bytes in all.
   using OnProgress = std::function<void(const HttpHead& head, std::int64_t received)>;
 
-  // Hears of the end, once.
+  // Told of the end, once.
   using OnEnd = std::function<void(HttpResult result)>;
 
   virtual ~HttpClient() = default;

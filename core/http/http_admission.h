@@ -1,5 +1,5 @@
-// Whom the HTTP transport answers, and how much it takes upon itself for them. A transport without
-// an admission answers everyone and waits for them without end.
+// Whom the HTTP transport answers, and within which limits. A transport without an admission
+// answers everyone and waits for them without end.
 
 #pragma once
 

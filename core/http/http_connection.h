@@ -52,7 +52,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   HTTPConnection(const HTTPConnection&) = delete;
   HTTPConnection& operator=(const HTTPConnection&) = delete;
 
-  // Serves its peer. Takes the place of the oldest connection where too many are open.
+  // Serves its peer. Replaces the oldest connection if too many are open.
   void start();
 
   // Closes a connection without a complete request; an answer on its way has one more second.

@@ -36,8 +36,8 @@ class HTTPTransport {
   HTTPTransport(const HTTPTransport&) = delete;
   HTTPTransport& operator=(const HTTPTransport&) = delete;
 
-  // Listens on `port` of every interface instead of the previous port. Who connects from now on is
-  // served as `admission` says, and without one whoever it is. Throws std::system_error
+  // Listens on `port` of every interface instead of the previous port. Clients that connect from
+  // now on are served as `admission` says; without one all of them are. Throws std::system_error
   // when the system gives no socket, and then changes nothing. A port that is taken or forbidden
   // throws nothing: the transport then listens on none, and listeningError() says why.
   void listen(std::uint16_t port, std::optional<HTTPAdmission> admission = std::nullopt);

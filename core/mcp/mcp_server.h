@@ -26,14 +26,14 @@ namespace tessum {
 class HTTPTransport;
 struct HTTPAdmission;
 
-// Serves one store. It keeps no state for clients or connections, so methods may come in any order.
-// Not thread-safe: the caller passes it one message at a time, or leaves that to the HTTP transport
-// from start() on. It may be destroyed on any thread, even while the transport is answering: the
-// destructor waits for that answer.
+// Serves one database. It keeps no state for clients or connections, so methods may come in any
+// order. Not thread-safe: the caller passes it one message at a time, or leaves that to the HTTP
+// transport from start() on. It may be destroyed on any thread, even while the transport is
+// answering: the destructor waits for that answer.
 class MCPServer {
  public:
-  // `port` is for the HTTP transport and is not bound here. `clock` and `calendar` must outlive
-  // the server. Touches neither the network nor the store.
+  // `port` is for the HTTP transport and is not bound here. `clock` and `calendar` must outlive the
+  // server. Touches neither the network nor the database.
   MCPServer(std::shared_ptr<Database> database, std::uint16_t port, const Clock& clock,
             const Calendar& calendar);
 

@@ -7,8 +7,8 @@ namespace {
 
 constexpr double kTitlePollSeconds = 5.0;
 
-// The one place where the monitor handles failures of the store. It ignores them, because there is
-// nobody to report them to; recording continues with the next activation.
+// The one place where the monitor handles failures of the database. It ignores them, because there
+// is nobody to report them to; recording continues with the next activation.
 template <typename Write>
 void dropStoreErrors(Write write) {
   try {

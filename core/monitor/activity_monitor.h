@@ -1,4 +1,4 @@
-// Turns what the user has in front into sessions in the store.
+// Turns what the user has in front into sessions in the database.
 
 #pragma once
 
@@ -15,7 +15,7 @@
 namespace tessum {
 
 // Each activation ends the open session and begins one for the application that became active; a
-// poll every 5 seconds writes the title of the focused window into it. Failures of the store are
+// poll every 5 seconds writes the title of the focused window into it. Failures of the database are
 // not reported; what could not be written is missing. Owned by the program that records. Main
 // thread only.
 class ActivityMonitor {

@@ -10,7 +10,7 @@
 
 namespace tessum {
 
-// Closes its descriptor when it goes. One thread at a time.
+// Closes its descriptor when it is destroyed. One thread at a time.
 class Descriptor {
  public:
   Descriptor() = default;
@@ -27,11 +27,11 @@ class Descriptor {
   // -1 when none is held.
   [[nodiscard]] int number() const { return number_; }
 
-  // Gives the number to a new owner.
+  // Hands the descriptor over to a new owner.
   [[nodiscard]] int release() { return std::exchange(number_, -1); }
 
-  // Closes it before the object goes. Gives 0, or -1 with errno set, which is no reason to do it
-  // again: the number may be another file's by then.
+  // Closes it now. Returns 0, or -1 with errno set. Do not repeat a call that failed: the number
+  // may belong to another file by then.
   [[nodiscard]] int close() { return ::close(std::exchange(number_, -1)); }
 
  private:
@@ -56,8 +56,8 @@ auto retried(Call call) {
   return result;
 }
 
-// Writes all of `bytes` to `descriptor`, in one system call where it takes them in one. Gives 0, or
-// -1 with errno set; some of the bytes may be written then. Any thread.
+// Writes all of `bytes` to `descriptor`, in one system call where it takes them in one. Returns 0,
+// or -1 with errno set; some of the bytes may have been written then. Any thread.
 [[nodiscard]] int writeAll(int descriptor, std::string_view bytes);
 
 }  // namespace tessum

@@ -13,10 +13,10 @@
 
 namespace tessum {
 
-// Held until the object goes or the process ends, in whatever way: the system gives it back, so
-// none can be left behind. The file stays, and shows with its content and its time of modification
-// what the holder says of itself. A process must not open the file of a lock that it holds, as the
-// system gives the lock back when it closes that. One thread at a time.
+// Held until the object is destroyed or the process ends, however it ends: the system releases the
+// lock, so none can be left behind. The file stays; its content and its time of modification are
+// what the holder publishes about itself. A process must not open the file of a lock that it holds,
+// as closing the file would release the lock. One thread at a time.
 class FileLock {
  public:
   // Takes the lock on the file at `path`, which is created for the user alone where it is missing.

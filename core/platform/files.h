@@ -13,7 +13,8 @@ class Files {
  public:
   virtual ~Files() = default;
 
-  // Whether something lies at `path`, symbolic links followed. False also when it cannot be told.
+  // Whether something lies at `path`, symbolic links followed. False also when that cannot be found
+  // out.
   [[nodiscard]] virtual bool exists(const std::string& path) const = 0;
 
   // The bytes of the file at `path`. Only regular files have any: a folder, a pipe or a device is

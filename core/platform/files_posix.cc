@@ -1,10 +1,10 @@
 // Files over the system's calls.
 //
 // A file is replaced in one step like this: the new bytes go into a temporary file in the same
-// folder and are brought to the disk. Then that file takes the old one's name, which the system
-// does at once or not at all. Whoever opens the name finds the old file or the new one, and so
-// does the next start after a power cut. A failure before that leaves the old file as it was. The
-// price: further hard links keep the old bytes, and extended attributes are not carried over.
+// folder and are flushed to the disk. Then that file takes the old one's name, which the system
+// does at once or not at all. Whoever opens the name finds the old file or the new one, and so does
+// the next start after a power cut. A failure before that leaves the old file as it was. The price:
+// further hard links keep the old bytes, and extended attributes are not carried over.
 
 #include "core/platform/files.h"
 
@@ -108,7 +108,7 @@ bool SystemFiles::exists(const std::string& path) const {
 }
 
 std::string SystemFiles::read(const std::string& path) const {
-  // Without waiting: a pipe that nobody writes to would hold up the opening.
+  // Without waiting: opening a pipe that nobody writes to would wait for a writer.
   const Descriptor file(
       retried([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
   struct stat found {};

@@ -1,4 +1,4 @@
-// Where the user's things are.
+// Where the user's files are.
 
 #pragma once
 
@@ -15,8 +15,8 @@ class Locations {
   // The user's home folder. A user without one stops the process.
   [[nodiscard]] virtual std::string homeFolder() const = 0;
 
-  // The folder of the activity store and the downloaded updates, named "Tessum" and below the
-  // user's folder for the data of applications. It need not exist yet.
+  // The folder of the history and the downloaded updates, named "Tessum" and below the user's
+  // folder for the data of applications. It need not exist yet.
   [[nodiscard]] virtual std::string dataFolder() const = 0;
 
   // The folder in which the user's applications keep their settings, each in a folder of its own.

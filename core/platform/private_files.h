@@ -1,4 +1,4 @@
-// Files and folders that hold what is nobody else's business.
+// Files and folders that only the user may access.
 
 #pragma once
 

@@ -9,8 +9,8 @@
 
 namespace tessum {
 
-// The descriptors that a program gets as its standard streams. One that is -1 leads nowhere: such
-// an input is at its end.
+// The descriptors that a program gets as its standard streams. -1 stands for none: such an input is
+// at its end, and such an output goes nowhere.
 struct ProgramStreams {
   int input = -1;
   int output = -1;
@@ -22,13 +22,13 @@ struct ProgramStreams {
 // typed for this program does not end it, and the usual treatment of signals, whatever that of the
 // calling thread.
 //
-// Gives the process id; the caller has to take the exit status. Throws std::system_error when the
-// program cannot be started. Any thread.
+// Returns the process id; the caller has to collect the exit status. Throws std::system_error when
+// the program cannot be started. Any thread.
 [[nodiscard]] pid_t startProgram(std::vector<std::string> arguments,
                                  const ProgramStreams& streams = {});
 
-// Waits for the end of a process that was started here, and takes its exit status. Gives that, or
-// -1 when a signal ended it. Any thread.
+// Waits for a process that was started here to end. Returns its exit status, or -1 when a signal
+// ended it. Any thread.
 int waitForProgram(pid_t process);
 
 }  // namespace tessum

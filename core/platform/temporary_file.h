@@ -1,4 +1,4 @@
-// A file that is written bit by bit and gets its name only when it is whole.
+// A file that gets its name only when it is complete.
 
 #pragma once
 
@@ -10,10 +10,10 @@
 namespace tessum {
 
 // A new file for the user alone (0600) under a hidden name: a dot, its purpose, a dash and six
-// characters. It is removed when the object goes, unless it was moved. A process that is killed
-// leaves it behind; the next file that is made for the same purpose in that folder removes it, as
-// does removeTemporaryFilesLeftBehind().
-// Failures are thrown as std::system_error with the path in the text. One thread at a time.
+// characters. It is removed when the object is destroyed, unless it was moved. A process that is
+// killed leaves it behind; the next file that is made for the same purpose in that folder removes
+// it, as does removeTemporaryFilesLeftBehind(). Failures are thrown as std::system_error with the
+// path in the text. One thread at a time.
 class TemporaryFile {
  public:
   // Makes the file in `folder`, which must exist. `purpose` is a word that no other program begins

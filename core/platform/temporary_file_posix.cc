@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::string_view kPlaceholders = "XXXXXX";
 
-// Gives 0, or -1 with errno set: EWOULDBLOCK when somebody else holds the lock.
+// Returns 0, or -1 with errno set: EWOULDBLOCK when somebody else holds the lock.
 int lock(int file) {
   return retried([&] { return flock(file, LOCK_EX | LOCK_NB); });
 }

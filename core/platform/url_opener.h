@@ -1,4 +1,4 @@
-// Hands things to the user's own applications.
+// Opens things with the user's own applications.
 
 #pragma once
 
@@ -11,8 +11,8 @@ class UrlOpener {
  public:
   virtual ~UrlOpener() = default;
 
-  // Asks the user's desktop to open `url` with the application meant for it, and does not wait
-  // for that. Nobody learns whether it worked.
+  // Asks the user's desktop to open `url` with the application meant for it, and returns at once.
+  // Failures are not reported.
   virtual void open(const std::string& url) const = 0;
 };
 

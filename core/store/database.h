@@ -1,4 +1,4 @@
-// The activity store: one SQLite connection to one file.
+// The history as the monitor and the assistants use it: one SQLite connection to one file.
 
 #pragma once
 
@@ -22,10 +22,10 @@ namespace tessum {
 
 class Statement;
 
-// Takes one session of a query's result, which lives for that call. It must not use the store.
+// Takes one session of a query's result, which lives for that call. It must not use the database.
 using ActivityVisitor = std::function<void(const Activity&)>;
 
-// An open store. Several processes may have one on the same file; SQLite's locking coordinates
+// An open database. Several processes may have one on the same file; SQLite's locking coordinates
 // them, and an operation that meets a lock fails at once. Not thread-safe.
 //
 // Every operation is one statement that is prepared, run and finalized before it returns and
@@ -35,7 +35,7 @@ using ActivityVisitor = std::function<void(const Activity&)>;
 class Database final : public SessionWriter {
  public:
   // Opens the file at `path`, creating it, for the user alone (0600), and its tables where they are
-  // missing. Throws DatabaseError. `calendar` says where days begin and must outlive the store.
+  // missing. Throws DatabaseError. `calendar` says where days begin and must outlive the object.
   Database(std::string path, const Calendar& calendar);
   ~Database() override;
   Database(const Database&) = delete;

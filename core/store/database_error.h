@@ -1,4 +1,4 @@
-// What went wrong in the activity store.
+// The errors of the database.
 
 #pragma once
 

@@ -50,7 +50,7 @@ History::History(const std::string& path, Access access) {
     throw NoHistory("there is no history yet at " + path + "; \"Tessum record\" starts one");
   }
   sqlite3* db = nullptr;
-  // The mutex of a connection is for several threads, and each access to a column takes it.
+  // A connection's mutex is for several threads, and each access to a column would lock it.
   const int flags =
       (access == Access::read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
   const int result = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
@@ -93,7 +93,7 @@ std::vector<Activity> History::openSessions() {
   return readSessions(statement, db_.get());
 }
 
-// Every row is behind the one before it by begin and row id; this one is before all of a range.
+// Each row follows the one before it by start and row id; this one precedes all rows of a range.
 struct Position {
   Date start;
   std::int64_t id = std::numeric_limits<std::int64_t>::min();

@@ -1,6 +1,6 @@
-// The history as a person handles it: read in whole, checked, mended, copied, and cut. The bodies
-// are in history.cc (opening and reading), history_notes.cc, history_import.cc, and
-// history_upkeep.cc (all the rest).
+// The history as a person uses it: to read all of it, to check, mend and copy it, and to delete
+// parts. The bodies are in history.cc (opening and reading), history_notes.cc, history_import.cc,
+// and history_upkeep.cc (all the rest).
 //
 // The programs that record and answer use `Database`, which never waits, never deletes and gives
 // what it could read. A person wants to know when something could not be read, so this connection
@@ -45,7 +45,7 @@ class NoHistory : public std::runtime_error {
 [[nodiscard]] std::string remedy(const DatabaseError& error);
 [[nodiscard]] std::string remedyForDamage();
 
-// Two notes would be of the same time.
+// Two notes would overlap.
 class NotesOverlap : public std::runtime_error {
  public:
   explicit NotesOverlap(Annotation other)
@@ -62,14 +62,14 @@ class NotesOverlap : public std::runtime_error {
 inline constexpr DayRange kAllTimes{{-std::numeric_limits<double>::infinity()},
                                     {std::numeric_limits<double>::infinity()}};
 
-// Says of a text of the history, which is UTF-8, whether it is meant. Must not throw.
+// Tells whether a text of the history, which is UTF-8, is meant. Must not throw.
 using TextTest = std::function<bool(std::string_view)>;
 
-// Says of a session's application and title whether they are meant; the test of a statement knows
-// no other members. Must not throw.
+// Tells whether a session is meant, by its application and title; within a statement its other
+// members are not set. Must not throw.
 using SessionTest = std::function<bool(const Activity&)>;
 
-// What to forget: all that each present part allows. Notes are forgotten only by their day.
+// What to forget: what meets each condition that is present. Notes are forgotten only by their day.
 struct Selection {
   std::optional<DayRange> begun;  // begun within
   SessionTest isMeant;            // all sessions are where it is empty
@@ -94,7 +94,7 @@ struct Replacement {
   std::vector<Activity> by;
 };
 
-// The texts of sessions that a visit needs. The others are empty or absent, and save their time.
+// The texts of sessions that a visit needs. The others are empty or absent, which saves time.
 enum class Texts { none, application, all };
 
 // Seconds for which a session may have begun before a range that it overlaps. Nothing in the
@@ -157,7 +157,7 @@ class History {
   // it is the last.
   [[nodiscard]] std::optional<Date> startOfNext(const Activity& session);
 
-  // Writes a row and takes it back, to find out whether it can be done.
+  // Finds out whether rows can be written: writes one and takes it back.
   void tryWriting();
 
   // Ends the session with row id `id` at `end`, if it has not ended yet.

@@ -11,14 +11,14 @@
 
 namespace tessum {
 
-// Throws DatabaseError unless the last read of `db` came to its end: a Statement stops at an error
-// as it stops after the last row.
+// Throws DatabaseError if the last read of `db` ended early: a Statement stops at an error as it
+// does after the last row.
 void requireComplete(sqlite3* db);
 
 // The statement's columns must be id, app_name, bundle_id, title, start_time, end_time.
 [[nodiscard]] std::vector<Activity> readSessions(Statement& statement, sqlite3* db);
 
-// The same into the first elements of `sessions`, whose memory it uses again; returns how many. The
+// Reads them into the first elements of `sessions`, whose memory it reuses; returns how many. The
 // columns of other texts than `texts` are not looked at.
 [[nodiscard]] std::size_t rereadSessions(Statement& statement, sqlite3* db,
                                          std::vector<Activity>& sessions, Texts texts);

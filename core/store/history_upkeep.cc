@@ -27,7 +27,7 @@ std::vector<std::string> checkIntegrity(sqlite3* db) {
 }  // namespace
 
 std::vector<std::string> History::damage() {
-  // A copy is checked, as the check holds the lock for as long as it takes.
+  // A copy is checked, because the check holds the lock until it is done.
   sqlite3* copy = nullptr;
   const int result = sqlite3_open(":memory:", &copy);
   const Connection owned(copy);
@@ -50,7 +50,7 @@ void History::endSession(std::int64_t id, Date end) {
   Statement(db_.get(), kEndSession).bind(end).bindRowID(id).execute();
 }
 
-// Page by page, with the lock released in between: a change made meanwhile begins the copy anew.
+// Page by page, with the lock released in between: a change in the meantime restarts the copy.
 void History::copyInto(sqlite3* target) {
   struct Finish {
     void operator()(sqlite3_backup* backup) const noexcept { sqlite3_backup_finish(backup); }

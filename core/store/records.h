@@ -1,4 +1,4 @@
-// The records of the activity store, their durations and their JSON form.
+// The records of the history, their durations and their JSON form.
 //
 // In JSON the keys are the member names, absent members are left out, and dates are UTC text
 // without a fraction, such as 2025-03-04T09:15:00Z. When reading, a missing or null key is absent

@@ -6,9 +6,9 @@
 
 namespace tessum {
 
-// While it lives, is_meant(app_name, bundle_id, title) in a statement of the connection says what
-// the test says of such a session, and that every one is meant where the test is empty. One at a
-// time. Not thread-safe.
+// While it lives, is_meant(app_name, bundle_id, title) in a statement of the connection gives the
+// result of the test for such a session; an empty test means every session. One at a time. Not
+// thread-safe.
 class SessionTestFunction {
  public:
   // `test` must outlive the object. Throws DatabaseError.

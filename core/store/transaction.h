@@ -6,7 +6,7 @@ struct sqlite3;
 
 namespace tessum {
 
-// Takes back what was written since it was begun, unless it is kept. Not thread-safe.
+// Takes back what was written since it began, unless it is kept. Not thread-safe.
 class Transaction {
  public:
   // Begins it with the lock for writing. Throws DatabaseError, as does keep().

@@ -19,7 +19,7 @@ constexpr double kCheckInterval = 21600;  // seconds; six hours
 // A release's description has a few kilobytes. Decoding takes many times the memory of the text.
 constexpr std::size_t kLongestDescription = std::size_t{1} << 20;
 
-// What `make` gives or, in the words of what it throws, why it gives nothing.
+// The result of `make` or, if it throws, the description of the error.
 template <typename Make>
 auto attempt(Make make) -> Outcome<decltype(make())> {
   try {
@@ -184,7 +184,7 @@ void UpdateChecker::endDownload(Outcome<std::string> outcome) {
   if (const auto done = std::exchange(downloadContinuation_, nullptr)) done(std::move(outcome));
 }
 
-// The observer of this moment hears of the state later, unless the checker is gone by then.
+// The present observer is told of the state later, unless the checker is gone by then.
 void UpdateChecker::setState(UpdateState state) {
   state_ = std::move(state);
   if (!observer_) return;

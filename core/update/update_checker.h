@@ -28,7 +28,7 @@ struct Failure {
   std::string description;
 };
 
-// How an operation that goes on after its call ended.
+// The outcome of an operation that outlasts its call.
 template <typename T>
 using Outcome = std::variant<T, Failure>;
 
@@ -72,8 +72,8 @@ class UpdateChecker {
 
   // ----- State -----
 
-  // Sets the one observer; an empty function takes it away. It hears of each state that is set from
-  // now on, in their order, also of one that equals the state before.
+  // Sets the one observer; an empty function removes it. It is told of each state that is set from
+  // now on, in order, even of one that equals the state before.
   void setOnStateChange(StateObserver observer) { observer_ = std::move(observer); }
 
   [[nodiscard]] UpdateState currentState() const { return state_; }

@@ -12,11 +12,11 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{2};
 
-// Its exit status to come; absent on a desktop without an opener.
+// The exit status that the opener will have; absent on a desktop without an opener.
 std::optional<std::future<int>> startOpener(const std::string& url) {
   try {
     const pid_t opener = startProgram({"xdg-open", url});
-    // It may run as long as the application it starts; somebody has to take its exit status.
+    // The opener may run as long as the application it starts; this waits for its exit status.
     std::packaged_task<int()> wait([opener] { return waitForProgram(opener); });
     auto status = wait.get_future();
     std::thread(std::move(wait)).detach();
@@ -29,13 +29,13 @@ std::optional<std::future<int>> startOpener(const std::string& url) {
 }  // namespace
 
 void SystemUrlOpener::open(const std::string& url) const {
-  (void)startOpener(url);  // nobody is to be told
+  (void)startOpener(url);  // failures are not reported
 }
 
 bool SystemUrlOpener::hasOpened(const std::string& url) const {
   auto status = startOpener(url);
   if (!status) return false;
-  // One that is still running has become the application.
+  // If it is still running, it has become the application.
   return status->wait_for(kPatience) != std::future_status::ready || status->get() == 0;
 }
 

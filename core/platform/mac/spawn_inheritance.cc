@@ -2,7 +2,7 @@
 
 namespace tessum {
 
-// What the actions open or copy is open in the program all the same.
+// Descriptors that the actions open or copy stay open in the program.
 void inheritStandardStreamsOnly(posix_spawn_file_actions_t&, short& flags) {
   flags = static_cast<short>(flags | POSIX_SPAWN_CLOEXEC_DEFAULT);
 }

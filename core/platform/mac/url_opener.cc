@@ -18,7 +18,7 @@ using Owned = std::unique_ptr<std::remove_pointer_t<Ref>, Releaser>;
 }  // namespace
 
 void SystemUrlOpener::open(const std::string& url) const {
-  (void)hasOpened(url);  // nobody is to be told
+  (void)hasOpened(url);  // failures are not reported
 }
 
 bool SystemUrlOpener::hasOpened(const std::string& url) const {
