@@ -1,4 +1,4 @@
-// Windows in front on GNOME, as our extension of GNOME Shell tells them.
+// Windows in front on GNOME, as our extension of GNOME Shell reports them.
 //
 // The extension runs in the shell and has a name on the bus of its own, which comes and goes with
 // it: the shell starts it after itself, and stops it while the screen is locked. Each of its
@@ -36,7 +36,8 @@ class GnomeFrontSource final : public FrontSource {
         notice_(std::move(notice)),
         tracker_(loop, [this](const auto& front, Moment since) { handler_(front, since); }) {}
 
-  // The extension is asked for before the shell, so whether it runs is known once the shell is.
+  // We look for the extension before the shell, so we know whether it runs once we know of the
+  // shell.
   void start(Handler handler) override {
     handler_ = std::move(handler);
     tracker_.show(std::nullopt, clock_.now());
@@ -81,7 +82,7 @@ class GnomeFrontSource final : public FrontSource {
                      [this](const WorkspaceNotice& notice) { say(notice); });
   }
 
-  // The shell may be asked often, but says the same for long.
+  // We ask the shell often, but its answer rarely changes.
   void say(const WorkspaceNotice& notice) {
     if (said_ == notice.text) return;
     said_ = notice.text;

@@ -2,8 +2,8 @@
 // watch for idleness fires each time that the count reaches its interval, at once if it is already
 // past, and stays. A watch for activity fires once, at the next input after it was set.
 //
-// A signal is only a reason to look: the count decides. It is asked for after a watch for activity
-// was set, so an input that came before the watch shows in the count.
+// A signal is only a reason to look: the count decides. We ask for it after we have set a watch for
+// activity, so an input that came before the watch shows in the count.
 
 #include "core/workspace/gnome/idle_source.h"
 
@@ -45,7 +45,7 @@ class GnomeIdleSource final : public IdleSource {
   }
 
  private:
-  // What the owner of the name before was asked is over.
+  // Calls to the previous owner of the name are void.
   void begin() {
     fired_ = nullptr;
     added_ = nullptr;
@@ -60,10 +60,10 @@ class GnomeIdleSource final : public IdleSource {
     added_ = call("AddIdleWatch", {interval_}, [this](const BusMessage& reply) {
       idleWatch_ = reply.readOne<std::uint32_t>().value_or(0);
     });
-    if (isIdle_) look();  // somebody may have come while nobody told
+    if (isIdle_) look();  // somebody may have come back unreported
   }
 
-  // A watch for activity that is left over fires at any input, which is no news then.
+  // A leftover watch for activity fires at any input, which tells us nothing new.
   void takeFired(std::uint32_t watch) {
     if (isIdle_ || watch == idleWatch_ || idleWatch_ == 0) look();
   }
@@ -99,7 +99,7 @@ class GnomeIdleSource final : public IdleSource {
   std::string owner_;           // of the name
   std::uint64_t interval_ = 0;  // in milliseconds; 0 until there is something to watch
   Handlers handlers_;
-  bool isIdle_ = false;          // as it was told last
+  bool isIdle_ = false;          // as reported last
   std::uint32_t idleWatch_ = 0;  // its number; 0 while it is not known
   BusSlot fired_;
   BusSlot added_;

@@ -1,7 +1,7 @@
 // Why our extension of GNOME Shell does not run, as the shell itself knows it.
 //
 // "gnome-extensions enable" succeeds for an extension that the shell has not read yet, which it
-// does only at login; so success of that says nothing, and the shell has to be asked.
+// does only at login; so its success proves nothing, and we have to ask the shell.
 
 #pragma once
 
@@ -27,8 +27,8 @@ struct ShellExtensionReport {
   bool isInstalled = false;       // its files are where the shell looks at login
 };
 
-// From the properties of the shell and what it says of the extension, each of which may lack. The
-// files are left for the caller to look for. Any thread.
+// From the properties of the shell and what it says of the extension; either may be missing. The
+// caller has to look for the files. Any thread.
 [[nodiscard]] ShellExtensionReport readShellExtension(const BusDictionary& shell,
                                                       const BusDictionary& extension);
 
@@ -39,7 +39,7 @@ struct ShellExtensionReport {
 // while it is being started. Any thread.
 [[nodiscard]] std::optional<WorkspaceNotice> noticeOf(const ShellExtensionReport& report);
 
-// Asks at once, and again whenever the answer may be another. It is silent while the screen is
+// Asks at once, and again whenever the answer may have changed. It is silent while the screen is
 // locked, when the shell runs no extension. Main thread only.
 class ShellExtension {
  public:

@@ -1,8 +1,8 @@
-// Windows in front on KWin, as a script in it tells them.
+// Windows in front on KWin, as a script in it reports them.
 //
 // KWin reads the script from a file and runs it until it is unloaded by its name. Several programs
-// may each have one, as the doctor beside the recorder, so a script is named after its process, and
-// so is its file. A program that was killed leaves both behind; the next one removes them.
+// may each have one, such as the recorder and the doctor, so a script is named after its process,
+// and so is its file. A program that was killed leaves both behind; the next one removes them.
 
 #include "core/workspace/kwin/front_source.h"
 
@@ -53,7 +53,7 @@ std::vector<std::string> abandonedScripts() {
   return names;
 }
 
-// A file for the user alone, which goes with the object.
+// A file for the user alone, which is removed with the object.
 class ScriptFile {
  public:
   ScriptFile(const std::string& name, const std::string& text) : path_(scriptFolder() / name) {
@@ -129,8 +129,8 @@ class KWinFrontSource final : public FrontSource {
     script_.reset();
     script_.emplace(name_, kwinScript(session_->uniqueName()));
     if (!script_->isWritten()) return fail();
-    // KWin refuses to load a script whose name has just been unloaded until it has come back to its
-    // main loop, as it has when the answer is here.
+    // KWin refuses to load a script under a name that was just unloaded until it has returned to
+    // its main loop, which it has once the answer is here.
     unloading_ = call("unloadScript", {name_}, [this](const BusMessage&) { loadUnloaded(); });
   }
 

@@ -10,8 +10,8 @@
 
 namespace tessum {
 
-// Has KWin run a script that tells of its active window, over `session`; nothing is polled. The
-// rest is as with openDesktopSources().
+// Has KWin run a script that reports its active window over `session`; nothing is polled. The rest
+// is as with openDesktopSources().
 [[nodiscard]] std::unique_ptr<FrontSource> openKWinFrontSource(SystemMainLoop& loop,
                                                                const SteadyClock& clock,
                                                                std::shared_ptr<Bus> session,

@@ -33,7 +33,7 @@ struct FocusedWindow {
 // a text. Absent when it has other types. Main thread only.
 [[nodiscard]] std::optional<FocusedWindow> readFocusedWindow(const BusMessage& message);
 
-// Shows `tracker` the window that `message` tells of, if it can be read. Main thread only.
+// Shows `tracker` the window that `message` reports, if it can be read. Main thread only.
 void showFocusedWindow(const BusMessage& message, WindowIdentifier& identifier, Moment now,
                        FrontTracker& tracker);
 

@@ -1,4 +1,4 @@
-// The desktops whose compositor tells over the session bus what it keeps to itself on Wayland.
+// The desktops whose compositor reports over the session bus what it does not offer over Wayland.
 
 #pragma once
 

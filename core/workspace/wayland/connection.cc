@@ -24,7 +24,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Readiness = SystemMainLoop::Readiness;
 
-// A name without a slash is that of a socket in the user's folder for such things.
+// A name without a slash is that of a socket in the user's runtime folder.
 std::string socketPath(const std::string& display) {
   if (display.starts_with('/')) return display;
   const char* folder = std::getenv("XDG_RUNTIME_DIR");
@@ -33,8 +33,8 @@ std::string socketPath(const std::string& display) {
 
 constexpr const char* kSilent = "The Wayland display does not answer";
 
-// The library's own way to connect would wait without end while a compositor that has stopped has
-// too many others waiting. Without a number when none listens.
+// The library's own way to connect would wait for ever for a stopped compositor whose queue is
+// full. Holds no descriptor when none listens.
 Descriptor connectedSocket(const std::string& display) {
   const std::string path = socketPath(display);
   sockaddr_un address{};
@@ -53,7 +53,7 @@ Descriptor connectedSocket(const std::string& display) {
   return Descriptor(-1);
 }
 
-// Sends what waits. False when the socket takes no more for now.
+// Sends the requests that wait. False when the socket takes no more for now.
 bool sendsAll(wl_display* display) {
   return wl_display_flush(display) >= 0 || errno != EAGAIN;
 }
@@ -128,7 +128,7 @@ std::unique_ptr<WaylandConnection> WaylandConnection::open(SystemMainLoop& loop,
 
 WaylandConnection::WaylandConnection(SystemMainLoop& loop, const SteadyClock& clock, int socket)
     : loop_(loop), clock_(clock), heardAt_(clock.now()) {
-  // It would say on standard error what is told to the listeners.
+  // By itself the library would print on standard error what the listeners are told.
   wl_log_set_handler_client([](const char*, va_list) {});
   display_.reset(wl_display_connect_to_fd(socket));
   if (!display_) throw std::bad_alloc();

@@ -31,24 +31,24 @@ using WaylandOwned = std::unique_ptr<Proxy, WaylandFree>;
 // Why a connection is lost.
 struct WaylandLoss {
   std::string reason;  // for a person, without a full stop
-  Moment since;        // the compositor may have told nothing from then on
+  Moment since;        // the compositor may have sent nothing since then
 };
 
-// The main loop drives it from its beginning on. What is made from it must go before it. Main
-// thread only.
+// The main loop drives it from the start. Whatever is made from it must be destroyed before it.
+// Main thread only.
 //
-// Compositors leave a program without events when one of them has a text that is too long to be
-// sent, and end its connection only when it asks for something. So the connection asks from time to
-// time whether it is still good.
+// When an event has a text that is too long to be sent, a compositor sends the program no more
+// events, but it ends the connection only at the program's next request. So the connection makes a
+// request from time to time.
 //
-// The library calls the listeners of its objects, and it is written in C: they must not throw. They
-// note what they are told, and act on it once WaylandConnection::Listener::onEvents is called.
+// The library, which is written in C, calls the listeners of its objects: they must not throw. They
+// note the events, and act on them once WaylandConnection::Listener::onEvents is called.
 class WaylandConnection {
  public:
   static constexpr double kPatienceSeconds = 10;  // for answers that are waited for
   static constexpr double kAskEverySeconds = 30;  // whether the connection is still good
 
-  // Names one listener of one connection; never used twice.
+  // Identifies one listener of one connection; never reused.
   enum class ListenerToken : std::uint64_t {};
 
   struct Listener {                                            // each may be null
@@ -84,10 +84,10 @@ class WaylandConnection {
   // Sends the requests so far. They are also sent after each call of a listener.
   void flush();
 
-  // Tells of events, and of the end of the connection, from the loop.
+  // Notifies `listener` of events, and of the end of the connection, from the loop.
   ListenerToken addListener(Listener listener);
 
-  // Ends that. A listener that has been removed is no error.
+  // Does nothing if the listener has already been removed.
   void removeListener(ListenerToken token);
 
  private:
@@ -118,7 +118,7 @@ class WaylandConnection {
   std::map<ListenerToken, Listener> listeners_;
   std::uint64_t lastToken_ = 0;
   WaylandOwned<wl_callback> question_;               // not answered yet
-  Moment heardAt_;                                   // when the compositor last told anything
+  Moment heardAt_;                                   // when the compositor last sent anything
   std::optional<SystemMainLoop::WatchToken> watch_;  // until the connection is lost
   std::optional<MainLoop::TimerToken> timer_;        // likewise, for the questions
 };

@@ -1,5 +1,5 @@
-// Windows in front on Wayland. The compositor tells of every change, but not when it happened: each
-// counts from the moment at which it is told.
+// Windows in front on Wayland. The compositor reports every change, but not its time: each counts
+// from the moment of the report.
 
 #include "core/workspace/wayland/front_source.h"
 
@@ -33,7 +33,7 @@ class WaylandFrontSource final : public FrontSource {
 
   ~WaylandFrontSource() override { connection_->removeListener(listener_); }
 
-  // Whether the compositor tells of its windows. Otherwise there is no use for this object.
+  // Whether the compositor reports its windows. Otherwise this object is of no use.
   [[nodiscard]] bool isOffered() const { return windows_ != nullptr; }
 
   void start(Handler handler) override {
@@ -68,7 +68,7 @@ class WaylandFrontSource final : public FrontSource {
   }
 
   // An application's id is the name of its desktop entry or, of programs that know only X11, the
-  // class of their windows. Compositors tell the process of programs on this machine only.
+  // class of their windows. Compositors report the process of programs on this machine only.
   [[nodiscard]] FrontWindow windowOf(const WaylandToplevel& toplevel) {
     const auto appId = given(toplevel.appId);
     FrontWindow window = identifier_.identify({.window = toplevel.id,

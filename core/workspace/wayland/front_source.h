@@ -1,4 +1,4 @@
-// What is in front on a Wayland desktop whose compositor tells of its windows.
+// What is in front on a Wayland desktop whose compositor reports its windows.
 
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace tessum {
 
-// Watches the windows that the compositor tells of, in the first way that it offers. Null where it
+// Watches the windows that the compositor reports, in the first way that it offers. Null where it
 // offers none. The rest is as with openDesktopSources().
 [[nodiscard]] std::unique_ptr<FrontSource> openWaylandFrontSource(
     SystemMainLoop& loop, const SteadyClock& clock, std::shared_ptr<WaylandConnection> connection,

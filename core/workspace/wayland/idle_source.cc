@@ -13,7 +13,7 @@
 namespace tessum {
 namespace {
 
-// Compositors count with numbers that have a sign.
+// Compositors use signed numbers.
 std::uint32_t millisecondsOf(double seconds) {
   return static_cast<std::uint32_t>(
       std::clamp(std::round(seconds * kMillisecondsPerSecond), 1.0, double{INT_MAX}));
@@ -35,8 +35,8 @@ struct CommonIdle {
   static void destroy(Timer* timer) { ext_idle_notification_v1_destroy(timer); }
 };
 
-// org_kde_kwin_idle: the older one. sway up to 1.7 does not tell of the next input when a program
-// has begun to inhibit idleness in the meantime.
+// org_kde_kwin_idle: the older one. sway up to 1.7 does not report the next input if a program has
+// begun to inhibit idleness in the meantime.
 struct KWinIdle {
   using Notifier = org_kde_kwin_idle;
   using Timer = org_kde_kwin_idle_timeout;
@@ -92,7 +92,7 @@ class WaylandIdleSource final : public IdleSource {
 
   void note(bool isIdle) { news_.push_back({isIdle, clock_.now()}); }
 
-  // A handler may watch anew, after which earlier news are not told.
+  // A handler may call watch() again, after which earlier events are not reported.
   void tell() {
     while (!news_.empty()) {
       const auto [isIdle, when] = news_.front();

@@ -10,9 +10,9 @@
 
 namespace tessum {
 
-// Has the compositor count, and polls nothing; once the connection is lost it tells nothing more.
-// The time without input before watch() does not count. Null where the compositor does not tell.
-// `clock` must outlive it. Main thread only.
+// The compositor counts, so nothing is polled; once the connection is lost, nothing more is
+// reported. The time without input before watch() does not count. Null where the compositor does
+// not report input. `clock` must outlive it. Main thread only.
 [[nodiscard]] std::unique_ptr<IdleSource> openWaylandIdleSource(
     const SteadyClock& clock, std::shared_ptr<WaylandConnection> connection);
 

@@ -1,5 +1,5 @@
-// Windows of KDE's KWin. It offers them only to a program that a desktop entry allows it to, and
-// tells each property by itself, first all that there are and then "initial_state".
+// Windows of KDE's KWin. It offers them only to programs that a desktop entry permits, and reports
+// each property by itself: first all that there are, then "initial_state".
 
 #include <plasma-window-management.h>
 #include <wayland-client.h>
@@ -79,7 +79,7 @@ class PlasmaWindows final : public WaylandWindows {
     org_kde_plasma_window_destroy(window.handle.release());
   }
 
-  // The library passes events of objects that are there only.
+  // The library passes on events of existing objects only.
   template <typename Change>
   void change(PlasmaHandle* handle, Change set) {
     const Window& window = windows_.at(handle);

@@ -11,7 +11,7 @@
 
 namespace tessum {
 
-// What a compositor tells of a window; texts are valid UTF-8, empty when it does not tell.
+// What a compositor reports of a window; texts are valid UTF-8, empty when it reports none.
 struct WaylandToplevel {
   std::uint32_t id = 0;
   std::string appId;                    // at most kLongestName bytes
@@ -21,10 +21,10 @@ struct WaylandToplevel {
   friend bool operator==(const WaylandToplevel&, const WaylandToplevel&) = default;
 };
 
-// What is set of a window counts once it is committed. When the focus moves from one window to
-// another, the compositor tells of each by itself, so for a moment both or none may be active: of
-// several, the one that was activated last counts. Events of windows that are not there, in any
-// order, change nothing. Not thread-safe.
+// Changes of a window count once they are committed. When the focus moves from one window to
+// another, the compositor reports each by itself, so for a moment both or none may be active: of
+// several, the one that was activated last counts. Events of unknown windows, in any order, change
+// nothing. Not thread-safe.
 class WaylandToplevels {
  public:
   using Id = std::uint32_t;

@@ -1,4 +1,4 @@
-// The protocols by which compositors tell of their windows.
+// The protocols by which compositors report their windows.
 
 #pragma once
 
@@ -10,18 +10,18 @@
 
 namespace tessum {
 
-// Passes on what the compositor tells, for as long as it lives. Main thread only.
+// Passes on what the compositor reports, for as long as it lives. Main thread only.
 class WaylandWindows {
  public:
   virtual ~WaylandWindows() = default;
 
-  // How it is told, for a person.
+  // The name of the way, for a person.
   [[nodiscard]] virtual std::string way() const = 0;
 
-  // How many round trips it takes until the windows are known that are there now.
+  // How many round trips it takes to learn of the existing windows.
   [[nodiscard]] virtual int roundTrips() const = 0;
 
-  // Whether the compositor has said that it will tell no more.
+  // Whether the compositor has said that it will report no more.
   [[nodiscard]] virtual bool hasEnded() const = 0;
 };
 

@@ -1,4 +1,4 @@
-// Windows of compositors built on wlroots. What is told of a window counts once "done" follows.
+// Windows of compositors built on wlroots. What is reported of a window counts once "done" follows.
 
 #include <wayland-client.h>
 #include <wlr-foreign-toplevel-management-unstable-v1.h>
@@ -71,7 +71,7 @@ class WlrWindows final : public WaylandWindows {
   static void onOutput(void*, WlrHandle*, wl_output*) noexcept {}
   static void onParent(void*, WlrHandle*, WlrHandle*) noexcept {}
 
-  // The library passes events of objects that are there only.
+  // The library passes on events of existing objects only.
   [[nodiscard]] WaylandToplevels::Id idOf(WlrHandle* handle) const {
     return handles_.at(handle).id;
   }
