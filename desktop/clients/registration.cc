@@ -69,7 +69,8 @@ RegistrationChange rewrite(const RegistrationFile& file, const json::Value& entr
   return change;
 }
 
-// What to remember after an edit of a file, of which `old` was remembered; absent when nothing is.
+// The record to keep after an edit of a file whose record was `old`; absent when there is nothing
+// to remember.
 std::optional<RegistrationRecord> recordAfter(const EditedText& edited, const std::string& path,
                                               bool hadFile,
                                               const std::optional<RegistrationRecord>& old) {

@@ -48,7 +48,7 @@ struct RegistrationChange {
       {};  // why it was refused, and the lines to paste or to take out; else empty
 };
 
-// Adds our entry, or makes it right; missing folders and a missing file are made. Throws
+// Adds our entry, or corrects it; missing folders and a missing file are made. Throws
 // std::runtime_error when there is no stdio server to start.
 [[nodiscard]] RegistrationChange registerIn(const RegistrationFile& file,
                                             const RegistrationOptions& options, const Host& host);

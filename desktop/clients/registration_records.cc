@@ -119,7 +119,7 @@ void dropRecord(const std::string& path, const Host& host) {
   try {
     removeEmptyFolders(foldersOf(all));
   } catch (const json::DecodingError&) {
-    // The list of folders is as much of a help as the rest.
+    // The list of folders is only a hint, like the rest.
   }
 }
 

@@ -1,7 +1,7 @@
 // Remembers what registering Tessum added to files, in registrations.json in the data folder.
 //
-// A record is a help and no more: it may be out of date or gone, because the files belong to other
-// applications. Whoever uses one looks whether what it says still stands in the file.
+// A record is only a hint: it may be out of date or gone, because the files belong to other
+// applications. Callers check whether what it says is still in the file.
 
 #pragma once
 

@@ -15,8 +15,8 @@ namespace {
 
 using Object = json::Value::Object;
 
-// What decides how an entry works, and whether it does. Of these, `wanted` must have what the entry
-// has; of all others, the entry must have what is wanted.
+// The members that decide whether an entry works, and how. The entry may have only those of them
+// that `wanted` has; of other members it must have all that `wanted` has.
 constexpr std::array<std::string_view, 5> kDeciding{"command", "url", "httpUrl", "disabled",
                                                     "enabled"};
 

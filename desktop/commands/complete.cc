@@ -23,7 +23,7 @@ namespace {
 
 using WordList = std::vector<std::string>;
 
-// Without a history there are none of its words.
+// Without a history there are no words from it.
 bool hasHistory(const Host& host) {
   return host.files.exists(historyPath(host.locations));
 }

@@ -75,12 +75,12 @@ DayRange hoursArgument(const std::string& text, const Host& host, Date usual) {
   return {start, nextTimeOfDay(hours->end % kMinutesOfDay, start)};
 }
 
-// What of the current note, and of those that it followed at once, is in the way of a note that
-// begins at `start`. Throws where a note that is over has some of the time.
+// The notes that a new one from `start` on would cut or replace: the current note, and those that
+// it followed at once. Throws where a note that is over has some of the time.
 std::vector<Annotation> notesInTheWay(History& history, Date start, Date now) {
   auto notes = history.notesIn({start, movedBy(now, 1)});
   std::reverse(notes.begin(), notes.end());
-  std::optional<Date> next;  // where the note begins that goes away
+  std::optional<Date> next;  // where the replaced note begins
   for (const Annotation& note : notes) {
     const bool isCurrent = !note.endedAt || secondsBetween(now, *note.endedAt) > 0;
     if (!isCurrent && note.endedAt != next) throw overlap(note);
@@ -89,8 +89,8 @@ std::vector<Annotation> notesInTheWay(History& history, Date start, Date now) {
   return notes;
 }
 
-// The current note ends at `start`, where a new one begins, or goes if it began later. Returns
-// sentences that say so.
+// Ends the current note at `start`, where a new one begins, or deletes it if it began later.
+// Returns sentences that say so.
 std::string makeRoom(History& history, Date start, Date now) {
   std::string text;
   for (Annotation& note : notesInTheWay(history, start, now)) {

@@ -113,7 +113,7 @@ void showNotes(const Host& host, const ReportOptions& options) {
 
 using Show = void (*)(const Host&, const ReportOptions&);
 
-// What a report of a period is, besides what all of them have in common.
+// What distinguishes the reports of a period.
 struct Form {
   const char* name;
   const char* description;

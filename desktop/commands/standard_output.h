@@ -27,7 +27,7 @@ void complain(std::string_view text);
 // Overwrites the current line of standard error with `text` where it is a terminal.
 void showProgress(std::string_view text);
 
-// Where standard output is a file of the user, takes the rights to it from everyone else.
+// Where standard output is a file of the user, closes it to everyone else.
 void closeOutputToOthers();
 
 enum class Answer { yes, no, none };

@@ -24,7 +24,7 @@ struct TimelineOptions {
   FilterOptions filter;
 };
 
-// More would be no picture any longer, and too large for a browser.
+// A longer period could not be read as a picture, and would be too large for a browser.
 constexpr int kMostDays = 366;
 
 std::string pageOf(const Host& host, const TimelineOptions& options) {

@@ -1,5 +1,5 @@
 // Reports as data for other programs: JSON and comma-separated lines, as docs/DATA.md describes
-// them. Times are local with their distance from UTC, durations are seconds.
+// them. Times are local with their offset from UTC, durations are seconds.
 
 #pragma once
 

@@ -16,13 +16,12 @@
 
 namespace tessum {
 
-// Runs from the making of the object to its end. The process gets a pipe as its standard input and
-// has to end when that ends, so it never outlives this one, however this one ends. Main thread
-// only.
+// Runs for the lifetime of the object. The process gets a pipe as its standard input and has to end
+// when that ends, so it never outlives this one, however this one ends. Main thread only.
 class EndpointProcess {
  public:
-  // How long it stays down when it has ended: the time doubles each time, and begins anew once the
-  // endpoint has lasted as long as the longest.
+  // The delay before it is started again. It doubles each time, and starts over once the endpoint
+  // has lasted as long as the longest delay.
   static constexpr double kFirstDelaySeconds = 1;
   static constexpr double kLongestDelaySeconds = 60;
 

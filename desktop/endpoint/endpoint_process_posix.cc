@@ -72,7 +72,7 @@ void EndpointProcess::restart() {
   }
 }
 
-// What it writes later on says nothing new; only the end of it does.
+// Its later output is of no interest; only its end is.
 void EndpointProcess::drain() {
   if (!read().empty()) return;
   end(0);

@@ -17,11 +17,11 @@ enum class OpenTo {
   everyone       // on every network, and any web page; connections may wait without end
 };
 
-// Open for the object's whole lifetime. It has its own connection to the store and its own thread.
-// Main thread only.
+// Open for the object's whole lifetime. It has its own connection to the database and its own
+// thread. Main thread only.
 class HTTPEndpoint {
  public:
-  // Serves the store at `databasePath` on `port`, after up to 5 s for a lock of another program.
+  // Serves the database at `databasePath` on `port`, after up to 5 s for a lock of another program.
   // `clock` and `calendar` must outlive the endpoint, whose thread uses them: nobody else may use
   // the calendar meanwhile. Throws DatabaseError, MCPServerError::invalidPort, and
   // std::system_error that says why the port cannot be had.

@@ -41,7 +41,7 @@ DayRange timeOf(const json::Field& event) {
   return {*start, end};
 }
 
-// The ranges in order, those that touch made one.
+// The ranges in order, with those that touch joined.
 std::vector<DayRange> joined(std::vector<DayRange> ranges) {
   std::sort(ranges.begin(), ranges.end(), [](const DayRange& a, const DayRange& b) {
     return secondsBetween(a.start, b.start) > 0;
@@ -70,7 +70,7 @@ std::vector<DayRange> cut(DayRange time, const std::vector<DayRange>& absences) 
     }
     time.start = absence->end;
   }
-  // An event may be as short as nothing.
+  // An event may last no time at all.
   const double left = secondsBetween(time.start, time.end);
   if (left > 0 || (left == 0 && rest.empty())) rest.push_back(time);
   return rest;

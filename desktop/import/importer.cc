@@ -12,8 +12,8 @@
 namespace tessum {
 namespace {
 
-// Programs that wait for a lock look again after 25 milliseconds at first, so they find it free
-// if it is so for longer.
+// Programs that wait for a lock look again after 25 milliseconds at first, so they find it free if
+// it stays free for longer.
 constexpr std::chrono::duration<double> kWanted{0.030};
 constexpr std::chrono::duration<double> kLongestPause{0.2};
 

@@ -1,9 +1,8 @@
 // Puts the records of other histories into this one.
 //
-// A recorder keeps what it cannot write in memory, and a person waits: so the records go in in
-// pieces, each in one step, and between two of them the lock is free for as long as it was held.
-// Whoever tries again now and then finds it free soon. What was stored when the program is killed
-// stays, and is found to be there already when it is run again.
+// Records are stored in pieces, each in one transaction. Between two pieces the lock is free for as
+// long as it was held, so that a recorder or a person that tries again finds it free soon. If the
+// program is killed, what was stored stays; the next run finds it there already.
 
 #pragma once
 

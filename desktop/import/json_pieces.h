@@ -1,9 +1,9 @@
-// Takes a JSON file of any size apart, without holding it in memory: it may have hundreds of
-// megabytes, of which an event has some hundred bytes.
+// Takes apart a JSON file of any size without holding it in memory: it may have hundreds of
+// megabytes, while an event has some hundred bytes.
 //
 // The containers at the top of the document are entered one by one; what they hold is given as
 // text, for the JSON reader to parse. Only brackets and quotes are looked at here, so an event that
-// is no JSON is found by who parses it.
+// is not JSON is noticed only when it is parsed.
 
 #pragma once
 

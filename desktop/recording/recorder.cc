@@ -218,7 +218,7 @@ void Recorder::handle(const WorkspaceNotice& notice) {
   loop_.quit();
 }
 
-// A desktop that shows something again has nothing to complain of.
+// Once the desktop shows something again, its notice no longer applies.
 void Recorder::show(const std::optional<Front>& front, Moment since) {
   recording_.show(front, since);
   if (!front || state_.notice.empty()) return;

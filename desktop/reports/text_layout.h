@@ -74,7 +74,7 @@ enum class Tone { plain, strong, faint, accent, good, bad };
 
 // Rows of cells in columns as wide as their widest cell. On paper that is too narrow the widest
 // columns of text get narrower; what still does not fit continues in an indented line. Bars get
-// shorter, and columns that may be missing make room for them. Not thread-safe.
+// shorter, and columns that may be left out make room for them. Not thread-safe.
 class Table {
  public:
   enum class Alignment {

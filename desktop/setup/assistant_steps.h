@@ -1,4 +1,4 @@
-// Telling the assistants that are on this computer of Tessum.
+// Registers Tessum with the assistants that are on this computer.
 
 #pragma once
 

@@ -26,7 +26,7 @@ namespace tessum {
 // Stops a service that a step has started. Does nothing if it does not run.
 void stopService(const std::string& name);
 
-// Has the system notice that the files of services have changed.
+// Tells the system that the files of services have changed.
 void rereadServices();
 
 }  // namespace tessum

@@ -39,7 +39,7 @@ std::string entryPath(const Host& host) {
   return host.locations.configFolder() + "/autostart/" + kEntry;
 }
 
-// The text of a file of another's making; empty when it cannot be read.
+// The text of a file that somebody else may have written; empty when it cannot be read.
 std::string textAt(const Host& host, const std::string& path) {
   try {
     return host.files.read(path);
@@ -111,7 +111,7 @@ SetupStep enablingStep(const Host& host) {
   return step;
 }
 
-// From now on every recorder but the one that runs already is of setup's making.
+// From now on every recorder except the one that already runs was started because of setup.
 void noteRecorder(const Host& host, SetupChanges& changes) {
   changes.add({.kind = SetupChange::Kind::recorder,
                .target = "Tessum record",

@@ -12,8 +12,7 @@ namespace tessum {
 // once. Throws std::system_error, and std::runtime_error where the program's own file is unknown.
 void startRecorder(const Host& host);
 
-// What tells the recorder that is running now from any other; empty while none is. Throws
-// std::system_error.
+// Identifies the recorder that is running now; empty while none is. Throws std::system_error.
 [[nodiscard]] std::string runningRecorder(const Host& host);
 
 // Asks the running recorder to end, and waits for up to ten seconds. Returns whether none is

@@ -10,13 +10,13 @@ namespace tessum {
 // systemd's unit that runs `program`, an absolute path.
 [[nodiscard]] std::string unitFor(const std::string& program);
 
-// The autostart entry that does.
+// The autostart entry that runs `program`.
 [[nodiscard]] std::string entryFor(const std::string& program);
 
 // The desktop entry by which KDE Plasma shows its windows to `program`.
 [[nodiscard]] std::string windowsEntryFor(const std::string& program);
 
-// launchd's description of an agent that does.
+// launchd's description of an agent that runs `program`.
 [[nodiscard]] std::string agentFor(const std::string& program);
 
 // The program that the value of `key`, such as ExecStart, names in a unit or an entry; empty when

@@ -11,7 +11,7 @@
 
 namespace tessum {
 
-// What is alike for all sessions of one application under one title, as one text.
+// A key that all sessions of one application under one title have in common.
 [[nodiscard]] std::string windowKey(const Activity& session);
 
 // Applies the rules of the settings to sessions and remembers what it found, since the same titles

@@ -1,4 +1,4 @@
-// By what the time of a report is added up.
+// What a report adds up the time by.
 
 #pragma once
 
@@ -14,8 +14,8 @@ enum class Grouping { app, title, category, note, day, weekday, hour };
 // The enumerator's name, under which reports name the groups.
 [[nodiscard]] std::string_view groupingName(Grouping grouping);
 
-// Of names behind commas: one grouping, or two different ones of which the second divides the
-// groups of the first. Empty for any other text.
+// Parses names with commas between them: one grouping, or two different ones, of which the second
+// divides the groups of the first. Empty for any other text.
 [[nodiscard]] std::vector<Grouping> parseGroupings(std::string_view text);
 
 // All names, as messages list them.

@@ -14,7 +14,7 @@ bool holds(const std::vector<Grouping>& by, Grouping grouping) {
   return std::find(by.begin(), by.end(), grouping) != by.end();
 }
 
-// What of sessions the groups and the filter look at.
+// The texts of sessions that the groups and the filter use.
 Texts textsFor(const std::vector<Grouping>& by, const SessionFilter& filter) {
   if (filter.isMeantTitle || filter.category || holds(by, Grouping::title) ||
       holds(by, Grouping::category)) {
@@ -59,7 +59,7 @@ void arrange(std::vector<UsageGroup>& groups, const std::vector<Grouping>& by) {
   for (UsageGroup& group : groups) sortBySize(group.groups);
 }
 
-// Takes the titles of what has no category out of `groups`, whose parts they are.
+// Moves the titles of what has no category out of `groups`, where they are parts.
 std::vector<UsageGroup> takeUncategorised(std::vector<UsageGroup>& groups) {
   std::vector<UsageGroup> titles;
   for (UsageGroup& group : groups) {

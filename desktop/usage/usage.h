@@ -31,7 +31,7 @@ struct Usage {
   bool leavesOutSome = false;             // whether the filter left out sessions
 };
 
-// Reads through the sessions of the period, and of as many days before one of several days.
+// Reads the sessions of the period and, if it has several days, of as many days before it.
 [[nodiscard]] Usage readUsage(History& history, const ReportDays& days, const Rules& rules,
                               const UsageQuery& query, Date now);
 

@@ -30,7 +30,7 @@ void showPlain(const Host& host, const std::string& text, const char* tool) {
   const ReportDays days(host.calendar, 0);
   const Period period = periodArgument(text, host, days);
   if (dayCount(period) > 1) throw CLI::ValidationError("--plain is for one day");
-  // The tools leave out what they cannot read; a person is to know.
+  // The tools leave out what they cannot read; a person should be told.
   History history(historyPath(host.locations), History::Access::read);
   static_cast<void>(readDay(history, days, period.first, host.clock.now()));
   printForeign(toolText(host, tool, {.date = dateText(period.first)}));

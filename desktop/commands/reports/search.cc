@@ -37,7 +37,7 @@ std::vector<std::string> validWords(const std::vector<std::string>& words) {
 }
 
 void searchPlain(const Host& host, const SearchOptions& options) {
-  // The tools leave out what they cannot read; a person is to know.
+  // The tools leave out what they cannot read; a person should be told.
   History history(historyPath(host.locations), History::Access::read);
   history.visitSessions(kAllTimes, [](const Activity&) {});
   std::string query;
