@@ -11,8 +11,7 @@
 namespace tessum {
 
 // Watches the file's folder and, if the file is a symbolic link, its target's folder: an editor may
-// write to a file or replace it. Watches the folders above, too: the file's folder may be removed
-// and made again. Main thread only.
+// write to a file or replace it. The folder may be removed and made again. Main thread only.
 class FileWatcher {
  public:
   // Calls `onChange` from `loop` when the file at the absolute path `path` may have been created,

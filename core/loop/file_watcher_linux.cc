@@ -19,8 +19,8 @@ namespace {
 namespace fs = std::filesystem;
 
 // A write counts once the writer closes the file.
-constexpr std::uint32_t kEvents =
-    IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ONLYDIR;
+constexpr std::uint32_t kEvents = IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM |
+                                  IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
 
 Descriptor makeInotify() {
   Descriptor inotify(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
@@ -38,7 +38,7 @@ struct FileWatcher::State {
         path(std::move(watched)),
         onChange(std::move(handler)),
         inotify(makeInotify()) {
-    if (!watchFolders()) {
+    if (!watchFolder()) {
       throw std::system_error(errno, std::generic_category(),
                               "Cannot watch " + path.parent_path().string());
     }
@@ -57,14 +57,16 @@ struct FileWatcher::State {
     return true;
   }
 
-  // The file, a folder above it or the link's target may be another one by now. Goes from the root
-  // down, so that a folder which is made meanwhile is reported. A folder that cannot be watched
-  // does not exist or belongs to another user. False, with errno set, when the file's own cannot
-  // be.
-  bool watchFolders() {
+  // Watches the file's folder, which may be another one by now. While it is missing, watches those
+  // above, of which one will show that it is back: from the root down, so that a folder which is
+  // made meanwhile is seen. False, with errno set, when the file's own folder cannot be watched.
+  bool watchFolder() {
+    for (const auto& folder : names) inotify_rm_watch(inotify.number(), folder.first);
+    names.clear();
     watchTarget();
+    bool isWatched = watch(path);
+    if (isWatched) return true;
     fs::path file;
-    bool isWatched = false;
     for (const fs::path& name : path) {
       file /= name;
       isWatched = watch(file);
@@ -72,6 +74,7 @@ struct FileWatcher::State {
     return isWatched;
   }
 
+  // A folder that cannot be watched does not exist or belongs to another user.
   void watchTarget() {
     std::error_code error;
     const fs::path target = fs::canonical(path, error);
@@ -92,14 +95,14 @@ struct FileWatcher::State {
       }
     }
     if (!hasChanged) return;
-    static_cast<void>(watchFolders());
+    static_cast<void>(watchFolder());
     const auto handler = onChange;  // it may destroy this watcher
     handler();
   }
 
-  // An overflow of the event queue counts as a change of the file.
+  // An overflow of the event queue and the end of a folder count as a change of the file.
   [[nodiscard]] bool isOfFile(const inotify_event& event, const char* name) const {
-    if ((event.mask & IN_Q_OVERFLOW) != 0) return true;
+    if ((event.mask & (IN_Q_OVERFLOW | IN_DELETE_SELF | IN_MOVE_SELF)) != 0) return true;
     const auto found = names.find(event.wd);
     return found != names.end() && event.len > 0 && found->second.count(name) > 0;
   }

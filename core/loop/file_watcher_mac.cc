@@ -59,22 +59,25 @@ struct FileWatcher::State {
     return true;
   }
 
-  // The folders from the root down, so that one which is made meanwhile is reported, then the file.
-  // What cannot be watched does not exist or belongs to another user. False, with errno set, when
-  // the file's own folder cannot be.
+  // Watches the file's folder and the file. While the folder is missing, watches those above, of
+  // which one will show that it is back: from the root down, so that a folder which is made
+  // meanwhile is seen. False, with errno set, when the file's own folder cannot be watched.
   bool watchAll() {
     opened.clear();
-    fs::path folder;
-    bool isWatched = false;
-    for (const fs::path& name : path.parent_path()) {
-      folder /= name;
-      isWatched = watch(folder);
+    bool isWatched = watch(path.parent_path());
+    if (!isWatched) {
+      fs::path folder;
+      for (const fs::path& name : path.parent_path()) {
+        folder /= name;
+        isWatched = watch(folder);
+      }
     }
     if (isWatched) watchFile();
     return isWatched;
   }
 
-  // The file itself and, if it is a link, its target's folder.
+  // The file itself and, if it is a link, its target's folder. What cannot be watched does not
+  // exist or belongs to another user.
   void watchFile() {
     std::error_code error;
     const fs::path target = fs::canonical(path, error);
