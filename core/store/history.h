@@ -163,7 +163,7 @@ class History {
   // Ends the session with row id `id` at `end`, if it has not ended yet.
   void endSession(std::int64_t id, Date end);
 
-  // Deletes the note with row id `id`. The bytes are overwritten.
+  // Deletes the note with row id `id`. The row's bytes are overwritten.
   void deleteNote(std::int64_t id);
 
   // The note with row id `id`; absent when there is none.
@@ -195,12 +195,17 @@ class History {
 
   [[nodiscard]] Selected select(const Selection& selection);
 
-  // Deletes what `selected` found for `selection`, in one step. The bytes are overwritten.
+  // Deletes what `selected` found for `selection`, in one step. The rows' bytes are overwritten.
   void forget(const Selection& selection, const Selected& selected);
 
   // Makes all `replacements` in one step. The first in a session's place has its row id, and the
-  // end that the row has got since it was read. The bytes are overwritten.
+  // end that the row has got since it was read. The rows' bytes are overwritten.
   void replace(const std::vector<Replacement>& replacements);
+
+  // Writes the whole file anew. A row that moves to another page leaves its bytes in the old one,
+  // where overwriting it does not reach them. Takes as much memory as the file has bytes, and locks
+  // the database meanwhile: 2.3 seconds for 100 MB on a busy machine.
+  void writeAnew();
 
  private:
   // How long a lock that another program holds is waited for.

@@ -219,4 +219,9 @@ void History::replace(const std::vector<Replacement>& replacements) {
   transaction.keep();
 }
 
+void History::writeAnew() {
+  run("PRAGMA temp_store = MEMORY;");  // no copy of the history in a folder for temporary files
+  run("VACUUM;");
+}
+
 }  // namespace tessum

@@ -14,7 +14,7 @@ inline constexpr double kLockPatienceSeconds = 5;
 
 // Runs `action` again every 20 ms while it throws a DatabaseError of a lock, for up to `seconds`,
 // and gives its result. Throws what it throws otherwise, and its last error after that time. It
-// blocks: only for the start of a program.
+// blocks: only for a command, or the start of a program.
 template <typename Action>
 auto outlastingLocks(double seconds, Action action) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);

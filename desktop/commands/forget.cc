@@ -6,6 +6,7 @@
 
 #include "core/base/text.h"
 #include "core/store/history.h"
+#include "core/store/lock_patience.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/forget_hidden.h"
 #include "desktop/commands/reports/filter_options.h"
@@ -70,6 +71,7 @@ void forget(Host& host, const ForgetOptions& options) {
   }
   history.forget(selection, selected);
   removeTimeline(host.locations);
+  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
   print("Deleted.\n");
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/store/history.h"
+#include "core/store/lock_patience.h"
 #include "desktop/commands/standard_output.h"
 #include "desktop/settings/hidden_sessions.h"
 #include "desktop/settings/settings_file.h"
@@ -72,6 +73,7 @@ void forgetHidden(Host& host, bool isSure) {
   }
   history.replace(replacements);
   removeTimeline(host.locations);
+  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
   print("Deleted.\n");
 }
 

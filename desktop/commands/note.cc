@@ -9,6 +9,7 @@
 #include "core/platform/private_files.h"
 #include "core/store/database.h"
 #include "core/store/history.h"
+#include "core/store/lock_patience.h"
 #include "desktop/commands/arguments.h"
 #include "desktop/commands/commands.h"
 #include "desktop/commands/standard_output.h"
@@ -190,6 +191,7 @@ void deleteNote(const Host& host, std::int64_t number) {
   History history(historyPath(host.locations), History::Access::write);
   const Annotation note = noteOf(history, number);
   history.deleteNote(number);
+  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
   print("Deleted: " + description(note) + "\n");
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <utility>
 
 #include "tests/desktop/user.h"
 #include "tests/support/sql.h"
@@ -83,6 +84,20 @@ TEST_F(Forget, NoByteOfItStaysInTheFile) {
   ASSERT_NE(readFile(user.historyPath()).find("Secret_plan"), std::string::npos);
   ASSERT_EQ(user.run({"forget", "--app", "Editor", "--yes"}).status, 0);
   EXPECT_EQ(readFile(user.historyPath()).find("Secret_plan"), std::string::npos);
+}
+
+// Rows move between the pages of a large history, and leave copies behind.
+TEST_F(Forget, NoByteOfItStaysInALargeFile) {
+  Sql(user.historyPath()).run(R"(
+      WITH RECURSIVE number(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM number WHERE i < 3000)
+      INSERT INTO activities (app_name, title, start_time, end_time)
+      SELECT printf('Player %02d', i % 13), printf('Song %02d', i % 17), 20 * i, 20 * i + 9
+      FROM number;)");
+  for (const auto& [option, text] : {std::pair("--app", "Player 05"), {"--title", "Song 07"}}) {
+    ASSERT_NE(readFile(user.historyPath()).find(text), std::string::npos);
+    ASSERT_EQ(user.run({"forget", option, text, "--yes"}).status, 0);
+    EXPECT_EQ(readFile(user.historyPath()).find(text), std::string::npos) << text;
+  }
 }
 
 TEST_F(Forget, NothingIsForgottenUnlessItIsNamed) {
