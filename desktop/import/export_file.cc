@@ -16,6 +16,11 @@ struct Traits {
   bool hasAnnotations = false;
 };
 
+BrokenFile noExport() {
+  return BrokenFile(
+      "it is no export of ActivityWatch, of arbtt-dump -t JSON, or of Tessum in JSON");
+}
+
 bool isSample(std::string_view text) {
   try {
     const json::Value value = json::parse(text);
@@ -43,6 +48,7 @@ Traits traitsOf(const std::string& path) {
                             },
                         .take =
                             [&](const JsonPath& place, std::string_view text) {
+                              if (place.empty()) throw noExport();  // neither object nor array
                               if (!traits.isArray || place.size() != 1) return;
                               traits.hasElements = true;
                               if (!traits.hasSamples) traits.hasSamples = isSample(text);
@@ -59,7 +65,7 @@ std::unique_ptr<ExportFile> openExport(const std::string& path, std::optional<do
   }
   if (traits.hasBuckets) return makeBucketFile(path);
   if (traits.hasActivities && traits.hasAnnotations) return makeHistoryFile(path);
-  throw BrokenFile("it is no export of ActivityWatch, of arbtt-dump -t JSON, or of Tessum in JSON");
+  throw noExport();
 }
 
 }  // namespace tessum

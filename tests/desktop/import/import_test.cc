@@ -183,6 +183,9 @@ TEST_F(Import, RefusesWhatIsNoExportAndThenChangesNothing) {
     EXPECT_TRUE(contains(outcome.errors, "bad.json cannot be imported: ")) << outcome.errors;
     EXPECT_FALSE(std::filesystem::exists(user.historyPath()));
   }
+  writeFile(user.file("packed.json"), "\x1f\x8b\x08, \x03");
+  EXPECT_TRUE(
+      contains(user.run({"import", user.file("packed.json")}).errors, "it is no export of"));
   EXPECT_EQ(user.run({"import", user.file("none.json")}).status, 1);
   EXPECT_EQ(user.run({"import"}).status, 2);
 }
