@@ -13,6 +13,7 @@
 #include "desktop/clients/edit/toml_text.h"
 #include "desktop/clients/made_folders.h"
 #include "desktop/clients/registration_records.h"
+#include "desktop/optional_file.h"
 
 namespace tessum {
 namespace {
@@ -24,16 +25,6 @@ std::unique_ptr<ConfigText> editorFor(const ServerFormat& format) {
     return std::make_unique<TomlText>(format.container, kEntryKey);
   }
   return std::make_unique<JsonText>(format.container, kEntryKey);
-}
-
-// The bytes of the file; absent when there is no file.
-std::optional<std::string> bytesOf(const std::string& path, const Files& files) {
-  try {
-    return files.read(path);
-  } catch (const std::system_error& error) {
-    if (error.code() != std::errc::no_such_file_or_directory) throw;
-    return std::nullopt;
-  }
 }
 
 // Writes the file and the folders that are missing for it.
@@ -57,7 +48,7 @@ void removeFile(const std::string& path) {
 
 RegistrationChange rewrite(const RegistrationFile& file, const json::Value& entry, bool isDryRun,
                            const Host& host) {
-  const auto bytes = bytesOf(file.path, host.files);
+  const auto bytes = readIfThere(host.files, file.path);
   const RewrittenText edited = editorFor(file.format)->rewritten(bytes.value_or(""), entry);
   RegistrationChange change{.outcome = Outcome::changed,
                             .difference = textDifference(file.path, bytes, edited.text),
@@ -96,7 +87,7 @@ RegistrationChange registerIn(const RegistrationFile& file, const RegistrationOp
   if (!options.isDryRun) removeLeftBehind(file.path);
   const auto editor = editorFor(file.format);
   const json::Value entry = serverEntry(file.format, options.form, host);
-  const auto bytes = bytesOf(file.path, host.files);
+  const auto bytes = readIfThere(host.files, file.path);
   try {
     const auto found = editor->entry(bytes.value_or(""));
     if (found && worksLike(*found, entry)) return {};
@@ -124,7 +115,7 @@ RegistrationChange unregisterFrom(const RegistrationFile& file, const Registrati
                                   const Host& host) {
   if (!options.isDryRun) removeLeftBehind(file.path);
   const auto editor = editorFor(file.format);
-  const auto bytes = bytesOf(file.path, host.files);
+  const auto bytes = readIfThere(host.files, file.path);
   try {
     if (!bytes || !editor->entry(*bytes)) {
       if (!options.isDryRun) dropRecord(file.path, host);
@@ -151,7 +142,7 @@ RegistrationChange unregisterFrom(const RegistrationFile& file, const Registrati
 }
 
 Registration registrationIn(const RegistrationFile& file, const Host& host) {
-  const auto bytes = bytesOf(file.path, host.files);
+  const auto bytes = readIfThere(host.files, file.path);
   if (!bytes) return {};
   try {
     const auto entry = editorFor(file.format)->entry(*bytes);

@@ -1,7 +1,6 @@
 #include "desktop/clients/registration_records.h"
 
 #include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include "core/base/text.h"
@@ -10,6 +9,7 @@
 #include "core/json/writer.h"
 #include "core/platform/private_files.h"
 #include "desktop/clients/made_folders.h"
+#include "desktop/optional_file.h"
 
 namespace tessum {
 namespace {
@@ -27,11 +27,11 @@ std::string recordsFile(const Host& host) {
 // Every record; empty when there is no file of records, or none that can be made out. Throws
 // std::system_error for one that cannot be read.
 Object allRecords(const Host& host) {
+  const auto text = readIfThere(host.files, recordsFile(host));
+  if (!text) return {};
   try {
-    const json::Value all = json::parse(host.files.read(recordsFile(host)));
+    const json::Value all = json::parse(*text);
     if (const Object* object = all.object()) return *object;
-  } catch (const std::system_error& error) {
-    if (error.code() != std::errc::no_such_file_or_directory) throw;
   } catch (const json::DecodingError&) {
   }
   return {};

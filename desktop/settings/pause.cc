@@ -1,12 +1,12 @@
 #include "desktop/settings/pause.h"
 
 #include <filesystem>
-#include <system_error>
 
 #include "core/json/field.h"
 #include "core/json/reader.h"
 #include "core/json/writer.h"
 #include "core/platform/private_files.h"
+#include "desktop/optional_file.h"
 #include "desktop/reports/wall_clock.h"
 
 namespace tessum {
@@ -30,14 +30,9 @@ std::string pausePath(const Locations& locations) {
 }
 
 std::optional<Pause> pauseAt(Date now, const Locations& locations, const Files& files) {
-  std::string text;
-  try {
-    text = files.read(pausePath(locations));
-  } catch (const std::system_error& error) {
-    if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
-    throw;
-  }
-  const Pause pause = readPause(text);
+  const auto text = readIfThere(files, pausePath(locations));
+  if (!text) return std::nullopt;
+  const Pause pause = readPause(*text);
   if (pause.until && secondsBetween(now, *pause.until) <= 0) return std::nullopt;
   return pause;
 }

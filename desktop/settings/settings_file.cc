@@ -3,6 +3,7 @@
 #include <optional>
 #include <system_error>
 
+#include "desktop/optional_file.h"
 #include "desktop/settings/settings_reader.h"
 
 namespace tessum {
@@ -11,9 +12,8 @@ namespace {
 // The file's text; absent when it does not exist.
 std::optional<std::string> readText(const std::string& path, const Files& files) {
   try {
-    return files.read(path);
+    return readIfThere(files, path);
   } catch (const std::system_error& error) {
-    if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
     throw SettingsError(error.what());
   }
 }

@@ -86,11 +86,10 @@ TEST_F(KWinRecording, SaysWhatToDoWhereKWinHidesItsWindows) {
       desktop_->start(TESSUM_PROGRAM, {"record", "--no-update-check"},
                       {"DISPLAY=", "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent"});
   EXPECT_EQ(recorder->wait(), kFailed);
-  EXPECT_EQ(
-      recorder->errors(),
-      "Tessum: This is a Wayland session without X11: the focused window cannot be seen "
-      "here. KDE Plasma shows its windows over the session bus, which does not answer here, "
-      "and to programs that a desktop entry permits; \"Tessum setup\" writes that entry.\n");
+  EXPECT_EQ(recorder->errors(),
+            "Tessum: This is a Wayland session without X11: the focused window cannot be seen "
+            "here. KDE Plasma shows its windows over the session bus, which does not answer here, "
+            "and to programs that a desktop entry permits; \"Tessum setup\" writes that entry.\n");
 }
 
 TEST_F(KWinRecording, EndsWithTheCompositorAndSaysSo) {

@@ -29,6 +29,15 @@ TEST_F(Setup, RecordsFromNowAndFromEachLoginOn) {
   EXPECT_EQ(run({"settings", "check"}).status, 0);
 }
 
+TEST_F(Setup, LeavesALinkThatLeadsNowhereWhereItWantsAFolder) {
+  openTerminal();
+  fs::create_directories(desktop.home().file("config"));
+  fs::create_symlink("/nonexistent", config("autostart"));
+  EXPECT_EQ(run({"setup", "--yes"}).status, 1);
+  EXPECT_EQ(run({"setup", "--undo", "--yes"}).status, 0);
+  EXPECT_TRUE(fs::is_symlink(config("autostart")));
+}
+
 TEST_F(Setup, LeavesNothingButTheHistoryWhenItIsUndone) {
   openTerminal();
   fs::create_directories(config("autostart"));
