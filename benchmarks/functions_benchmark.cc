@@ -28,7 +28,7 @@ namespace {
 
 const SystemCalendar kCalendar;
 
-// A store in its own folder, which is removed with it.
+// A database in its own folder, which is removed with it.
 class YearOfHistory {
  public:
   YearOfHistory() : folder_(std::filesystem::temp_directory_path() / "tessum-benchmark-XXXXXX") {

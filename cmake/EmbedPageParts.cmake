@@ -2,7 +2,7 @@
 #
 #   cmake -D OUT=file.cc -D "STYLE=a.css" -D "SCRIPT=a.js;b.js" -D "CONTROLS=a.html" -P EmbedPageParts.cmake
 #
-# The files of one part are put behind each other.
+# The files of one part are joined.
 
 # The bytes that the hexadecimal digits `hex` stand for, in base 64. Their number leaves a remainder
 # of two when it is divided by three, as the 32 of SHA-256 do.

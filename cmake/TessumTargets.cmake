@@ -8,7 +8,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   target_compile_options(tessum_options INTERFACE -Wno-restrict -Wno-maybe-uninitialized)
 endif()
 if(NOT APPLE)
-  # What Debian asks of its packages; Apple's compiler does it by itself.
+  # Required of Debian's packages; Apple's compiler does it by itself.
   target_compile_options(tessum_options INTERFACE
     "$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-fstack-protector-strong>")
 endif()

@@ -1,4 +1,4 @@
-// The engine over a small store: a request gets one response, a notification none.
+// The engine over a small database: a request gets one response, a notification none.
 
 #include <cstddef>
 #include <cstdint>
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const SystemCalendar calendar;
   const FakeClock clock(kNow);
-  // Only a message that decodes reaches the store.
+  // Only a message that decodes reaches the database.
   MCPServer server(request ? makeSmallStore(calendar) : nullptr, 0, clock, calendar);
   const auto answer = server.handleBody(message.view());
   TESSUM_CHECK(answer.has_value() == (!request || request->id), "an answer too many or too few");

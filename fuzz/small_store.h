@@ -1,4 +1,4 @@
-// A small in-memory store with every kind of row, created for each input so that inputs do not
+// A small in-memory database with every kind of row, created for each input so that inputs do not
 // affect each other.
 
 #pragma once
@@ -10,7 +10,7 @@
 
 namespace tessum {
 
-// The end of the small store's history: 2025-03-04T12:00:00Z.
+// The end of its history: 2025-03-04T12:00:00Z.
 inline constexpr Date kNow{1741089600};
 
 [[nodiscard]] inline std::shared_ptr<Database> makeSmallStore(const Calendar& calendar) {

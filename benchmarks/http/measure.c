@@ -1,6 +1,6 @@
 /* http-measure SERVER LIMIT_SERVER FOLDER: sends the same requests to the HTTP server
  * and the limit server in turn, one per connection, and prints the time per request and the ratio.
- * Then it sends large bodies. FOLDER must be empty: the store is created there. An incomplete
+ * Then it sends large bodies. FOLDER must be empty: the database is created there. An incomplete
  * answer ends the program with an error. */
 
 #include <errno.h>

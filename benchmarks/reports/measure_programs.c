@@ -2,8 +2,8 @@
  *
  *   measure-programs ROUNDS PROGRAM ARGUMENT... [-- PROGRAM ARGUMENT...]
  *
- * They run in turns, so that whatever else the computer does hits them alike, and write to
- * nowhere. Prints the median of each in milliseconds, in one line. */
+ * They run in turns, so that other load affects them alike, and their output is discarded. Prints
+ * the median of each in milliseconds, in one line. */
 
 #include <fcntl.h>
 #include <spawn.h>

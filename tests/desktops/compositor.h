@@ -19,7 +19,7 @@ namespace tessum {
 [[nodiscard]] bool isInstalled(const std::string& program);
 
 // The compositor and its programs run as an ordinary user with a runtime folder of their own, and
-// end with the object. Without a bus of its own none is reached.
+// end with the object. Without buses of its own it reaches none.
 class Compositor : public TestDesktop {
  public:
   // Ends it, as in a crash.
@@ -29,7 +29,7 @@ class Compositor : public TestDesktop {
   void freeze() { process_->kill(SIGSTOP); }
   void thaw() { process_->kill(SIGCONT); }
 
-  // logind, where there is one, wants the screen to be locked, or unlocked.
+  // Has logind, where there is one, ask for the screen to be locked or unlocked.
   void lock() const { logind_->writeLine("Lock"); }
   void unlock() const { logind_->writeLine("Unlock"); }
 
@@ -44,8 +44,8 @@ class Compositor : public TestDesktop {
     return home().file("run/" + name);
   }
 
-  // Starts the program and waits until `isReady`. Throws std::runtime_error with what it says when
-  // it does not become so.
+  // Starts the program and waits until `isReady`. Throws std::runtime_error with its output when it
+  // does not become ready.
   void launch(const std::string& program, const std::vector<std::string>& arguments,
               const std::vector<std::string>& environment, const std::function<bool()>& isReady);
 
@@ -122,7 +122,7 @@ class CompositorTest : public testing::Test {
     return comesTo();
   }
 
-  // Stops the recorder, which must have nothing to complain of, and checks all rows once more.
+  // Stops the recorder, which must have reported no problem, and checks all rows once more.
   void stopRecorder() {
     recorder_->process().kill(SIGTERM);
     EXPECT_EQ(recorder_->process().wait(), kSuccess);

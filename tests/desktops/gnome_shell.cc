@@ -17,7 +17,7 @@ constexpr char kShellPath[] = "/org/gnome/Shell";
 constexpr char kRemoteDesktop[] = "org.gnome.Mutter.RemoteDesktop";
 constexpr char kInputSession[] = "org.gnome.Mutter.RemoteDesktop.Session";
 
-// Before it comes "GNOME Shell ".
+// It follows "GNOME Shell ".
 constexpr std::size_t kVersionStart = 12;
 
 // Calls a method without an interesting answer; false when it fails.
@@ -131,7 +131,7 @@ void GnomeShell::connect(const std::string& address) {
   expect(isDone, "cannot connect to the bus");
 }
 
-// The shell ends the session when the connection ends that has asked for it.
+// The shell ends the session when the connection that asked for it ends.
 void GnomeShell::startInput() {
   sd_bus_message* reply = nullptr;
   expect(sd_bus_call_method(bus_.get(), kRemoteDesktop, "/org/gnome/Mutter/RemoteDesktop",

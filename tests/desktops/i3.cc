@@ -15,7 +15,7 @@ I3::I3() {
   launch(kProgram, {"-c", home().file("i3.conf")}, {}, [this] { return answers(); });
 }
 
-// The server may end only once nobody needs it.
+// The server may end only when nothing needs it any more.
 I3::~I3() {
   kill();
 }

@@ -6,7 +6,7 @@
 namespace tessum {
 
 // The program as it is installed has a power that not every container can grant, so a copy without
-// it runs. KWin tells its X11 display to the programs that it starts.
+// it runs. KWin passes the name of its X11 display to the programs that it starts.
 KWin::KWin(Permission permission) {
   startBuses();
   run("mkdir", {"-p", home().file("bin"), home().file("data/applications")});

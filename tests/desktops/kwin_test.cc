@@ -56,7 +56,7 @@ TEST_F(KWinRecording, EndsWithTheLastInputAndBeginsWithTheNext) {
   stopRecorder();
   record({"--away-after", "2s"});
   ASSERT_TRUE(shows(dialogRow_));
-  // Of the time without input KWin may leave out a twentieth: the session must not end before it
+  // KWin may count up to a twentieth less time without input: the session must not end before it
   // begins.
   const auto start = std::chrono::steady_clock::now();
   const auto hasLasted = [&] {

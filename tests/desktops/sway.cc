@@ -5,7 +5,7 @@
 
 namespace tessum {
 
-// sway picks the names of its displays, and tells them to the programs that it starts.
+// sway chooses the names of its displays, and passes them to the programs that it starts.
 Sway::Sway() {
   const std::string told = home().file("displays");
   writeFile(home().file("sway.conf"), "exec echo \"$WAYLAND_DISPLAY $DISPLAY\" > " + told +

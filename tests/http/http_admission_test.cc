@@ -1,4 +1,4 @@
-// A transport that asks whom it may answer, and for how long.
+// A transport with an admission, which says whom it answers and for how long.
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ std::string refusal(const std::string& reason) {
          std::to_string(reason.size()) + "\r\nConnection: close\r\n\r\n" + reason;
 }
 
-// Serves those who name themselves, and counts what reaches the engine.
+// Serves visitors who give a name, and counts what reaches the engine.
 class HTTPAdmissionTest : public testing::Test {
  protected:
   HTTPAdmissionTest() { listen(admission()); }

@@ -1,5 +1,5 @@
-// http-test-server DATABASE [PORT]: serves a store over HTTP, on a free port unless one is given.
-// It prints its address and ends when its standard input does.
+// http-test-server DATABASE [PORT]: serves a database over HTTP, on a free port unless one is
+// given. It prints its address and ends when its standard input does.
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-// An engine over a real store, at a fixed moment in a fixed zone.
+// An engine over a real database, at a fixed moment in a fixed zone.
 
 #pragma once
 

@@ -24,7 +24,7 @@ using Calls = std::vector<std::string>;
 inline const RunningApplication kEditor{"Editor", "org.editor", 10};
 inline const RunningApplication kBrowser{"Browser", "org.browser", 20};
 
-// A monitor over a real store, at second 1000 of time.
+// A monitor over a real database, at second 1000 of time.
 class ActivityMonitorTest : public testing::Test {
  protected:
   // The sessions: name, bundle identifier, title, start and end.

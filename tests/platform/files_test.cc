@@ -40,7 +40,7 @@ std::error_code errorOf(Call call) {
   return {};
 }
 
-// Makes this process an ordinary user's for a while if it is root's, who may do anything.
+// Drops root's power to do anything for a while, if this process has it.
 class AsOrdinaryUser {
  public:
   explicit AsOrdinaryUser(const TemporaryFolder& folder) {

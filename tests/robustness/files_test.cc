@@ -1,4 +1,4 @@
-// The database in trouble: each request gets its result or the store's error text, or the server
+// The database in trouble: each request gets its result or the database's error text, or the server
 // stops before it reads one. Everything works again once the cause is gone.
 
 #include <sqlite3.h>
@@ -23,7 +23,7 @@ constexpr ExitStatus kAborted{.code = {}, .signal = SIGABRT};
 
 class Files : public ServerTest {
  protected:
-  // Calls each tool once. Each answer is a result or the store's error text.
+  // Calls each tool once. Each answer is a result or the database's error text.
   void expectAnswers(ChildProcess& server) {
     for (const char* tool :
          {"get_activities", "search_activities", "get_app_usage", "annotate", "get_annotations"}) {

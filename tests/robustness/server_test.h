@@ -31,7 +31,7 @@ struct Answer {
 };
 [[nodiscard]] Answer toAnswer(std::string_view line);
 
-// Whether the answer is the store's error text.
+// Whether the answer is the database's error text.
 [[nodiscard]] bool isStoreError(const Answer& answer);
 
 // Each test has a home folder of its own, which the programs that it starts use.
@@ -41,7 +41,7 @@ class ServerTest : public testing::Test {
   [[nodiscard]] std::string dataFolder() const { return SystemLocations().dataFolder(); }
   [[nodiscard]] std::string databasePath() const { return dataFolder() + "/activities.db"; }
 
-  // Lets a server make the store with one annotation in it.
+  // Has a server create the database with one annotation in it.
   void makeStore() const;
 
   // The texts of all annotations, the oldest first.

@@ -1,5 +1,5 @@
-// Opens the user's store, prints "writing", writes sessions without pause until its input ends, and
-// prints how many it has stored. It drops what it cannot write because of a lock.
+// Opens the user's database, prints "writing", writes sessions without pause until its input ends,
+// and prints how many it has stored. It drops what it cannot write because of a lock.
 
 #include <poll.h>
 #include <unistd.h>

@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Every so many system calls one is disturbed, and so many disturbances count at least.
+// Every how many system calls one is disturbed, and how many disturbances there must be at least.
 constexpr int kStep = TESSUM_FAULT_STEP;
 constexpr int kFewest = 8 / kStep;
 
@@ -70,7 +70,7 @@ class ClientCommandsFaults : public testing::TestWithParam<Case> {
     return paths;
   }
 
-  // Whatever state the command was ended in, installing and uninstalling come out right.
+  // Whatever state the command left, installing and uninstalling afterwards work.
   void expectNextRunsAreRight() const {
     EXPECT_EQ(user_.run({"clients"}).status, 0);
     EXPECT_EQ(temporaryFiles(), std::vector<std::string>{}) << "any run removes them";

@@ -57,7 +57,7 @@ const Command kWriters[] = {
 // Separate, because it also writes a file into the history's folder.
 const Command kTimeline{"timeline", {"timeline", "2025-03-04"}};
 
-// It has something to say without a history, too.
+// This command works without a history, too.
 const Command kStatus{"status", {"status"}};
 
 std::vector<Command> readersAnd(std::vector<Command> others) {
@@ -136,8 +136,8 @@ Started takeEnded(std::vector<Started>& programs) {
   return taken;
 }
 
-// "record" and "note TEXT" write as the recorder does, so they fail at once. The others wait a
-// second for the lock; all run in parallel, so the test takes no longer than that.
+// "record" and "note TEXT" do not wait for a lock. The others wait a second for it; all run in
+// parallel, so the test takes no longer than that.
 TEST(ALockedRecord, IsWaitedForThenReportedAndNotChanged) {
   const User user;
   fill(user);

@@ -8,8 +8,8 @@
 
 namespace tessum {
 
-// What of `value` is not as `schema` says, a line each; empty where all is. Fails the test at a
-// word of the schema that it does not know.
+// Where `value` does not match `schema`, a line each; empty where it matches. Fails the test at a
+// keyword of the schema that it does not know.
 [[nodiscard]] std::string violations(const json::Value& schema, const json::Value& value);
 
 }  // namespace tessum

@@ -52,7 +52,7 @@ TEST_F(HTTPEndpointTest, AnswersEveryoneWhenItIsOpen) {
   EXPECT_TRUE(isAnswered("example.org"));
 }
 
-// Each would stay for as long as its peer likes where the endpoint is open to everyone.
+// Where the endpoint is open to everyone, each would stay for as long as its peer likes.
 TEST_F(HTTPEndpointTest, HoldsSoManyConnections) {
   allowDescriptors(1000);
   const HTTPEndpoint endpoint(path_, port_, OpenTo::thisComputer, clock_, calendar_);

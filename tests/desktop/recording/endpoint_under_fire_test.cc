@@ -1,4 +1,4 @@
-// A recording beside an endpoint that is asked every way there is, and held open by many.
+// A recording beside an endpoint that gets requests of every kind and many idle connections.
 
 #include <gtest/gtest.h>
 
@@ -39,7 +39,7 @@ const std::string kStopper = callOf("get_activities", R"({"limit":2147483648})")
 
 class Attacker {
  public:
-  // Opens connections that say half of something, then asks again and again.
+  // Opens connections that send half a request, then sends request after request.
   void run() {
     for (int i = 0; i < kHalfOpen; ++i) {
       halfOpen_.push_back(connect());

@@ -23,7 +23,7 @@ class Recorder {
  public:
   using Rows = std::vector<std::string>;
 
-  // Starts it, with additional arguments, and waits until it has created the store.
+  // Starts it, with additional arguments, and waits until it has created the database.
   explicit Recorder(const TestDesktop& desktop, const std::vector<std::string>& arguments = {})
       : desktop_(desktop),
         process_(desktop.start(desktop.recorderProgram(TESSUM_PROGRAM), allArguments(arguments),

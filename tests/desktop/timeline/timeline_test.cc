@@ -208,7 +208,7 @@ TEST(LanesOfNotes, KeepThoseApartThatOverlap) {
   EXPECT_EQ(lanesOf(notes, Date{20}), (std::vector<std::size_t>{0, 1, 2, 1, 0, 1}));
 }
 
-// A colour that changed with a release would be another application's to whoever knows it.
+// If a colour changed with a release, people would take one application for another.
 TEST(Colours, BelongToNamesForGood) {
   EXPECT_EQ(colourOf("Firefox"), 5U);
   EXPECT_EQ(colourOf("Terminal"), 4U);

@@ -49,7 +49,7 @@ TEST_F(DownloadOpenerTest, OpensNothingElse) {
   const DownloadOpener opener = openerThatMarks(true);
   for (const char* name :
        {"Setup.app", "Setup.pkg", "Setup.DMG", "Setup.dmg ", "Setup.dmg.app", "dmg", "x.dmg/y",
-        // Shown as "Setupppa.dmg" and the like: an application that passes for an image.
+        // Shown as "Setupppa.dmg" and the like: an application disguised as an image.
         "Setup\u202Egmd.app", "a\u202E.dmg", "a\u200F.dmg", "a\u200E.dmg", "a\u061C.dmg",
         "a\u2066.dmg", "a\u2069.dmg", "a\u2028.dmg", "a\n.dmg", "a\x1B.dmg", "a\xFF.dmg"}) {
     opener.open(fileUrl(std::string("/home/u/") + name));

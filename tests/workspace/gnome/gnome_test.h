@@ -20,7 +20,7 @@ inline constexpr char kExtensionPath[] = "/com/tessum/FocusedWindow";
 inline constexpr char kShellPath[] = "/org/gnome/Shell";
 inline constexpr char kExtensions[] = "org.gnome.Shell.Extensions";
 
-// The extension, in a connection of its own: the shell's is told apart from it by its name only.
+// The extension, with a connection of its own: only its name distinguishes it from the shell's.
 class FakeExtension {
  public:
   FakeExtension(SystemMainLoop& loop, const std::string& address, const std::string& windowClass,
@@ -51,7 +51,7 @@ class FakeExtension {
   BusPeer peer_;
 };
 
-// With what a source on that bus tells.
+// With the reports of a source on that bus.
 class GnomeTest : public testing::Test {
  protected:
   using Texts = std::vector<std::string>;

@@ -17,7 +17,7 @@ namespace {
 constexpr char kName[] = "org.gnome.Mutter.IdleMonitor";
 constexpr char kPath[] = "/org/gnome/Mutter/IdleMonitor/Core";
 
-// Counts up for as long as the test says, and has the watches that it is given.
+// Counts as long as the test says, and keeps the watches that it is given.
 class FakeIdleMonitor {
  public:
   FakeIdleMonitor(SystemMainLoop& loop, const std::string& address) : peer_(loop, address) {

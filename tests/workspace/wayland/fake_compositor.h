@@ -1,4 +1,4 @@
-// A compositor that tells whatever a test wants.
+// A compositor that reports whatever a test wants.
 
 #pragma once
 
@@ -15,8 +15,8 @@
 
 namespace tessum {
 
-// It offers the windows of wlroots, and idleness in the way that it is asked for. It runs on a
-// thread of its own, as its client waits for it; XDG_RUNTIME_DIR leads to it while it lives.
+// It offers the windows of wlroots, and idleness by the protocol that the test chooses. It runs on
+// a thread of its own, as its client waits for it; XDG_RUNTIME_DIR leads to it while it lives.
 class FakeCompositor {
  public:
   static constexpr const char* kDisplay = "fake";
@@ -28,10 +28,10 @@ class FakeCompositor {
   FakeCompositor(const FakeCompositor&) = delete;
   FakeCompositor& operator=(const FakeCompositor&) = delete;
 
-  // Windows are numbered from 0 on, those of before a client comes too.
+  // Windows are numbered from 0 on, including those made before a client comes.
   std::size_t addWindow();
 
-  // Each tells the client one event. Without a client, or of a window that is closed, nothing.
+  // Each sends the client one event; without a client, or for a closed window, none.
   void tellTitle(std::size_t window, const std::string& title);
   void tellAppId(std::size_t window, const std::string& appId);
   void tellActive(std::size_t window, bool isActive);
