@@ -170,14 +170,12 @@ std::string dayReport(const DayHistory& history, const Paper& paper) {
     text += "\n" + toned("Notes", Tone::strong, paper) + "\n" +
             notesTable(history.notes, history.day, history.now, paper);
   }
-  if (isEmpty)
-    return text +
-               "
-               " + nothingRecordedText(history.leavesOutSome, 1) + "
-               ";
+  if (isEmpty) {
+    return text + "\n" + paragraph(nothingRecordedText(history.leavesOutSome, 1), paper);
+  }
 
-               text += "\n" + toned("Applications", Tone::strong, paper) + "\n" +
-                       usageTable(history.sessions, history.now, paper);
+  text += "\n" + toned("Applications", Tone::strong, paper) + "\n" +
+          usageTable(history.sessions, history.now, paper);
   return text + "\n" + toned("Sessions", Tone::strong, paper) + "\n" + sessionTable(history, paper);
 }
 
