@@ -117,7 +117,7 @@ std::vector<std::string> undoDifference(const SetupChange& change, const Host& h
   if (!assistant) return {};
   const std::string& path = assistant->files.front();
   if (canPutBack(change, *assistant, host)) {
-    return linesOf(textDifference(path, host.files.read(path), change.before));
+    return differenceLines(textDifference(path, host.files.read(path), change.before));
   }
   return differenceBy(unregisterFrom, *assistant, host);
 }
