@@ -20,14 +20,6 @@ namespace {
 
 const SystemCalendar kCalendar;
 
-// Drops root's privileges for good before the program starts.
-void dropPowers() {
-#if defined(__linux__)
-  prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
-  prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0);
-#endif
-}
-
 Outcome finish(ChildProcess& program, std::string output) {
   const ExitStatus status = program.finish();
   return {status.code.value_or(-1), std::move(output), program.errors()};
@@ -103,6 +95,13 @@ Outcome User::runOnTerminal(const std::vector<std::string>& arguments,
                                        .prepare = [screen] { dup2(screen, STDOUT_FILENO); }});
   std::string output = terminal.readAll();
   return finish(program, std::move(output));
+}
+
+void dropPowers() {
+#if defined(__linux__)
+  prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
+  prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0);
+#endif
 }
 
 Outcome outcomeOf(ChildProcess& program) {

@@ -69,6 +69,9 @@ class User {
   std::map<std::string, std::string> variables_;
 };
 
+// Drops, for good, root's power to ignore file permissions, for a program that is about to start.
+void dropPowers();
+
 // The host program as this build made it.
 [[nodiscard]] std::string hostProgram();
 

@@ -133,7 +133,8 @@ TEST_F(ResourcesTest, AStoreErrorIsAnErrorOfTheRequest) {
   static_cast<void>(read("tessum://activities/today"));  // SQLite now knows that it is gone
   EXPECT_EQ(read("tessum://activities/today"),
             json::parse(R"({"jsonrpc":"2.0","id":1,"error":{"code":-32603,)"
-                        R"("message":"Failed to prepare statement: no such table: activities"}})"));
+                        R"("message":"Failed to prepare statement: )" +
+                        sql_.failureOf("SELECT * FROM activities") + "\"}}"));
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <sqlite3.h>
+
 #include "tests/mcp/engine_fixture.h"
 
 namespace tessum {
@@ -189,13 +191,14 @@ TEST_F(ToolCallsTest, GetAnnotationsReportsTheDay) {
 TEST_F(ToolCallsTest, AStoreErrorIsAResultWithItsDescription) {
   sql_.run("BEGIN EXCLUSIVE");
   EXPECT_EQ(tool("annotate", R"({"text":"x"})"),
-            (ToolText{"Error: Failed to execute statement: database is locked", true}));
+            (ToolText{"Error: Failed to execute statement: " + sqliteText(SQLITE_BUSY), true}));
   sql_.run("ROLLBACK");
   EXPECT_FALSE(tool("annotate", R"({"text":"x"})").isError);
   sql_.run("DROP TABLE annotations");
   static_cast<void>(tool("get_annotations"));  // SQLite now knows that it is gone
-  EXPECT_EQ(tool("get_activities"),
-            (ToolText{"Error: Failed to prepare statement: no such table: annotations", true}));
+  EXPECT_EQ(tool("get_activities"), (ToolText{"Error: Failed to prepare statement: " +
+                                                  sql_.failureOf("SELECT * FROM annotations"),
+                                              true}));
 }
 
 using ToolCallsDeathTest = ToolCallsTest;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,11 +35,14 @@ class ClientUser {
     return {"HOME=" + home(), "XDG_CONFIG_HOME=", "XDG_DATA_HOME=", "LC_ALL=C"};
   }
 
+  // `prepare` runs in the child, before the program.
   [[nodiscard]] ClientRun run(const std::vector<std::string>& arguments,
-                              const std::string& program = TESSUM_PROGRAM) const {
+                              const std::string& program = TESSUM_PROGRAM,
+                              const std::function<void()>& prepare = nullptr) const {
     ChildProcess::Options options;
     options.arguments = arguments;
     options.environment = environment();
+    options.prepare = prepare;
     ChildProcess child(program, options);
     child.closeInput();
     ClientRun run;

