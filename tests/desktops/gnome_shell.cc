@@ -86,10 +86,12 @@ void GnomeShell::installExtensions() const {
   run("cp", {"-r", TESSUM_SHELL_EXTENSIONS, folder + "/extensions"});
 }
 
-void GnomeShell::callExtension(const char* method) const {
-  expect(call(bus_.get(), kShellPath, kShell, "org.gnome.Shell.Extensions", method, "s",
-              extension_.c_str()),
-         method);
+void GnomeShell::enableExtension() const {
+  run("gnome-extensions", {"enable", extension_});
+}
+
+void GnomeShell::disableExtension() const {
+  run("gnome-extensions", {"disable", extension_});
 }
 
 void GnomeShell::touch() const {

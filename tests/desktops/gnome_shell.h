@@ -28,9 +28,9 @@ class GnomeShell final : public Compositor {
   // Puts the extensions into the user's folder, as a package would into the system's.
   void installExtensions() const;
 
-  // Turns our extension on or off.
-  void enableExtension() const { callExtension("EnableExtension"); }
-  void disableExtension() const { callExtension("DisableExtension"); }
+  // Turns our extension on, as a person does by hand, or off.
+  void enableExtension() const;
+  void disableExtension() const;
 
   // Somebody touches the computer.
   void touch() const;
@@ -50,7 +50,6 @@ class GnomeShell final : public Compositor {
   };
 
   void connect(const std::string& address);
-  void callExtension(const char* method) const;
   void startInput();
   [[nodiscard]] bool isOverviewShown() const;
 
