@@ -118,10 +118,13 @@ configure() {
   }
 }
 
-# build FOLDER [targets]: builds, and shows progress on a terminal.
+# build FOLDER [targets]: builds, and shows progress on a terminal. Ninja itself would start two more
+# compilers than there are processors, which take longer than they would one after the other.
 build() {
   local folder=$1 log
   shift
+  local -x CMAKE_BUILD_PARALLEL_LEVEL
+  CMAKE_BUILD_PARALLEL_LEVEL=$(getconf _NPROCESSORS_ONLN)
   log=$folder/build.log
   say "building in $folder"
   if [ -t 2 ]; then

@@ -71,8 +71,8 @@ void forget(Host& host, const ForgetOptions& options) {
   }
   history.forget(selection, selected);
   removeTimeline(host.locations);
-  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
   print("Deleted.\n");
+  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
 }
 
 }  // namespace

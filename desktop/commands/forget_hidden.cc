@@ -73,8 +73,8 @@ void forgetHidden(Host& host, bool isSure) {
   }
   history.replace(replacements);
   removeTimeline(host.locations);
-  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
   print("Deleted.\n");
+  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
 }
 
 }  // namespace tessum

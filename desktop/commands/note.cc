@@ -191,8 +191,8 @@ void deleteNote(const Host& host, std::int64_t number) {
   History history(historyPath(host.locations), History::Access::write);
   const Annotation note = noteOf(history, number);
   history.deleteNote(number);
-  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
   print("Deleted: " + description(note) + "\n");
+  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
 }
 
 void runNote(const Host& host, const NoteOptions& options) {
