@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 
 namespace tessum {
 

@@ -5,10 +5,10 @@
 
 #include "core/store/database_error.h"
 #include "core/store/history.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 #include "desktop/program.h"
-#include "desktop/reports/text_layout.h"
 #include "desktop/settings/settings_reader.h"
+#include "desktop/text/text_layout.h"
 
 int main(int argc, char** argv) {
   try {

@@ -7,12 +7,12 @@
 
 #include "core/base/text.h"
 #include "core/platform/app_info.h"
-#include "desktop/command.h"
-#include "desktop/commands/command_line.h"
+#include "desktop/command_line/command_line.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/commands/commands.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/host/host.h"
 #include "desktop/leftovers.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "core/base/check.h"
+#include "desktop/periods/calendar_dates.h"
 #include "desktop/periods/period.h"
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace tessum;

@@ -13,7 +13,7 @@
 #include "desktop/clients/edit/toml_text.h"
 #include "desktop/clients/made_folders.h"
 #include "desktop/clients/registration_records.h"
-#include "desktop/optional_file.h"
+#include "desktop/host/optional_file.h"
 
 namespace tessum {
 namespace {

@@ -17,7 +17,7 @@
 
 #include "desktop/clients/entry_check.h"
 #include "desktop/clients/server_entry.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 
 namespace tessum {
 

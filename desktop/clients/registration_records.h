@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "desktop/clients/edit/config_text.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 
 namespace tessum {
 

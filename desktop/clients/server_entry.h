@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "core/json/value.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 
 namespace tessum {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "core/store/history.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/standard_output.h"
 
 namespace tessum {
 

@@ -15,10 +15,10 @@
 #include "desktop/clients/client_rows.h"
 #include "desktop/clients/registration.h"
 #include "desktop/clients/registration_records.h"
-#include "desktop/commands/reports/data_options.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/data_options.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/data/state_data.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

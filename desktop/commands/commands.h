@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 
 namespace CLI {
 class App;

@@ -10,12 +10,12 @@
 
 #include "core/store/history.h"
 #include "desktop/clients/assistants.h"
-#include "desktop/commands/arguments.h"
+#include "desktop/command_line/arguments.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/commands/commands.h"
-#include "desktop/commands/standard_output.h"
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/periods/calendar_dates.h"
 #include "desktop/settings/settings_file.h"
+#include "desktop/text/text_layout.h"
 #include "desktop/usage/session_filter.h"
 
 namespace tessum {

@@ -9,14 +9,14 @@
 
 #include "core/platform/private_files.h"
 #include "core/store/history.h"
-#include "desktop/commands/arguments.h"
-#include "desktop/commands/reports/data_options.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/arguments.h"
+#include "desktop/command_line/data_options.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/data/state_data.h"
 #include "desktop/doctor/finding.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/recording/left_open.h"
 #include "desktop/recording/recorder_state.h"
-#include "desktop/reports/wall_clock.h"
 
 namespace tessum {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "core/store/history.h"
 #include "core/store/lock_patience.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/settings/hidden_sessions.h"
 #include "desktop/settings/settings_file.h"
 #include "desktop/timeline/page.h"

@@ -10,10 +10,10 @@
 #include "core/store/database.h"
 #include "core/store/history.h"
 #include "core/store/lock_patience.h"
-#include "desktop/commands/arguments.h"
+#include "desktop/command_line/arguments.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/commands/commands.h"
-#include "desktop/commands/standard_output.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/settings/schedule.h"
 
 namespace tessum {

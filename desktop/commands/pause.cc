@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "desktop/commands/arguments.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/arguments.h"
+#include "desktop/command_line/standard_output.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/recording/recorder_state.h"
-#include "desktop/reports/wall_clock.h"
 #include "desktop/settings/pause.h"
 #include "desktop/settings/schedule.h"
 

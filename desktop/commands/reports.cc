@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "core/store/history.h"
-#include "desktop/commands/arguments.h"
-#include "desktop/commands/reports/data_options.h"
-#include "desktop/commands/reports/filter_options.h"
-#include "desktop/commands/reports/plain_report.h"
-#include "desktop/commands/standard_output.h"
-#include "desktop/reports/calendar_dates.h"
+#include "desktop/command_line/arguments.h"
+#include "desktop/command_line/data_options.h"
+#include "desktop/command_line/filter_options.h"
+#include "desktop/command_line/plain_report.h"
+#include "desktop/command_line/standard_output.h"
+#include "desktop/periods/calendar_dates.h"
 #include "desktop/reports/day_report.h"
 #include "desktop/settings/settings_file.h"
 

@@ -7,15 +7,15 @@
 
 #include "core/base/text.h"
 #include "core/platform/private_files.h"
-#include "desktop/commands/reports/data_options.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/data_options.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/data/state_data.h"
-#include "desktop/reports/text_layout.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/settings/editor.h"
 #include "desktop/settings/pause.h"
 #include "desktop/settings/setting_texts.h"
 #include "desktop/settings/settings_file.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

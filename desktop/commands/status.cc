@@ -9,13 +9,13 @@
 #include "core/store/history.h"
 #include "core/store/records.h"
 #include "desktop/clients/endpoint_state.h"
-#include "desktop/commands/reports/data_options.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/data_options.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/data/state_data.h"
-#include "desktop/reports/text_layout.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/settings/pause.h"
 #include "desktop/setup/overview.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

@@ -9,9 +9,9 @@
 #include "core/platform/private_files.h"
 #include "core/store/history.h"
 #include "core/update/urls.h"
-#include "desktop/commands/arguments.h"
-#include "desktop/commands/reports/filter_options.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/arguments.h"
+#include "desktop/command_line/filter_options.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/settings/settings_file.h"
 #include "desktop/timeline/page.h"
 

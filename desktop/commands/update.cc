@@ -10,7 +10,7 @@
 #include "core/loop/system_main_loop.h"
 #include "core/loop/termination_signals.h"
 #include "core/update/urls.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/update/update_dialogue.h"
 #include "desktop/update/updater.h"
 

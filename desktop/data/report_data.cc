@@ -5,9 +5,9 @@
 #include "core/json/writer.h"
 #include "desktop/data/csv.h"
 #include "desktop/data/values.h"
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/day_report.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/calendar_dates.h"
+#include "desktop/periods/wall_clock.h"
+#include "desktop/usage/day_history.h"
 
 namespace tessum {
 namespace {

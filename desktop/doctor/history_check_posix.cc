@@ -9,9 +9,9 @@
 #include "core/platform/private_files.h"
 #include "core/store/history.h"
 #include "desktop/doctor/finding.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/recording/recorder_state.h"
-#include "desktop/reports/text_layout.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "core/base/text.h"
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/periods/calendar_dates.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

@@ -1,8 +1,8 @@
 #include "desktop/periods/report_days.h"
 
 #include "core/base/check.h"
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/calendar_dates.h"
+#include "desktop/periods/wall_clock.h"
 
 namespace tessum {
 

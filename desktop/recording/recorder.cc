@@ -14,9 +14,9 @@
 #include "core/store/history.h"
 #include "core/store/lock_patience.h"
 #include "core/update/urls.h"
-#include "desktop/own_program.h"
+#include "desktop/host/own_program.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/recording/left_open.h"
-#include "desktop/reports/wall_clock.h"
 #include "desktop/settings/settings_file.h"
 #include "desktop/update/update_dialogue.h"
 

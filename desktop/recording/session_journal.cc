@@ -9,7 +9,7 @@
 
 #include "core/store/database_error.h"
 #include "core/store/session_store.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

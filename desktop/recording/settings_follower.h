@@ -8,7 +8,7 @@
 
 #include "core/loop/file_watcher.h"
 #include "core/loop/main_loop.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 #include "desktop/settings/pause.h"
 #include "desktop/settings/settings.h"
 

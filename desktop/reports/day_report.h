@@ -4,54 +4,20 @@
 
 #include <span>
 #include <string>
-#include <vector>
 
 #include "core/base/date.h"
-#include "core/store/history.h"
 #include "core/store/records.h"
-#include "desktop/periods/report_days.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/periods/period.h"
+#include "desktop/text/text_layout.h"
+#include "desktop/usage/day_history.h"
 
 namespace tessum {
 
-// The history of one day; each list is ordered oldest first.
-struct DayHistory {
-  CalendarDate date;
-  DayRange day;
-  std::vector<Activity> sessions;   // that overlap the day, cut at its edges
-  std::vector<DayRange> away = {};  // the times between sessions, of a minute or longer
-  std::vector<Annotation> notes;    // that overlap it, whole
-  Date now;                         // open sessions and notes count up to here
-  bool leavesOutSome = false;       // whether a filter left out sessions
-};
-
-[[nodiscard]] DayHistory readDay(History& history, const ReportDays& days, const CalendarDate& date,
-                                 Date now);
-
-// The days of `period` on which something can have been recorded: not before the first record, and
-// not after today. One day where there are none.
-[[nodiscard]] Period recordedDays(History& history, const Period& period, const ReportDays& days,
-                                  Date now);
-
-// The part of `session` that lies in `range`, which it overlaps; one that is open stays so unless
-// `range` ends before `now`.
-[[nodiscard]] Activity cutTo(const DayRange& range, const Activity& session, Date now);
-
-// Seconds from `start` to `end`, or to `now` when absent; never negative, whatever other programs
-// have written.
-[[nodiscard]] double secondsUntil(Date now, Date start, const std::optional<Date>& end);
-
-// As above, for `session`.
-[[nodiscard]] double secondsUntil(Date now, const Activity& session);
-
-// The total of each application, largest first; ties are ordered by name.
-[[nodiscard]] std::vector<AppUsageSummary> usageOf(std::span<const Activity> sessions, Date now);
-
-// Each report is a heading and a line for each entry, or a sentence when there are none. Each ends
-// in a line feed.
 // What a report of so many days says when it has no session, perhaps since a filter left some out.
 [[nodiscard]] std::string nothingRecordedText(bool leavesOutSome, int dayCount);
 
+// Each report is a heading and a line for each entry, or a sentence when there are none. Each ends
+// in a line feed.
 [[nodiscard]] std::string dayReport(const DayHistory& history, const Paper& paper);
 
 // The notes of `period`, which is `range`; those of several days with their dates.

@@ -6,8 +6,8 @@
 #include "core/json/reader.h"
 #include "core/json/writer.h"
 #include "core/platform/private_files.h"
-#include "desktop/optional_file.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/host/optional_file.h"
+#include "desktop/periods/wall_clock.h"
 
 namespace tessum {
 namespace {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
 
 namespace tessum {
 

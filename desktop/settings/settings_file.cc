@@ -3,7 +3,7 @@
 #include <optional>
 #include <system_error>
 
-#include "desktop/optional_file.h"
+#include "desktop/host/optional_file.h"
 #include "desktop/settings/settings_reader.h"
 
 namespace tessum {

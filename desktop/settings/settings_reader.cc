@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "core/base/text.h"
-#include "desktop/reports/text_layout.h"
 #include "desktop/settings/suggestion.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

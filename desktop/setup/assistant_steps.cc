@@ -8,7 +8,7 @@
 #include "desktop/clients/assistants.h"
 #include "desktop/clients/edit/text_difference.h"
 #include "desktop/clients/registration.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

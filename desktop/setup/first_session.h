@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "core/store/records.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 
 namespace tessum {
 

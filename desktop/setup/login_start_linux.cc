@@ -11,7 +11,7 @@
 #include <system_error>
 
 #include "core/workspace/linux/environment.h"
-#include "desktop/own_program.h"
+#include "desktop/host/own_program.h"
 #include "desktop/recording/recorder_state.h"
 #include "desktop/setup/program_run.h"
 #include "desktop/setup/recorder_process.h"

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "desktop/own_program.h"
+#include "desktop/host/own_program.h"
 #include "desktop/setup/program_run.h"
 #include "desktop/setup/start_files.h"
 

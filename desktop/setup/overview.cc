@@ -1,10 +1,10 @@
 #include "desktop/setup/overview.h"
 
 #include "desktop/clients/registered_clients.h"
-#include "desktop/reports/text_layout.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/setup/assistant_steps.h"
 #include "desktop/setup/login_start.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/base/date.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 #include "desktop/recording/recorder_state.h"
 #include "desktop/settings/pause.h"
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 
 namespace tessum {
 

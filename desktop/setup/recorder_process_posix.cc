@@ -8,7 +8,7 @@
 
 #include "core/platform/file_lock.h"
 #include "core/platform/spawn.h"
-#include "desktop/own_program.h"
+#include "desktop/host/own_program.h"
 #include "desktop/recording/recorder_state.h"
 
 namespace tessum {

@@ -14,7 +14,7 @@
 #include "core/json/writer.h"
 #include "core/platform/private_files.h"
 #include "desktop/clients/made_folders.h"
-#include "desktop/optional_file.h"
+#include "desktop/host/optional_file.h"
 
 namespace tessum {
 namespace {

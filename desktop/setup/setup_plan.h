@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 #include "desktop/setup/setup_step.h"
 
 namespace tessum {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
-#include "desktop/reports/day_report.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
+#include "desktop/usage/day_history.h"
 
 namespace tessum {
 

@@ -2,15 +2,15 @@
 #include <cmath>
 #include <cstddef>
 
-#include "desktop/reports/day_report.h"
-#include "desktop/reports/text_layout.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
+#include "desktop/text/text_layout.h"
 #include "desktop/timeline/app_rows.h"
 #include "desktop/timeline/colours.h"
 #include "desktop/timeline/day_scale.h"
 #include "desktop/timeline/markup.h"
 #include "desktop/timeline/pictures.h"
 #include "desktop/timeline/spans.h"
+#include "desktop/usage/day_history.h"
 
 namespace tessum {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
 
 namespace tessum {
 namespace {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 

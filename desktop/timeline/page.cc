@@ -3,10 +3,10 @@
 #include <filesystem>
 
 #include "core/store/records.h"
-#include "desktop/reports/calendar_dates.h"
+#include "desktop/periods/calendar_dates.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/reports/day_report.h"
-#include "desktop/reports/text_layout.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/text/text_layout.h"
 #include "desktop/timeline/app_rows.h"
 #include "desktop/timeline/markup.h"
 #include "desktop/timeline/page_data.h"

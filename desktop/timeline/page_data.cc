@@ -5,9 +5,9 @@
 #include <cstdint>
 
 #include "core/json/writer.h"
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/text_layout.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/calendar_dates.h"
+#include "desktop/periods/wall_clock.h"
+#include "desktop/text/text_layout.h"
 #include "desktop/timeline/colours.h"
 #include "desktop/timeline/day_scale.h"
 

@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <map>
 
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/calendar_dates.h"
+#include "desktop/periods/wall_clock.h"
 #include "desktop/timeline/colours.h"
 #include "desktop/timeline/markup.h"
 #include "desktop/timeline/pictures.h"

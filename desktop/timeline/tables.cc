@@ -4,12 +4,12 @@
 #include <cmath>
 #include <numeric>
 
-#include "desktop/reports/day_report.h"
-#include "desktop/reports/text_layout.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
+#include "desktop/text/text_layout.h"
 #include "desktop/timeline/app_rows.h"
 #include "desktop/timeline/colours.h"
 #include "desktop/timeline/markup.h"
+#include "desktop/usage/day_history.h"
 
 namespace tessum {
 namespace {

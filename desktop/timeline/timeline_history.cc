@@ -4,9 +4,9 @@
 #include <tuple>
 #include <unordered_map>
 
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/day_report.h"
+#include "desktop/periods/calendar_dates.h"
 #include "desktop/usage/category_finder.h"
+#include "desktop/usage/day_history.h"
 
 namespace tessum {
 namespace {

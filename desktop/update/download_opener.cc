@@ -5,7 +5,7 @@
 
 #include "core/base/text.h"
 #include "core/update/urls.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

@@ -8,8 +8,8 @@
 #include "core/base/text.h"
 #include "core/update/urls.h"
 #include "core/update/version.h"
-#include "desktop/command.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/host/host.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

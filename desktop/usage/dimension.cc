@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/calendar_dates.h"
+#include "desktop/periods/wall_clock.h"
 
 namespace tessum {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "desktop/reports/day_report.h"
 #include "desktop/usage/category_finder.h"
+#include "desktop/usage/day_history.h"
 
 namespace tessum {
 

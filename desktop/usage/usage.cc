@@ -4,8 +4,8 @@
 #include <numeric>
 #include <utility>
 
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/day_report.h"
+#include "desktop/periods/calendar_dates.h"
+#include "desktop/usage/day_history.h"
 
 namespace tessum {
 namespace {

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "desktop/clients/registration.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 #include "tests/support/fakes/fake_locations.h"
 #include "tests/support/temporary_folder.h"
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "desktop/reports/calendar_dates.h"
+#include "desktop/periods/calendar_dates.h"
 
 namespace tessum {
 namespace {

@@ -5,7 +5,7 @@
 #include <ostream>
 #include <string>
 
-#include "desktop/reports/calendar_dates.h"
+#include "desktop/periods/calendar_dates.h"
 #include "tests/support/environment.h"
 
 namespace tessum {

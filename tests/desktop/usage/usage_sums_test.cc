@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "core/store/database.h"
-#include "desktop/reports/calendar_dates.h"
+#include "desktop/periods/calendar_dates.h"
 #include "desktop/usage/usage.h"
 #include "tests/desktop/user.h"
 #include "tests/support/environment.h"

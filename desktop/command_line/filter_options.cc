@@ -1,12 +1,12 @@
-#include "desktop/commands/reports/filter_options.h"
+#include "desktop/command_line/filter_options.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 
 #include "core/base/text.h"
-#include "desktop/commands/reports/text_search.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/command_line/text_search.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

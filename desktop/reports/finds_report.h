@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 #include "desktop/usage/finds.h"
 
 namespace tessum {

@@ -1,6 +1,6 @@
-#include "desktop/usage/finds_report.h"
+#include "desktop/reports/finds_report.h"
 
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
 
 namespace tessum {
 std::string findsReport(const Finds& finds, std::size_t most, const Paper& paper) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 

@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "desktop/command_line/standard_output.h"
 #include "desktop/commands/commands.h"
-#include "desktop/commands/standard_output.h"
 #include "desktop/doctor/finding.h"
-#include "desktop/reports/text_layout.h"
 #include "desktop/setup/first_session.h"
 #include "desktop/setup/login_start.h"
 #include "desktop/setup/overview.h"
 #include "desktop/setup/setup_plan.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "desktop/reports/text_layout.h"
 #include "desktop/settings/rules.h"
+#include "desktop/text/text_layout.h"
 #include "desktop/usage/usage.h"
 
 namespace tessum {

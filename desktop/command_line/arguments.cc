@@ -1,4 +1,4 @@
-#include "desktop/commands/arguments.h"
+#include "desktop/command_line/arguments.h"
 
 #include <CLI/CLI.hpp>
 

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 #include "tests/desktop/user.h"
 
 namespace tessum {

@@ -1,4 +1,4 @@
-#include "desktop/reports/calendar_dates.h"
+#include "desktop/periods/calendar_dates.h"
 
 #include <chrono>
 #include <cstdio>

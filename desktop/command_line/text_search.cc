@@ -1,4 +1,4 @@
-#include "desktop/commands/reports/text_search.h"
+#include "desktop/command_line/text_search.h"
 
 #include <re2/re2.h>
 

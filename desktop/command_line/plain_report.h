@@ -5,7 +5,7 @@
 #include <string>
 
 #include "core/mcp/tool_arguments.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 
 namespace CLI {
 class App;

@@ -1,4 +1,4 @@
-#include "desktop/own_program.h"
+#include "desktop/host/own_program.h"
 
 #include <stdexcept>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "desktop/optional_file.h"
+#include "desktop/host/optional_file.h"
 
 #include <system_error>
 

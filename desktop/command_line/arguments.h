@@ -7,7 +7,7 @@
 #include <string>
 
 #include "core/platform/calendar.h"
-#include "desktop/command.h"
+#include "desktop/host/host.h"
 #include "desktop/periods/period.h"
 #include "desktop/periods/report_days.h"
 

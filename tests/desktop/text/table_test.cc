@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/base/text.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 #include "tests/desktop/user.h"
 
 namespace tessum {

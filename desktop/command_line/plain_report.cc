@@ -1,4 +1,4 @@
-#include "desktop/commands/reports/plain_report.h"
+#include "desktop/command_line/plain_report.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -8,10 +8,10 @@
 #include "core/mcp/mcp_server.h"
 #include "core/store/database.h"
 #include "core/store/history.h"
-#include "desktop/commands/arguments.h"
-#include "desktop/commands/standard_output.h"
-#include "desktop/reports/calendar_dates.h"
-#include "desktop/reports/day_report.h"
+#include "desktop/command_line/arguments.h"
+#include "desktop/command_line/standard_output.h"
+#include "desktop/periods/calendar_dates.h"
+#include "desktop/usage/day_history.h"
 
 namespace tessum {
 

@@ -1,4 +1,4 @@
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
 
 #include <gtest/gtest.h>
 

@@ -3,11 +3,11 @@
 #include <string>
 
 #include "core/store/history.h"
-#include "desktop/commands/arguments.h"
+#include "desktop/command_line/arguments.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/commands/commands.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/reports/usage_report.h"
 #include "desktop/settings/settings_file.h"
-#include "desktop/usage/usage_report.h"
 
 namespace tessum {
 namespace {

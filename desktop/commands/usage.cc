@@ -4,14 +4,14 @@
 
 #include "core/base/text.h"
 #include "core/store/history.h"
-#include "desktop/commands/arguments.h"
+#include "desktop/command_line/arguments.h"
+#include "desktop/command_line/data_options.h"
+#include "desktop/command_line/filter_options.h"
+#include "desktop/command_line/plain_report.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/commands/commands.h"
-#include "desktop/commands/reports/data_options.h"
-#include "desktop/commands/reports/filter_options.h"
-#include "desktop/commands/reports/plain_report.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/reports/usage_report.h"
 #include "desktop/settings/settings_file.h"
-#include "desktop/usage/usage_report.h"
 
 namespace tessum {
 namespace {

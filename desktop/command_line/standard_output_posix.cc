@@ -1,4 +1,4 @@
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/standard_output.h"
 
 #include <sys/ioctl.h>
 #include <sys/stat.h>

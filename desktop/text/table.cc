@@ -2,7 +2,7 @@
 #include <utility>
 
 #include "core/base/check.h"
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 namespace tessum {
 namespace {

@@ -1,4 +1,4 @@
-#include "desktop/commands/command_line.h"
+#include "desktop/command_line/command_line.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/base/text.h"
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/standard_output.h"
 #include "desktop/settings/suggestion.h"
 
 namespace tessum {

@@ -1,11 +1,11 @@
-#include "desktop/usage/usage_report.h"
+#include "desktop/reports/usage_report.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "core/store/records.h"
-#include "desktop/reports/calendar_dates.h"
+#include "desktop/periods/calendar_dates.h"
 #include "desktop/reports/day_report.h"
 
 namespace tessum {

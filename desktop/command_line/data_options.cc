@@ -1,8 +1,8 @@
-#include "desktop/commands/reports/data_options.h"
+#include "desktop/command_line/data_options.h"
 
 #include <CLI/CLI.hpp>
 
-#include "desktop/commands/standard_output.h"
+#include "desktop/command_line/standard_output.h"
 
 namespace tessum {
 

@@ -1,4 +1,4 @@
-#include "desktop/reports/text_layout.h"
+#include "desktop/text/text_layout.h"
 
 #include <algorithm>
 #include <cmath>

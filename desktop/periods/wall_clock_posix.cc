@@ -1,4 +1,4 @@
-#include "desktop/reports/wall_clock.h"
+#include "desktop/periods/wall_clock.h"
 
 #include <time.h>
 
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "desktop/reports/calendar_dates.h"
+#include "desktop/periods/calendar_dates.h"
 
 namespace tessum {
 namespace {
