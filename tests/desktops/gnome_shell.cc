@@ -12,6 +12,7 @@
 namespace tessum {
 namespace {
 
+constexpr char kSettings[] = "GSETTINGS_BACKEND=keyfile";  // in the home folder
 constexpr char kShell[] = "org.gnome.Shell";
 constexpr char kShellPath[] = "/org/gnome/Shell";
 constexpr char kRemoteDesktop[] = "org.gnome.Mutter.RemoteDesktop";
@@ -55,7 +56,7 @@ GnomeShell::GnomeShell(Extension extension)
 
   launch(kProgram,
          {"--headless", "--wayland", "--virtual-monitor", "1280x800", "--wayland-display", "gnome"},
-         {"GSETTINGS_BACKEND=keyfile", "LIBGL_ALWAYS_SOFTWARE=1", "XDG_CURRENT_DESKTOP=GNOME"},
+         {kSettings, "LIBGL_ALWAYS_SOFTWARE=1", "XDG_CURRENT_DESKTOP=GNOME"},
          [this] { return isOverviewShown(); });
   const std::string said = errors();
   std::smatch x11;
@@ -87,11 +88,11 @@ void GnomeShell::installExtensions() const {
 }
 
 void GnomeShell::enableExtension() const {
-  run("gnome-extensions", {"enable", extension_});
+  run("env", {kSettings, "gnome-extensions", "enable", extension_});
 }
 
 void GnomeShell::disableExtension() const {
-  run("gnome-extensions", {"disable", extension_});
+  run("env", {kSettings, "gnome-extensions", "disable", extension_});
 }
 
 void GnomeShell::touch() const {

@@ -55,9 +55,9 @@ constexpr Elsewhere kElsewhere[] = {
     {"Tessum doctor --close-open", "tests/desktop/doctor/doctor_test.cc",
      R"(run({"doctor", "--close-open"}))"},
     {"gnome-extensions enable focused-window-44@tessum", "tests/desktops/gnome_shell.cc",
-     R"(run("gnome-extensions", {"enable", extension_}))"},
+     R"("gnome-extensions", "enable", extension_)"},
     {"gnome-extensions enable focused-window@tessum", "tests/desktops/gnome_shell.cc",
-     R"(run("gnome-extensions", {"enable", extension_}))"},
+     R"("gnome-extensions", "enable", extension_)"},
     {"scripts/test", ".ci/run", " scripts/test\n"},
     {"scripts/run", "tests/package/from-readme", "| scripts/run |"},
     {"cmake -B build -DTESSUM_UPDATE_PRIMARY_URL=https://updates.example/ \\\n"
