@@ -204,7 +204,8 @@ class History {
 
   // Writes the whole file anew. A row that moves to another page leaves its bytes in the old one,
   // where overwriting it does not reach them. Takes as much memory as the file has bytes, and locks
-  // the database meanwhile: 2.3 seconds for 100 MB on a busy machine.
+  // the database meanwhile: 2.3 seconds for 100 MB on a busy machine. Waits for the locks of others
+  // for kLockPatienceSeconds.
   void writeAnew();
 
  private:

@@ -9,6 +9,7 @@
 
 #include "core/store/history.h"
 #include "core/store/history_rows.h"
+#include "core/store/lock_patience.h"
 #include "core/store/session_test_function.h"
 #include "core/store/transaction.h"
 
@@ -221,7 +222,7 @@ void History::replace(const std::vector<Replacement>& replacements) {
 
 void History::writeAnew() {
   run("PRAGMA temp_store = MEMORY;");  // no copy of the history in a folder for temporary files
-  run("VACUUM;");
+  outlastingLocks(kLockPatienceSeconds, [this] { run("VACUUM;"); });
 }
 
 }  // namespace tessum

@@ -9,7 +9,8 @@
 
 namespace tessum {
 
-// How long a program waits at its start, and the recorder at its end, for other programs' locks.
+// How long a program waits for other programs' locks at its start, the recorder at its end, and a
+// command that writes the database anew.
 inline constexpr double kLockPatienceSeconds = 5;
 
 // Runs `action` again every 20 ms while it throws a DatabaseError of a lock, for up to `seconds`,

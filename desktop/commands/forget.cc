@@ -6,7 +6,6 @@
 
 #include "core/base/text.h"
 #include "core/store/history.h"
-#include "core/store/lock_patience.h"
 #include "desktop/command_line/arguments.h"
 #include "desktop/command_line/filter_options.h"
 #include "desktop/command_line/standard_output.h"
@@ -72,7 +71,7 @@ void forget(Host& host, const ForgetOptions& options) {
   history.forget(selection, selected);
   removeTimeline(host.locations);
   print("Deleted.\n");
-  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
+  history.writeAnew();
 }
 
 }  // namespace

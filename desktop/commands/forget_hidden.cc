@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "core/store/history.h"
-#include "core/store/lock_patience.h"
 #include "desktop/command_line/standard_output.h"
 #include "desktop/settings/hidden_sessions.h"
 #include "desktop/settings/settings_file.h"
@@ -74,7 +73,7 @@ void forgetHidden(Host& host, bool isSure) {
   history.replace(replacements);
   removeTimeline(host.locations);
   print("Deleted.\n");
-  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
+  history.writeAnew();
 }
 
 }  // namespace tessum

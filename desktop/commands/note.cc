@@ -9,7 +9,6 @@
 #include "core/platform/private_files.h"
 #include "core/store/database.h"
 #include "core/store/history.h"
-#include "core/store/lock_patience.h"
 #include "desktop/command_line/arguments.h"
 #include "desktop/command_line/standard_output.h"
 #include "desktop/commands/commands.h"
@@ -192,7 +191,7 @@ void deleteNote(const Host& host, std::int64_t number) {
   const Annotation note = noteOf(history, number);
   history.deleteNote(number);
   print("Deleted: " + description(note) + "\n");
-  outlastingLocks(kLockPatienceSeconds, [&] { history.writeAnew(); });
+  history.writeAnew();
 }
 
 void runNote(const Host& host, const NoteOptions& options) {
