@@ -9,7 +9,7 @@ endif()
 
 set_target_properties(${tessum_libraries} PROPERTIES UNITY_BUILD_BATCH_SIZE 0)
 
-# The host program is too large for one piece; two processors share these.
+# Two processors share the host program.
 function(tessum_read_together group folders)
   get_target_property(sources tessum_host SOURCES)
   list(FILTER sources INCLUDE REGEX "^(${folders})")
@@ -17,8 +17,8 @@ function(tessum_read_together group folders)
   set_source_files_properties(${sources}
     TARGET_DIRECTORY tessum_host PROPERTIES UNITY_GROUP ${group})
 endfunction()
-tessum_read_together(commands "command_line/|commands/|program")
-tessum_read_together(setup "clients/|doctor/|setup/")
-tessum_read_together(reports "data/|import/|periods/|reports/|text/|timeline/|usage/")
-tessum_read_together(recording "endpoint/|host/|leftovers|recording/|settings/|update/")
+tessum_read_together(commands
+  "command_line/|commands/|endpoint/|host/|leftovers|program|recording/|update/")
+tessum_read_together(reports
+  "clients/|data/|doctor/|import/|periods/|reports/|settings/|setup/|text/|timeline/|usage/")
 set_target_properties(tessum_host PROPERTIES UNITY_BUILD_MODE GROUP)

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "core/base/limits.h"
+
 namespace tessum {
 
 // The path that takes messages.
@@ -13,6 +15,11 @@ inline constexpr char kEndpointPath[] = "/mcp";
 // For example "http://localhost:7384/mcp".
 [[nodiscard]] inline std::string endpointURL(std::uint16_t port) {
   return "http://localhost:" + std::to_string(port) + kEndpointPath;
+}
+
+// The URL of our endpoint on its usual port.
+[[nodiscard]] inline std::string usualEndpointURL() {
+  return endpointURL(limits::kDefaultPort);
 }
 
 }  // namespace tessum

@@ -11,8 +11,6 @@ constexpr int kForbidden = 403;
 
 constexpr std::string_view kJson = "application/json";
 constexpr std::string_view kPlainText = "text/plain";
-constexpr std::string_view kGreeting =
-    "Tessum MCP Server \xE2\x80\x93 POST /mcp with a JSON-RPC 2.0 request.";
 constexpr std::string_view kNotFound = "Not found";
 
 std::string_view reasonPhrase(int status) {

@@ -12,6 +12,10 @@
 
 namespace tessum {
 
+// What "GET /" answers.
+inline constexpr std::string_view kGreeting =
+    "Tessum MCP Server \xE2\x80\x93 POST /mcp with a JSON-RPC 2.0 request.";
+
 // An answer. Absent and empty bodies look alike on the wire.
 struct HTTPResponse {
   int status = 200;

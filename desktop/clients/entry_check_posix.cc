@@ -7,7 +7,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "desktop/clients/endpoint_state.h"
+#include "core/http/endpoint_state.h"
+#include "core/http/endpoint_url.h"
 
 namespace tessum {
 namespace {

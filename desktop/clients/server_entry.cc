@@ -6,8 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "core/http/endpoint_url.h"
 #include "core/install/mcp_installer.h"
-#include "desktop/clients/endpoint_state.h"
 #include "desktop/clients/entry_check.h"
 
 namespace tessum {

@@ -6,9 +6,10 @@
 #include <optional>
 #include <string>
 
+#include "core/http/endpoint_state.h"
+#include "core/http/endpoint_url.h"
 #include "core/store/history.h"
 #include "core/store/records.h"
-#include "desktop/clients/endpoint_state.h"
 #include "desktop/command_line/data_options.h"
 #include "desktop/command_line/standard_output.h"
 #include "desktop/data/state_data.h"

@@ -1,5 +1,6 @@
 #include "desktop/data/state_data.h"
 
+#include "core/http/endpoint_url.h"
 #include "core/json/writer.h"
 #include "desktop/data/values.h"
 #include "desktop/periods/wall_clock.h"

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "core/http/endpoint_state.h"
 #include "desktop/clients/client_rows.h"
-#include "desktop/clients/endpoint_state.h"
 #include "desktop/doctor/finding.h"
 #include "desktop/settings/settings.h"
 #include "desktop/setup/overview.h"

@@ -4,8 +4,9 @@
 #include <system_error>
 
 #include "core/base/limits.h"
+#include "core/http/endpoint_state.h"
+#include "core/http/endpoint_url.h"
 #include "desktop/clients/assistants.h"
-#include "desktop/clients/endpoint_state.h"
 #include "desktop/clients/registration.h"
 #include "desktop/doctor/finding.h"
 

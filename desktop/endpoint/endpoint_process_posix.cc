@@ -19,7 +19,7 @@ namespace {
 constexpr int kLastMilliseconds = 2000;
 
 // A whole number of seconds, as all delays are.
-std::string secondsText(double seconds) {
+std::string delayText(double seconds) {
   return std::to_string(static_cast<int>(seconds)) + " s";
 }
 
@@ -81,7 +81,7 @@ void EndpointProcess::drain() {
 
 void EndpointProcess::noteEnd() {
   if (secondsBetween(began_, clock_.now()) >= kLongestDelaySeconds) delay_ = kFirstDelaySeconds;
-  say_("The endpoint for assistants has ended; it starts again in " + secondsText(delay_) + ".");
+  say_("The endpoint for assistants has ended; it starts again in " + delayText(delay_) + ".");
   timer_ = loop_.runAfter(delay_, [this] { restart(); });
   delay_ = std::min(2 * delay_, kLongestDelaySeconds);
 }

@@ -18,7 +18,7 @@ constexpr std::chrono::duration<double> kWanted{0.030};
 constexpr std::chrono::duration<double> kLongestPause{0.2};
 
 // How long somebody else may keep the lock.
-constexpr double kPatienceSeconds = 30;
+constexpr double kLongestLockSeconds = 30;
 
 constexpr std::size_t kFewestSessions = 100;
 constexpr std::size_t kMostSessions = 10'000;
@@ -67,7 +67,7 @@ template <typename Record>
 void Importer::storeAll(std::vector<Record>& records, std::int64_t& added) {
   if (records.empty()) return;
   const std::int64_t count =
-      outlastingLocks(kPatienceSeconds, [&] { return history_->addMissing(records); });
+      outlastingLocks(kLongestLockSeconds, [&] { return history_->addMissing(records); });
   added += count;
   counts_.known += static_cast<std::int64_t>(records.size()) - count;
   records.clear();

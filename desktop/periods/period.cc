@@ -46,7 +46,7 @@ std::optional<Period> parseLastDays(std::string_view text, const CalendarDate& t
   return Period{daysAfter(today, 1 - *count), today};
 }
 
-std::optional<Period> parseWeekday(std::string_view text, const CalendarDate& today) {
+std::optional<Period> parseDayName(std::string_view text, const CalendarDate& today) {
   constexpr std::array<std::string_view, 7> kNames{"monday", "tuesday",  "wednesday", "thursday",
                                                    "friday", "saturday", "sunday"};
   const auto found = std::find(kNames.begin(), kNames.end(), text);
@@ -69,7 +69,7 @@ std::optional<Period> parseWord(std::string_view text, const CalendarDate& today
     return Period{firstOfMonth(last.year, last.month), last};
   }
   if (text == "year") return Period{{today.year, 1, 1}, today};
-  return parseWeekday(text, today);
+  return parseDayName(text, today);
 }
 
 // The week of that number by ISO 8601: the first one of a year holds its first Thursday.
@@ -106,11 +106,6 @@ std::optional<Period> parseOne(std::string_view text, const CalendarDate& today)
   if (!period) period = parseDates(text);
   if (!period || !isDate(period->first) || !isDate(period->last)) return std::nullopt;
   return period;
-}
-
-std::string inQuotes(std::string_view text) {
-  constexpr std::size_t kColumns = 40;
-  return "\"" + shortened(printable(validUtf8(text)), kColumns) + "\"";
 }
 
 PeriodError unknownPeriod(std::string_view text) {

@@ -27,11 +27,6 @@ int lineOf(const toml::node& node) {
   return static_cast<int>(node.source().begin.line);
 }
 
-std::string inQuotes(std::string_view text) {
-  constexpr std::size_t kColumns = 40;
-  return "\"" + shortened(printable(validUtf8(text)), kColumns) + "\"";
-}
-
 // A key that a table may have, and its handler.
 struct Key {
   std::string_view name;
@@ -121,7 +116,7 @@ Kept keptOf(const toml::node& node) {
   return Kept::app;
 }
 
-std::string colourOf(const toml::node& node) {
+std::string chosenColour(const toml::node& node) {
   const auto colour = parseColour(textOf(node));
   if (!colour) fail(node, "unknown colour " + inQuotes(textOf(node)) + "; write it as #3a7bd5");
   return *colour;
@@ -150,7 +145,7 @@ Category readCategory(const toml::table& table) {
   readTable(table, {{"name", [&](const auto& node) { category.name = textOf(node); }},
                     {"app", [&](const auto& node) { category.windows.app = patternOf(node); }},
                     {"title", [&](const auto& node) { category.windows.title = patternOf(node); }},
-                    {"color", [&](const auto& node) { category.colour = colourOf(node); }}});
+                    {"color", [&](const auto& node) { category.colour = chosenColour(node); }}});
   if (trimWhiteSpace(category.name).empty()) fail(table, "it has no name");
   if (!category.windows.app && !category.windows.title) {
     fail(table, "it does not say what belongs to it: give app or title");

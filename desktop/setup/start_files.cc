@@ -16,7 +16,7 @@ std::string replaced(std::string_view text, std::string_view part, const std::st
 }
 
 // `text` with an escape before each character of `special`.
-std::string escaped(std::string_view text, std::string_view special, std::string_view escape) {
+std::string withEscapes(std::string_view text, std::string_view special, std::string_view escape) {
   std::string result;
   for (const char character : text) {
     if (special.find(character) != std::string_view::npos) result += escape;
@@ -46,14 +46,14 @@ bool isPlain(std::string_view path) {
 // the backslashes of the command's.
 std::string execWord(const std::string& program) {
   if (isPlain(program)) return program;
-  const std::string quoted = "\"" + escaped(doubled(program, "%"), "\"`$\\", "\\") + "\"";
+  const std::string quoted = "\"" + withEscapes(doubled(program, "%"), "\"`$\\", "\\") + "\"";
   return doubled(quoted, "\\");
 }
 
 // As the first word of ExecStart: quoted as in C, with systemd's own characters doubled.
 std::string execStartWord(const std::string& program) {
   if (isPlain(program)) return program;
-  return "\"" + escaped(doubled(program, "%$"), "\"\\", "\\") + "\"";
+  return "\"" + withEscapes(doubled(program, "%$"), "\"\\", "\\") + "\"";
 }
 
 std::string xmlText(std::string_view text) {

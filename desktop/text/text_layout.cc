@@ -6,6 +6,8 @@
 #include <span>
 #include <utility>
 
+#include "core/base/text.h"
+
 namespace tessum {
 namespace {
 
@@ -155,6 +157,11 @@ std::string shortened(std::string_view text, std::size_t columns, const Paper& p
     text.remove_prefix(character.bytes.size());
   }
   return out.append(ellipsis);
+}
+
+std::string inQuotes(std::string_view text) {
+  constexpr std::size_t kColumns = 40;
+  return "\"" + shortened(printable(validUtf8(text)), kColumns) + "\"";
 }
 
 std::vector<std::string> wrapped(std::string_view text, std::size_t columns) {

@@ -39,6 +39,9 @@ struct Paper {
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t columns,
                                     const Paper& paper = {});
 
+// Something that the user typed, for the line of a message: shortened, and in quotes.
+[[nodiscard]] std::string inQuotes(std::string_view text);
+
 // "1 session", "3 sessions"; pass `many` when the plural is not `one` with an "s".
 [[nodiscard]] std::string counted(std::integral auto count, const std::string& one,
                                   const std::string& many = "") {

@@ -5,8 +5,10 @@
 
 #include <array>
 #include <filesystem>
+#include <string>
 
 #include "core/base/limits.h"
+#include "core/http/http_response.h"
 #include "tests/desktop/loopback_server.h"
 #include "tests/desktop/recorder_lock.h"
 #include "tests/desktop/user.h"
@@ -137,7 +139,7 @@ TEST(Doctor, FindsItsOwnEndpointThatAnswers) {
   const User user;
   LoopbackServer server(limits::kDefaultPort);
   if (!server.isBound()) GTEST_SKIP() << "the endpoint's port is taken";
-  server.answerWith("HTTP/1.1 200 OK\r\n\r\nTessum MCP Server");
+  server.answerWith("HTTP/1.1 200 OK\r\n\r\n" + std::string(kGreeting));
   EXPECT_TRUE(contains(user.run({"doctor"}).output,
                        "ok   The endpoint http://localhost:7384/mcp answers."));
 }

@@ -2,8 +2,6 @@
 
 #pragma once
 
-#include <string>
-
 namespace tessum {
 
 enum class EndpointState {
@@ -14,8 +12,5 @@ enum class EndpointState {
 
 // Sends a request, and may wait a few seconds for the response. Any thread.
 [[nodiscard]] EndpointState endpointState();
-
-// The URL of our endpoint on its usual port.
-[[nodiscard]] std::string usualEndpointURL();
 
 }  // namespace tessum

@@ -1,20 +1,18 @@
-#include "desktop/clients/endpoint_state.h"
+#include "core/http/endpoint_state.h"
 
 #include <asio/ip/tcp.hpp>
 #include <chrono>
-#include <string_view>
+#include <string>
 
 #include "core/base/limits.h"
-#include "core/http/endpoint_url.h"
+#include "core/http/http_response.h"
 
 namespace tessum {
 namespace {
 
-// The name with which our server answers.
-constexpr std::string_view kSelfDescription = "Tessum MCP Server";
 constexpr auto kPatience = std::chrono::seconds(2);
 
-// Asks for that description, and names the host as the endpoint wants it.
+// Asks for the greeting, and names the host as the endpoint wants it.
 std::string request() {
   return "GET / HTTP/1.1\r\nHost: localhost:" + std::to_string(limits::kDefaultPort) +
          "\r\nConnection: close\r\n\r\n";
@@ -29,13 +27,9 @@ EndpointState endpointState() {
   if (!stream) return EndpointState::silent;
   stream << request() << std::flush;
   for (std::string line; std::getline(stream, line);) {
-    if (line.starts_with(kSelfDescription)) return EndpointState::answers;
+    if (line == kGreeting) return EndpointState::answers;
   }
   return EndpointState::taken;
-}
-
-std::string usualEndpointURL() {
-  return endpointURL(limits::kDefaultPort);
 }
 
 }  // namespace tessum
