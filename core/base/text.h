@@ -7,6 +7,9 @@
 
 namespace tessum {
 
+// Some programs begin a file of UTF-8 with it.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 // Appends `bytes` with each maximal ill-formed sequence replaced by U+FFFD, as the Unicode
 // Standard recommends; well-formed text is appended as it is.
 void appendValidUtf8(std::string& out, std::string_view bytes);

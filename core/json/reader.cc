@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/base/limits.h"
+#include "core/base/text.h"
 #include "core/json/number.h"
 
 namespace tessum::json {
@@ -14,8 +15,6 @@ namespace {
 namespace ondemand = simdjson::ondemand;
 
 static_assert(kPadding >= simdjson::SIMDJSON_PADDING);
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 [[noreturn]] void fail(simdjson::error_code error) {
   throw DecodingError(std::string("The text is not valid JSON: ") + simdjson::error_message(error));

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "core/base/text.h"
+
 namespace tessum {
 namespace {
 
@@ -161,7 +163,6 @@ void readJsonPieces(const std::string& path, const JsonPieces& pieces) {
   while (true) {
     const std::size_t size = std::fread(chunk.data(), 1, chunk.size(), file.get());
     std::string_view text(chunk.data(), size);
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     if (isFirst && text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     isFirst = false;
     for (const char c : text) reader.add(c);

@@ -15,8 +15,6 @@
 namespace tessum {
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
 bool isOneOf(char character, std::string_view set) {
   return set.find(character) != std::string_view::npos;
 }

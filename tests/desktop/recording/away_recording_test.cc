@@ -22,9 +22,13 @@ class AwayRecording : public testing::Test {
     logind_.emplace(loop_, system_.address());
     desktop_.startWindowManager();
     desktop_.addWindow("App");
-    recorder_ = desktop_.start(
-        TESSUM_PROGRAM, {"record", "--no-update-check", "--away-after", "2s", "--titles", "last"});
-    ASSERT_TRUE(runUntil(loop_, [&] { return logind_->heldInhibitors() == 1; }));
+  }
+
+  void record(const std::string& awayAfter) {
+    recorder_ = desktop_.start(TESSUM_PROGRAM, {"record", "--no-update-check", "--away-after",
+                                                awayAfter, "--titles", "last"});
+    ASSERT_TRUE(runUntil(
+        loop_, [&] { return logind_->heldInhibitors() == 1 && logind_->hasToldSession(); }));
   }
 
   // Simulates input.
@@ -64,6 +68,7 @@ class AwayRecording : public testing::Test {
 };
 
 TEST_F(AwayRecording, WithoutInputEndsAtTheLastAndBeginsWithTheNext) {
+  ASSERT_NO_FATAL_FAILURE(record("2s"));
   touch();
   const double lastInput = now();
   ASSERT_TRUE(comesTo({"closed"}));
@@ -74,6 +79,7 @@ TEST_F(AwayRecording, WithoutInputEndsAtTheLastAndBeginsWithTheNext) {
 }
 
 TEST_F(AwayRecording, ALockEndsAtOnceAndInputDoesNotUnlock) {
+  ASSERT_NO_FATAL_FAILURE(record("10m"));
   const double locked = now();
   logind_->changeSession("LockedHint", true);
   ASSERT_TRUE(comesTo({"closed"}));
@@ -85,6 +91,7 @@ TEST_F(AwayRecording, ALockEndsAtOnceAndInputDoesNotUnlock) {
 }
 
 TEST_F(AwayRecording, TheEndIsWrittenBeforeTheComputerSleeps) {
+  ASSERT_NO_FATAL_FAILURE(record("10m"));
   ASSERT_TRUE(comesTo({"open"}));
   logind_->prepare("PrepareForSleep", true);
   ASSERT_TRUE(runUntil(loop_, [&] { return logind_->heldInhibitors() == 0; }));
@@ -95,6 +102,7 @@ TEST_F(AwayRecording, TheEndIsWrittenBeforeTheComputerSleeps) {
 }
 
 TEST_F(AwayRecording, TheEndOfTheLoginSessionEndsTheRecorder) {
+  ASSERT_NO_FATAL_FAILURE(record("10m"));
   ASSERT_TRUE(comesTo({"open"}));
   logind_->emitOfSession("SessionRemoved", FakeLogind::kSession, FakeLogind::kSessionPath);
   ASSERT_TRUE(comesTo({"closed"}));

@@ -22,11 +22,12 @@ FakeLogind::FakeLogind(SystemMainLoop& loop, const std::string& address) : peer_
   peer_.setProperty(kSessionPath, kSessionInterface, "State", std::string("active"));
   peer_.setProperty(kPath, kManager, "PreparingForSleep", false);
   peer_.setProperty(kPath, kManager, "PreparingForShutdown", false);
-  peer_.answer(kPath, kManager, "GetSession", [](sd_bus_message* call) {
+  peer_.answer(kPath, kManager, "GetSession", [this](sd_bus_message* call) {
     const char* id = "";
     sd_bus_message_read(call, "s", &id);
     if (id == std::string(kSession)) {
       sd_bus_reply_method_return(call, "o", kSessionPath);
+      hasToldSession_ = true;
     } else {
       sd_bus_reply_method_errorf(call, "org.freedesktop.login1.NoSuchSession", "no such session");
     }

@@ -59,6 +59,10 @@ class FakeLogind {
   // Whether the program under test may inhibit anything.
   bool permitsInhibitors = true;
 
+  // Whether the program under test has been told which session is its own. What is emitted after
+  // that reaches it later.
+  [[nodiscard]] bool hasToldSession() const { return hasToldSession_; }
+
   // The inhibitors that the program under test has asked for, and how many of them it still holds.
   [[nodiscard]] const std::vector<std::string>& requests() const { return requests_; }
   [[nodiscard]] int heldInhibitors() const;
@@ -68,6 +72,7 @@ class FakeLogind {
   void answerList(sd_bus_message* call) const;
 
   BusPeer peer_;
+  bool hasToldSession_ = false;
   std::vector<std::string> requests_;
   std::vector<Descriptor> readEnds_;  // of the pipes given to the program under test
 };
