@@ -25,6 +25,9 @@ class ReportDays {
   // The day that holds `date`, of the years 1 to 9999; the nearest one for other dates.
   [[nodiscard]] CalendarDate dayOf(Date date) const;
 
+  // The hour of the clock in which days begin.
+  [[nodiscard]] int firstHour() const { return startMinute_ / 60; }
+
  private:
   const Calendar& calendar_;
   int startMinute_;

@@ -221,22 +221,26 @@ class WeekdayDimension final : public Dimension {
   int group_ = 0;
 };
 
+// Hours from the first one of the day on.
 class HourDimension final : public Dimension {
  public:
+  explicit HourDimension(int firstHour) : firstHour_(firstHour) {}
   GroupSpan spanOf(const Activity&, Date at) override {
     if (secondsBetween(range_.start, at) < 0 || secondsBetween(at, range_.end) <= 0) {
-      hour_ = wallTime(at).hour;
+      group_ = (wallTime(at).hour - firstHour_ + 24) % 24;
       range_ = {at, endOfHour(at)};
     }
-    return {hour_, range_.end};
+    return {group_, range_.end};
   }
   [[nodiscard]] std::optional<std::string> nameOf(int group) const override {
-    return (group < 10 ? "0" : "") + std::to_string(group) + ":00";
+    const int hour = (group + firstHour_) % 24;
+    return (hour < 10 ? "0" : "") + std::to_string(hour) + ":00";
   }
 
  private:
+  int firstHour_;
   DayRange range_;
-  int hour_ = 0;
+  int group_ = 0;
 };
 
 }  // namespace
@@ -258,7 +262,7 @@ std::unique_ptr<Dimension> makeDimension(Grouping grouping, const DimensionSourc
     case Grouping::hour:
       break;
   }
-  return std::make_unique<HourDimension>();
+  return std::make_unique<HourDimension>(sources.days.firstHour());
 }
 
 std::unique_ptr<Dimension> makeRuleDimension(const Rules& rules, CategoryFinder& categories) {

@@ -42,7 +42,7 @@ constexpr Elsewhere kElsewhere[] = {
      R"({"record", "--http", "--no-update-check"})"},
     {"Tessum serve", "tests/desktop/recording/record_http_test.cc", R"(open({"serve"}))"},
     {"Tessum record --away-after 10m --titles last",
-     "tests/desktop/recording/away_recording_test.cc", R"("--away-after", "2s",)"},
+     "tests/desktop/recording/away_recording_test.cc", R"("--away-after", "2s")"},
     {"Tessum setup", "tests/desktop/setup/setup_test.cc", R"(run({"setup"}, "y\n"))"},
     {"Tessum setup --yes", "tests/desktop/setup/setup_test.cc", R"(run({"setup", "--yes"}))"},
     {"Tessum setup --undo", "tests/desktop/setup/setup_test.cc", R"(run({"setup", "--undo"}, ")"},

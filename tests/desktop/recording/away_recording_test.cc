@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "core/platform/clock.h"
 #include "tests/desktop/recording/recorder.h"
 #include "tests/support/bus/fake_logind_linux.h"
@@ -24,9 +26,10 @@ class AwayRecording : public testing::Test {
     desktop_.addWindow("App");
   }
 
-  void record(const std::string& awayAfter) {
-    recorder_ = desktop_.start(TESSUM_PROGRAM, {"record", "--no-update-check", "--away-after",
-                                                awayAfter, "--titles", "last"});
+  void record(const std::vector<std::string>& options) {
+    std::vector<std::string> arguments{"record", "--no-update-check", "--titles", "last"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    recorder_ = desktop_.start(TESSUM_PROGRAM, arguments);
     ASSERT_TRUE(runUntil(
         loop_, [&] { return logind_->heldInhibitors() == 1 && logind_->hasToldSession(); }));
   }
@@ -68,7 +71,7 @@ class AwayRecording : public testing::Test {
 };
 
 TEST_F(AwayRecording, WithoutInputEndsAtTheLastAndBeginsWithTheNext) {
-  ASSERT_NO_FATAL_FAILURE(record("2s"));
+  ASSERT_NO_FATAL_FAILURE(record({"--away-after", "2s"}));
   touch();
   const double lastInput = now();
   ASSERT_TRUE(comesTo({"closed"}));
@@ -79,7 +82,7 @@ TEST_F(AwayRecording, WithoutInputEndsAtTheLastAndBeginsWithTheNext) {
 }
 
 TEST_F(AwayRecording, ALockEndsAtOnceAndInputDoesNotUnlock) {
-  ASSERT_NO_FATAL_FAILURE(record("10m"));
+  ASSERT_NO_FATAL_FAILURE(record({}));
   const double locked = now();
   logind_->changeSession("LockedHint", true);
   ASSERT_TRUE(comesTo({"closed"}));
@@ -91,7 +94,7 @@ TEST_F(AwayRecording, ALockEndsAtOnceAndInputDoesNotUnlock) {
 }
 
 TEST_F(AwayRecording, TheEndIsWrittenBeforeTheComputerSleeps) {
-  ASSERT_NO_FATAL_FAILURE(record("10m"));
+  ASSERT_NO_FATAL_FAILURE(record({}));
   ASSERT_TRUE(comesTo({"open"}));
   logind_->prepare("PrepareForSleep", true);
   ASSERT_TRUE(runUntil(loop_, [&] { return logind_->heldInhibitors() == 0; }));
@@ -102,7 +105,7 @@ TEST_F(AwayRecording, TheEndIsWrittenBeforeTheComputerSleeps) {
 }
 
 TEST_F(AwayRecording, TheEndOfTheLoginSessionEndsTheRecorder) {
-  ASSERT_NO_FATAL_FAILURE(record("10m"));
+  ASSERT_NO_FATAL_FAILURE(record({}));
   ASSERT_TRUE(comesTo({"open"}));
   logind_->emitOfSession("SessionRemoved", FakeLogind::kSession, FakeLogind::kSessionPath);
   ASSERT_TRUE(comesTo({"closed"}));

@@ -94,6 +94,15 @@ TEST_F(UsageCommand, IsByHourOfTheWall) {
             "  16:00  1h 0m  40%  2 sessions  ████████████████████████\n");
 }
 
+TEST_F(UsageCommand, BeginsWithTheHourInWhichDaysBegin) {
+  user.writeSettings("[reports]\nday-starts = '04:30'\n");
+  user.set("TZ", "Pacific/Auckland");  // thirteen hours ahead
+  EXPECT_EQ(groups({"2025-03-03", "--by", "hour"}),
+            "  22:00  1h 0m  40%  1 session  ████████████████████████\n"
+            "  23:00  1h 0m  40%  1 session  ████████████████████████\n"
+            "  00:00    30m  20%  1 session  ████████████\n");
+}
+
 TEST_F(UsageCommand, ShowsTheLargestGroupsAndTheOthersInOneLine) {
   EXPECT_EQ(groups({"2025-W10", "--by", "title", "--top", "2"}),
             "  main.cc           2h 0m  44%   1 session  ████████████████████████\n"
