@@ -67,9 +67,13 @@ struct FakeCompositor::Offers {
   }
 
   static void bindCommon(wl_client* client, void* self, std::uint32_t version, std::uint32_t id) {
-    static const struct ext_idle_notifier_v1_interface kRequests {
-      .destroy = destroy, .get_idle_notification = makeCommonTimer
-    };
+    // Later versions of the protocol have more requests, which stay null.
+    static const auto kRequests = [] {
+      struct ext_idle_notifier_v1_interface requests {};
+      requests.destroy = destroy;
+      requests.get_idle_notification = makeCommonTimer;
+      return requests;
+    }();
     wl_resource_set_implementation(make(client, ext_idle_notifier_v1_interface, version, id),
                                    &kRequests, self, nullptr);
   }
