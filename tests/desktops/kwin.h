@@ -25,12 +25,11 @@ class KWin : public Compositor {
     return home().file("bin/Tessum");
   }
 
-  // Has KWin run a script on `window`, the one with that title.
+  // Has KWin run a script on `window`, the one with that title. Besides KWin's own names it may use
+  // activate(window), showDesktop(number) and moveTo(window, number).
   void script(const std::string& title, const std::string& statements) const;
 
-  void activate(const std::string& title) const {
-    script(title, "workspace.activeClient = window");
-  }
+  void activate(const std::string& title) const { script(title, "activate(window)"); }
 
   // Somebody touches the computer.
   void touch() const { run(home().file("bin/fake_input"), {}); }

@@ -28,8 +28,8 @@ TEST_F(KWinRecording, WritesWhatAPersonDoes) {
   desktop_->activate("Question");
   ASSERT_TRUE(shows(dialogRow_));
   desktop_->script("Question",
-                   "workspace.createDesktop(1, 'other'); window.desktop = 2; "
-                   "workspace.currentDesktop = 2; workspace.currentDesktop = 1");
+                   "workspace.createDesktop(1, 'other'); moveTo(window, 2); "
+                   "showDesktop(2); showDesktop(1)");
   ASSERT_TRUE(shows(xtermRow_ + "another title"));
   desktop_->script("another title", "window.minimized = true");
   ASSERT_TRUE(showsNothing());
@@ -37,7 +37,7 @@ TEST_F(KWinRecording, WritesWhatAPersonDoes) {
   ASSERT_TRUE(shows(xtermRow_ + "another title"));
   xterm.close();
   ASSERT_TRUE(showsNothing());
-  desktop_->script("Question", "workspace.currentDesktop = 2");
+  desktop_->script("Question", "showDesktop(2)");
   ASSERT_TRUE(shows(dialogRow_));
   dialog->kill();
   ASSERT_TRUE(showsNothing());
