@@ -58,7 +58,7 @@ constexpr Elsewhere kElsewhere[] = {
      R"("gnome-extensions", "enable", extension_)"},
     {"gnome-extensions enable focused-window@tessum", "tests/desktops/gnome_shell.cc",
      R"("gnome-extensions", "enable", extension_)"},
-    {"scripts/test", ".ci/run", " scripts/test\n"},
+    {"scripts/test", ".ci/run", " scripts/test "},
     {"scripts/run", "tests/package/from-readme", "| scripts/run |"},
     {"cmake -B build -DTESSUM_UPDATE_PRIMARY_URL=https://updates.example/ \\\n"
      "               -DTESSUM_UPDATE_FALLBACK_URL=https://mirror.example/tessum",
