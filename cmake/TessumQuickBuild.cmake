@@ -1,10 +1,16 @@
-# Builds from nothing in a third of the time, for those who want to see Tessum now, and for checks with
-# sanitizers, with clang-tidy and for a second CPU: CMAKE_UNITY_BUILD has the compiler read the sources
-# of one target as one, so that it reads each header and instantiates each template once. Names that
-# are private to a source must then be unique in what is read together.
+# Builds from nothing in a third of the time: CMAKE_UNITY_BUILD has the compiler read the sources of one
+# target as one, so that it reads each header and instantiates each template once. The scripts that
+# run Tessum or check it use it. Names that are private to a source must then be unique in what is read
+# together.
 
 if(NOT CMAKE_UNITY_BUILD)
   return()
+endif()
+
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # g++ takes sources that are read together for headers, which should have no private names.
+  target_compile_options(tessum_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
 endif()
 
 set_target_properties(${tessum_libraries} PROPERTIES UNITY_BUILD_BATCH_SIZE 0)

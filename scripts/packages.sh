@@ -139,9 +139,23 @@ build() {
 
 # build_quickly TARGETS...: builds in build/run, without optimization and with few calls of the compiler,
 # so that newcomers wait as little as possible. What is installed for good comes from build/release.
-# The compiler would warn of sources that it reads together.
 build_quickly() {
   configure build/run -DCMAKE_BUILD_TYPE=Quick -DCMAKE_CXX_FLAGS_QUICK=-w -DCMAKE_UNITY_BUILD=ON \
     -DBUILD_TESTING=OFF -DTESSUM_BENCHMARKS=OFF
   build build/run "$@"
+}
+
+# Builds the tests in build/test, with few calls of the compiler, too.
+build_tests() {
+  configure build/test -DCMAKE_BUILD_TYPE=Debug -DCMAKE_UNITY_BUILD=ON
+  build build/test
+}
+
+# run_tests FOLDER [ctest arguments]: runs the tests that were built there. They spend half of their time
+# waiting, so there are two for each processor.
+run_tests() {
+  local folder=$1
+  shift
+  ctest --test-dir "$folder" --output-on-failure --progress \
+    -j $((2 * $(getconf _NPROCESSORS_ONLN))) "$@"
 }

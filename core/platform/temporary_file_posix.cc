@@ -28,8 +28,8 @@ int lock(int file) {
 }
 
 bool isOld(const struct stat& file) {
-  constexpr std::time_t kHour = 3600;
-  return std::time(nullptr) - file.st_mtime > kHour;
+  constexpr std::time_t kOldAge = 3600;  // in seconds
+  return std::time(nullptr) - file.st_mtime > kOldAge;
 }
 
 void removeIfLeftBehind(const std::string& path) {

@@ -73,8 +73,8 @@ std::vector<std::string> Compositor::variables() const {
   return all;
 }
 
-Terminal::Terminal(const Compositor& compositor, const std::string& program,
-                   const std::string& title) {
+TerminalWindow::TerminalWindow(const Compositor& compositor, const std::string& program,
+                               const std::string& title) {
   static int number = 0;
   const std::string path = compositor.home().file("titles" + std::to_string(++number));
   compositor.run("mkfifo", {path});
@@ -84,11 +84,11 @@ Terminal::Terminal(const Compositor& compositor, const std::string& program,
                 "while read -r title; do printf '\\033]2;%s\\007' \"$title\"; done < " + path});
 }
 
-Terminal::~Terminal() {
+TerminalWindow::~TerminalWindow() {
   ::close(pipe_);
 }
 
-void Terminal::setTitle(const std::string& title) {
+void TerminalWindow::setTitle(const std::string& title) {
   if (dprintf(pipe_, "%s\n", title.c_str()) < 0) throw std::runtime_error("no terminal");
 }
 

@@ -73,13 +73,14 @@ class Compositor : public TestDesktop {
 };
 
 // A window whose title the test sets: a terminal that shows what it is told.
-class Terminal {
+class TerminalWindow {
  public:
   // `program` is foot or xterm, or another with their arguments.
-  Terminal(const Compositor& compositor, const std::string& program, const std::string& title);
-  ~Terminal();
-  Terminal(const Terminal&) = delete;
-  Terminal& operator=(const Terminal&) = delete;
+  TerminalWindow(const Compositor& compositor, const std::string& program,
+                 const std::string& title);
+  ~TerminalWindow();
+  TerminalWindow(const TerminalWindow&) = delete;
+  TerminalWindow& operator=(const TerminalWindow&) = delete;
 
   void setTitle(const std::string& title);
   void close() { process_->kill(); }

@@ -36,7 +36,7 @@ class GnomeSetup : public CompositorTest<GnomeShell> {
 
 TEST_F(GnomeSetup, TurnsOnTheExtension) {
   restart(GnomeShell::Extension::turnedOff);
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   const std::string output = setUp({"setup", "--yes"});
   EXPECT_NE(output.find("First session  Foot"), std::string::npos) << output;
   EXPECT_NE(enabled().find("'" + extension_ + "'"), std::string::npos);
@@ -46,7 +46,7 @@ TEST_F(GnomeSetup, TurnsOnTheExtension) {
 
 TEST_F(GnomeSetup, InstallsTheExtensionForTheNextLogin) {
   restart(GnomeShell::Extension::none);
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   const std::string output = setUp({"setup", "--yes"});
   EXPECT_NE(output.find("the shell finds it at your next login"), std::string::npos) << output;
   const std::string folder = desktop_->home().file("data/gnome-shell/extensions/" + extension_);

@@ -38,11 +38,11 @@ class GnomeRecording : public CompositorTest<GnomeShell> {
 TEST_F(GnomeRecording, WritesWhatAPersonDoes) {
   addEntries();
   record({"--away-after", "never"});
-  Terminal foot(*desktop_, "foot", "first title");
+  TerminalWindow foot(*desktop_, "foot", "first title");
   ASSERT_TRUE(shows(std::string(kFoot) + "first title"));
   foot.setTitle("second title");
   ASSERT_TRUE(showsAgain(std::string(kFoot) + "second title"));
-  Terminal xterm(*desktop_, "xterm", "an X11 window");
+  TerminalWindow xterm(*desktop_, "xterm", "an X11 window");
   ASSERT_TRUE(shows(std::string(kXterm) + "an X11 window"));
   xterm.setTitle("another title");
   ASSERT_TRUE(showsAgain(std::string(kXterm) + "another title"));
@@ -74,7 +74,7 @@ TEST_F(GnomeRecording, WritesWhatAPersonDoes) {
 
 TEST_F(GnomeRecording, EndsWithoutInputAndBeginsWithTheNext) {
   addEntries();
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   desktop_->touch();
   record({"--away-after", "3s"});
   ASSERT_TRUE(shows(std::string(kFoot) + "a title"));
@@ -90,7 +90,7 @@ TEST_F(GnomeRecording, EndsWithoutInputAndBeginsWithTheNext) {
 TEST_F(GnomeRecording, EndsWhileTheScreenIsLocked) {
   addEntries();
   record({"--away-after", "never"});
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   ASSERT_TRUE(shows(std::string(kFoot) + "a title"));
   desktop_->lock();
   ASSERT_TRUE(showsNothing());
@@ -102,11 +102,11 @@ TEST_F(GnomeRecording, EndsWhileTheScreenIsLocked) {
 TEST_F(GnomeRecording, EndsWithTheShell) {
   addEntries();
   record({"--away-after", "never"});
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   ASSERT_TRUE(shows(std::string(kFoot) + "a title"));
   desktop_->kill();
   ASSERT_TRUE(showsNothing());
-  EXPECT_EQ(recorder_->process().wait(), (ExitStatus{.code = 1, .signal = {}}));
+  EXPECT_EQ(recorder_->process().wait(), kFailure);
   EXPECT_EQ(recorder_->process().errors(),
             "Tessum: GNOME Shell has ended; nothing more can be recorded.\n");
 }
@@ -116,7 +116,7 @@ TEST_F(GnomeRecording, WaitsUntilTheExtensionIsTurnedOn) {
   desktop_.emplace(GnomeShell::Extension::turnedOff);
   addEntries();
   record({"--away-after", "never"});
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   ASSERT_TRUE(says("it is turned off. Run \"Tessum setup\"."));
   ASSERT_TRUE(recorder_->sessions().empty());
   desktop_->enableExtension();

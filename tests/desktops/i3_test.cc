@@ -12,9 +12,9 @@ class I3Recording : public CompositorTest<I3> {
 
 TEST_F(I3Recording, WritesWhatAPersonDoes) {
   record({"--away-after", "never"});
-  Terminal first(*desktop_, "xterm", "first");
+  TerminalWindow first(*desktop_, "xterm", "first");
   ASSERT_TRUE(shows(std::string(kXterm) + "first"));
-  const Terminal second(*desktop_, "xterm", "second");
+  const TerminalWindow second(*desktop_, "xterm", "second");
   ASSERT_TRUE(shows(std::string(kXterm) + "second"));
   desktop_->command("focus left");
   ASSERT_TRUE(shows(std::string(kXterm) + "first"));
@@ -33,11 +33,11 @@ TEST_F(I3Recording, WritesWhatAPersonDoes) {
 
 // i3 shows nameless windows in place of all others until it manages them again.
 TEST_F(I3Recording, ARestartIsNoChange) {
-  const Terminal first(*desktop_, "xterm", "first");
+  const TerminalWindow first(*desktop_, "xterm", "first");
   record({"--away-after", "never"});
   ASSERT_TRUE(shows(std::string(kXterm) + "first"));
   for (int i = 0; i < 3; ++i) desktop_->restart();
-  Terminal second(*desktop_, "xterm", "second");
+  TerminalWindow second(*desktop_, "xterm", "second");
   ASSERT_TRUE(shows(std::string(kXterm) + "second"));
   stopRecorder();
 }

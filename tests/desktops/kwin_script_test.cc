@@ -17,7 +17,7 @@ TEST_F(KWinScriptRecording, WritesWhatAPersonDoes) {
   record({"--away-after", "never"});
   const auto dialog = showDialog("Question");
   ASSERT_TRUE(shows(dialogRow_));
-  Terminal xterm(*desktop_, "xterm", "an X11 window");
+  TerminalWindow xterm(*desktop_, "xterm", "an X11 window");
   ASSERT_TRUE(shows(xtermRow_ + "an X11 window"));
   xterm.setTitle("another title");
   ASSERT_TRUE(showsAgain(xtermRow_ + "another title"));
@@ -41,7 +41,7 @@ TEST_F(KWinScriptRecording, GoesOnAfterARecorderThatWasKilled) {
   recorder_->process().kill(SIGKILL);
   static_cast<void>(recorder_->process().wait());
   record({"--away-after", "never"});
-  const Terminal xterm(*desktop_, "xterm", "an X11 window");
+  const TerminalWindow xterm(*desktop_, "xterm", "an X11 window");
   EXPECT_TRUE(eventually([&] {
     const auto sessions = recorder_->sessions();
     return !sessions.empty() && sessions.back() == xtermRow_ + "an X11 window|open";
@@ -55,7 +55,7 @@ TEST_F(KWinScriptRecording, GoesOnBesideADoctor) {
   const auto doctor = desktop_->start(desktop_->recorderProgram(TESSUM_PROGRAM), {"doctor"});
   const std::string findings = doctor->readRest();
   EXPECT_NE(findings.find("a script in KWin"), std::string::npos) << findings;
-  const Terminal xterm(*desktop_, "xterm", "an X11 window");
+  const TerminalWindow xterm(*desktop_, "xterm", "an X11 window");
   ASSERT_TRUE(shows(xtermRow_ + "an X11 window"));
   stopRecorder();
 }

@@ -7,15 +7,13 @@
 namespace tessum {
 namespace {
 
-constexpr ExitStatus kFailed{.code = 1, .signal = {}};
-
 using KWinRecording = KWinTest<KWin>;
 
 TEST_F(KWinRecording, WritesWhatAPersonDoes) {
   record();
   const auto dialog = showDialog("Question");
   ASSERT_TRUE(shows(dialogRow_));
-  Terminal xterm(*desktop_, "xterm", "an X11 window");
+  TerminalWindow xterm(*desktop_, "xterm", "an X11 window");
   ASSERT_TRUE(shows(xtermRow_ + "an X11 window"));
   xterm.setTitle("another title");
   ASSERT_TRUE(showsAgain(xtermRow_ + "another title"));
@@ -85,7 +83,7 @@ TEST_F(KWinRecording, SaysWhatToDoWhereKWinHidesItsWindows) {
   const auto recorder =
       desktop_->start(TESSUM_PROGRAM, {"record", "--no-update-check"},
                       {"DISPLAY=", "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent"});
-  EXPECT_EQ(recorder->wait(), kFailed);
+  EXPECT_EQ(recorder->wait(), kFailure);
   EXPECT_EQ(recorder->errors(),
             "Tessum: This is a Wayland session without X11: the focused window cannot be seen "
             "here. KDE Plasma shows its windows over the session bus, which does not answer here, "
@@ -97,7 +95,7 @@ TEST_F(KWinRecording, EndsWithTheCompositorAndSaysSo) {
   record();
   ASSERT_TRUE(shows(dialogRow_));
   desktop_->kill();
-  EXPECT_EQ(recorder_->process().wait(), kFailed);
+  EXPECT_EQ(recorder_->process().wait(), kFailure);
   EXPECT_EQ(recorder_->process().errors(),
             "Tessum: The Wayland display has gone away; nothing more can be recorded.\n");
   EXPECT_TRUE(showsNothing());

@@ -5,8 +5,6 @@
 namespace tessum {
 namespace {
 
-constexpr ExitStatus kFailed{.code = 1, .signal = {}};
-
 class SwayRecording : public CompositorTest<Sway> {
  protected:
   void SetUp() override {
@@ -19,7 +17,7 @@ class SwayRecording : public CompositorTest<Sway> {
 
 TEST_F(SwayRecording, WritesWhatAPersonDoes) {
   record();
-  Terminal foot(*desktop_, "foot", "first title");
+  TerminalWindow foot(*desktop_, "foot", "first title");
   const std::string footRow = "Foot of the Test|foot|";
   ASSERT_TRUE(shows(footRow + "first title"));
   foot.setTitle("second title");
@@ -29,7 +27,7 @@ TEST_F(SwayRecording, WritesWhatAPersonDoes) {
       desktop_->start("zenity", {"--info", "--title", "Question", "--text", "What?"});
   const std::string dialogRow = "zenity|zenity|Question";
   ASSERT_TRUE(shows(dialogRow));
-  Terminal xterm(*desktop_, "xterm", "an X11 window");
+  TerminalWindow xterm(*desktop_, "xterm", "an X11 window");
   const std::string xtermRow = "X Terminal of the Test|debian-xterm|";
   ASSERT_TRUE(shows(xtermRow + "an X11 window"));
   xterm.setTitle("another title");
@@ -69,7 +67,7 @@ TEST_F(SwayRecording, WritesWhatAPersonDoes) {
 }
 
 TEST_F(SwayRecording, BeginsWithTheWindowThatIsThere) {
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   ASSERT_TRUE(eventually([&] { return desktop_->hasWindow("a title"); }));
   record();
   EXPECT_TRUE(shows("Foot of the Test|foot|a title"));
@@ -77,7 +75,7 @@ TEST_F(SwayRecording, BeginsWithTheWindowThatIsThere) {
 }
 
 TEST_F(SwayRecording, EndsWithTheLastInputAndBeginsWithTheNext) {
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   ASSERT_TRUE(eventually([&] { return desktop_->hasWindow("a title"); }));
   record({"--away-after", "2s"});
   const std::string row = "Foot of the Test|foot|a title";
@@ -96,7 +94,7 @@ TEST_F(SwayRecording, EndsWithTheLastInputAndBeginsWithTheNext) {
 }
 
 TEST_F(SwayRecording, NothingIsInFrontWhileTheScreenIsLocked) {
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   record();
   const std::string row = "Foot of the Test|foot|a title";
   ASSERT_TRUE(shows(row));
@@ -109,11 +107,11 @@ TEST_F(SwayRecording, NothingIsInFrontWhileTheScreenIsLocked) {
 }
 
 TEST_F(SwayRecording, EndsWithTheCompositorAndSaysSo) {
-  const Terminal foot(*desktop_, "foot", "a title");
+  const TerminalWindow foot(*desktop_, "foot", "a title");
   record();
   ASSERT_TRUE(shows("Foot of the Test|foot|a title"));
   desktop_->kill();
-  EXPECT_EQ(recorder_->process().wait(), kFailed);
+  EXPECT_EQ(recorder_->process().wait(), kFailure);
   EXPECT_EQ(recorder_->process().errors(),
             "Tessum: The Wayland display has gone away; nothing more can be recorded.\n");
   EXPECT_TRUE(showsNothing());
@@ -122,20 +120,20 @@ TEST_F(SwayRecording, EndsWithTheCompositorAndSaysSo) {
 TEST_F(SwayRecording, DoesNotWaitForACompositorThatHangs) {
   desktop_->freeze();
   const auto recorder = desktop_->start(TESSUM_PROGRAM, {"record", "--no-update-check"});
-  EXPECT_EQ(recorder->wait(), kFailed);
+  EXPECT_EQ(recorder->wait(), kFailure);
   EXPECT_EQ(recorder->errors(), "Tessum: The Wayland display does not answer.\n");
   desktop_->thaw();
 }
 
 // sway sends a program no more events once it could not send one.
 TEST_F(SwayRecording, SaysThatATitleIsTooLongForTheCompositor) {
-  Terminal xterm(*desktop_, "xterm", "a title");
+  TerminalWindow xterm(*desktop_, "xterm", "a title");
   record();
   const std::string row = "X Terminal of the Test|debian-xterm|a title";
   ASSERT_TRUE(shows(row));
   desktop_->run("xdotool", {"search", "--onlyvisible", "--class", "xterm", "set_window", "--name",
                             std::string(100'000, 'x')});
-  EXPECT_EQ(recorder_->process().wait(), kFailed);
+  EXPECT_EQ(recorder_->process().wait(), kFailure);
   EXPECT_EQ(recorder_->process().errors(),
             "Tessum: The Wayland compositor has ended the connection, as some do when a window has "
             "a title of thousands of letters; nothing more can be recorded.\n");
@@ -144,12 +142,12 @@ TEST_F(SwayRecording, SaysThatATitleIsTooLongForTheCompositor) {
 
 TEST_F(SwayRecording, EachOfAThousandChangesOfFocusIsOneSession) {
   constexpr int kChanges = 1000;
-  const Terminal first(*desktop_, "foot", "first");
+  const TerminalWindow first(*desktop_, "foot", "first");
   record();
   const std::string names[] = {"Foot of the Test|foot|first",
                                "X Terminal of the Test|debian-xterm|second"};
   ASSERT_TRUE(shows(names[0]));
-  const Terminal second(*desktop_, "xterm", "second");
+  const TerminalWindow second(*desktop_, "xterm", "second");
   ASSERT_TRUE(shows(names[1]));
   rows_.back() = names[1] + "|closed";
   for (int i = 0; i < kChanges; ++i) {

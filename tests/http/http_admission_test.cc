@@ -61,7 +61,7 @@ std::string namedPostOf(std::string_view body) {
 
 TEST_F(HTTPAdmissionTest, AnswersWhomItAdmitsAsEver) {
   EXPECT_EQ(ask(port(), namedPostOf("body")), jsonAnswer("body"));
-  EXPECT_EQ(ask(port(), "GET / HTTP/1.1\r\nName: someone\r\n\r\n"), kGreeting);
+  EXPECT_EQ(ask(port(), "GET / HTTP/1.1\r\nName: someone\r\n\r\n"), kGreetingAnswer);
   EXPECT_EQ(ask(port(), namedPostOf("body"), Family::v6), jsonAnswer("body"));
 }
 

@@ -49,7 +49,7 @@ TEST_P(FewDescriptors, AreEnoughToServeManyClients) {
   late.send(kGetRoot);
   EXPECT_FALSE(late.hasNews());
   idle.clear();
-  EXPECT_EQ(late.receiveAll(), kGreeting);
+  EXPECT_EQ(late.receiveAll(), kGreetingAnswer);
   late.close();
 
   for (int i = 0; i < 200; ++i) EXPECT_EQ(ask(port, postOf("{}")), jsonAnswer("{}"));
@@ -88,7 +88,7 @@ TEST(HTTPTransportLimits, PausesWhileThereAreNoDescriptors) {
   for (int i = 0; i < 40; ++i) idle.emplace_back(port);
   EXPECT_FALSE(idle.back().hasNews(std::chrono::milliseconds(500)));
   idle.clear();
-  EXPECT_EQ(ask(port, kGetRoot), kGreeting);
+  EXPECT_EQ(ask(port, kGetRoot), kGreetingAnswer);
   EXPECT_EQ(child.release(), 0);
   EXPECT_LT(child.processorSeconds(), 0.25);
 }
@@ -130,7 +130,7 @@ TEST(HTTPTransportLimits, KeepsTheOldListenerWhenThereIsNoDescriptorForAnother) 
     parent.waitUntilReleased();
   });
   ASSERT_EQ(child.reported(), EMFILE);
-  EXPECT_EQ(ask(port, kGetRoot), kGreeting);
+  EXPECT_EQ(ask(port, kGetRoot), kGreetingAnswer);
   EXPECT_EQ(child.release(), 0);
 }
 

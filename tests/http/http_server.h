@@ -17,7 +17,7 @@
 namespace tessum {
 
 inline const std::string kGetRoot = "GET / HTTP/1.1\r\n\r\n";
-inline const std::string kGreeting =
+inline const std::string kGreetingAnswer =
     answerOf("HTTP/1.1 200 OK", "text/plain",
              "Tessum MCP Server \xE2\x80\x93 POST /mcp with a JSON-RPC 2.0 request.");
 

@@ -20,12 +20,12 @@ TEST(HTTPTransport, AcceptsNothingOnceItIsStopped) {
   HTTPServer server;
   Peer accepted(server.port());
   accepted.send("GET / HTTP/1.1\r\n");
-  EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+  EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
   server.transport().stop();
   EXPECT_FALSE(isListening(server.port()));
   EXPECT_FALSE(isListening(server.port(), Family::v6));
   accepted.send("\r\n");
-  EXPECT_EQ(accepted.receiveAll(), kGreeting);
+  EXPECT_EQ(accepted.receiveAll(), kGreetingAnswer);
   server.transport().stop();
   EXPECT_FALSE(server.transport().listeningError());
 }
@@ -33,7 +33,7 @@ TEST(HTTPTransport, AcceptsNothingOnceItIsStopped) {
 TEST(HTTPTransport, ListensAgainAtOnce) {
   HTTPServer server;
   for (int i = 0; i < 10; ++i) {
-    EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);  // leaves the port in use for a while
+    EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);  // leaves the port in use for a while
     server.transport().stop();
     server.transport().listen(server.port());
     EXPECT_FALSE(server.transport().listeningError());
@@ -44,17 +44,17 @@ TEST(HTTPTransport, ReplacesTheListenerOfBefore) {
   HTTPServer server;
   Peer accepted(server.port());
   accepted.send("GET / HTTP/1.1\r\n");
-  EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+  EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
   const int descriptors = openDescriptors();
   const std::uint16_t other = freePort();
   server.transport().listen(other);
   EXPECT_FALSE(isListening(server.port()));
-  EXPECT_EQ(ask(other, kGetRoot), kGreeting);
+  EXPECT_EQ(ask(other, kGetRoot), kGreetingAnswer);
   server.transport().listen(other);
-  EXPECT_EQ(ask(other, kGetRoot), kGreeting);
+  EXPECT_EQ(ask(other, kGetRoot), kGreetingAnswer);
   EXPECT_TRUE(eventually([&] { return openDescriptors() <= descriptors; }));
   accepted.send("\r\n");
-  EXPECT_EQ(accepted.receiveAll(), kGreeting);
+  EXPECT_EQ(accepted.receiveAll(), kGreetingAnswer);
 }
 
 TEST(HTTPTransport, ThrowsNothingWhenThePortIsTaken) {

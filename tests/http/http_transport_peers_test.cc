@@ -34,7 +34,7 @@ TEST(HTTPTransport, KeepsServingWhereverPeersLeave) {
     EXPECT_EQ(ending.receiveAll(), size == request.size() ? jsonAnswer("body") : "");
     EXPECT_FALSE(ending.wasReset());
   }
-  EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+  EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
 }
 
 TEST(HTTPTransport, KeepsServingWhenPeersResetDuringAnAnswer) {
@@ -46,21 +46,21 @@ TEST(HTTPTransport, KeepsServingWhenPeersResetDuringAnAnswer) {
     EXPECT_EQ(peer.receive(15), "HTTP/1.1 200 OK");
     peer.reset();
   }
-  EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+  EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
   EXPECT_TRUE(eventually([&] { return openDescriptors() <= before; }));
 }
 
 TEST(HTTPTransport, KeepsNothingOfAThousandRequestsThatWereDropped) {
   const HTTPServer server;
   const std::string head = "POST /mcp HTTP/1.1\r\nContent-Length: 4000000000000\r\n\r\n";
-  EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+  EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
   const int descriptors = openDescriptors();
   for (int i = 0; i < 1000; ++i) {
     Peer peer(server.port());
     peer.send(std::string_view(head).substr(0, static_cast<std::size_t>(i) % head.size() + 1));
     if (i % 2 == 0) peer.reset();
   }
-  EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+  EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
   EXPECT_TRUE(eventually([&] { return openDescriptors() <= descriptors; }));
 }
 

@@ -17,7 +17,7 @@
 namespace tessum {
 namespace {
 
-const std::string kNotFound = answerOf("HTTP/1.1 404 Not Found", "text/plain", "Not found");
+const std::string kNotFoundAnswer = answerOf("HTTP/1.1 404 Not Found", "text/plain", "Not found");
 const std::string kAllowed = answerOf("HTTP/1.1 204 No Content", "application/json", "");
 
 class EachFamily : public testing::TestWithParam<Family> {
@@ -29,13 +29,14 @@ class EachFamily : public testing::TestWithParam<Family> {
 };
 
 TEST_P(EachFamily, GetsTheExactBytesOfEveryAnswer) {
-  EXPECT_EQ(answerTo(kGetRoot), kGreeting);
+  EXPECT_EQ(answerTo(kGetRoot), kGreetingAnswer);
   EXPECT_EQ(answerTo(postOf("{\"é\":1}")), jsonAnswer("{\"é\":1}"));
   EXPECT_EQ(answerTo("OPTIONS /mcp HTTP/1.1\r\nOrigin: http://example.com\r\n\r\n"), kAllowed);
   EXPECT_EQ(answerTo("OPTIONS /anything HTTP/1.1\r\n\r\n"), kAllowed);
-  EXPECT_EQ(answerTo("GET /mcp HTTP/1.1\r\n\r\n"), kNotFound);
-  EXPECT_EQ(answerTo("POST /mcp?session=1 HTTP/1.1\r\nContent-Length: 2\r\n\r\n{}"), kNotFound);
-  EXPECT_EQ(answerTo("post /mcp HTTP/1.1\r\nContent-Length: 2\r\n\r\n{}"), kNotFound);
+  EXPECT_EQ(answerTo("GET /mcp HTTP/1.1\r\n\r\n"), kNotFoundAnswer);
+  EXPECT_EQ(answerTo("POST /mcp?session=1 HTTP/1.1\r\nContent-Length: 2\r\n\r\n{}"),
+            kNotFoundAnswer);
+  EXPECT_EQ(answerTo("post /mcp HTTP/1.1\r\nContent-Length: 2\r\n\r\n{}"), kNotFoundAnswer);
 }
 
 TEST_P(EachFamily, GetsTheAnswerToBytesThatComeOneByOne) {
@@ -90,7 +91,7 @@ TEST(HTTPTransport, WaitsForTheWholeRequest) {
     peer.send(std::string_view(request).substr(sent, next - sent));
     sent = next;
     // The queue handles one thing after another: the bytes sent above have been read by now.
-    EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+    EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
     EXPECT_FALSE(peer.hasNews());
     EXPECT_EQ(calls, 0);
   }
@@ -103,10 +104,10 @@ TEST(HTTPTransport, AnswersARequestLineOnlyOnceItsHeadIsComplete) {
   const HTTPServer server;
   Peer peer(server.port());
   peer.send("GET / HTTP/1.1\r\n");
-  EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+  EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
   EXPECT_FALSE(peer.hasNews());
   peer.send("\r\n");
-  EXPECT_EQ(peer.receiveAll(), kGreeting);
+  EXPECT_EQ(peer.receiveAll(), kGreetingAnswer);
 }
 
 TEST(HTTPTransport, NeverAnswersAHeadThatIsNoRequest) {
@@ -115,7 +116,7 @@ TEST(HTTPTransport, NeverAnswersAHeadThatIsNoRequest) {
     Peer peer(server.port());
     peer.send(bytes);
     peer.send(kGetRoot);
-    EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+    EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
     EXPECT_FALSE(peer.hasNews());
     peer.endSending();
     EXPECT_EQ(peer.receiveAll(), "");
@@ -157,10 +158,10 @@ TEST(HTTPTransport, ClosesWhenThePeerNeverDoes) {
   const HTTPServer server;
   Peer peer(server.port());
   peer.send("GET / HTTP/1.1\r\n");
-  EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+  EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
   const int before = openDescriptors();
   peer.send("\r\n");
-  EXPECT_EQ(peer.receiveAll(), kGreeting);
+  EXPECT_EQ(peer.receiveAll(), kGreetingAnswer);
   EXPECT_TRUE(eventually([&] { return openDescriptors() < before; }));
 }
 

@@ -81,7 +81,7 @@ TEST(HTTPTransport, ClosesConnectionsWithoutARequestWhenDestroyed) {
   Peer silent(server.port());
   Peer halfway(server.port());
   halfway.send("GET / HTTP/1.1\r\n");
-  EXPECT_EQ(ask(server.port(), kGetRoot), kGreeting);
+  EXPECT_EQ(ask(server.port(), kGetRoot), kGreetingAnswer);
   server.destroyTransport();
   EXPECT_EQ(silent.receiveAll(), "");
   EXPECT_EQ(halfway.receiveAll(), "");

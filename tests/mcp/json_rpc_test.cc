@@ -7,13 +7,13 @@
 namespace tessum {
 namespace {
 
-JSONRPCRequest decode(std::string_view text) {
+JSONRPCRequest decodedRequest(std::string_view text) {
   return JSONRPCRequest::decode(json::PaddedString(text).view());
 }
 
 std::string failureOf(std::string_view text) {
   try {
-    static_cast<void>(decode(text));
+    static_cast<void>(decodedRequest(text));
   } catch (const json::DecodingError& error) {
     return error.description();
   }
@@ -22,7 +22,7 @@ std::string failureOf(std::string_view text) {
 
 TEST(JSONRPCRequest, ReadsItsMembersAndIgnoresOthers) {
   const auto request =
-      decode(R"({"more":[1],"params":{"a":1},"method":"m","id":7,"jsonrpc":"1.0"})");
+      decodedRequest(R"({"more":[1],"params":{"a":1},"method":"m","id":7,"jsonrpc":"1.0"})");
   EXPECT_EQ(request.jsonrpc, "1.0");
   EXPECT_EQ(request.id, JSONRPCID(std::int64_t{7}));
   EXPECT_EQ(request.method, "m");
@@ -30,20 +30,21 @@ TEST(JSONRPCRequest, ReadsItsMembersAndIgnoresOthers) {
 }
 
 TEST(JSONRPCRequest, TakesNullForAbsent) {
-  const auto request = decode(R"({"jsonrpc":"2.0","id":null,"method":"m","params":null})");
+  const auto request = decodedRequest(R"({"jsonrpc":"2.0","id":null,"method":"m","params":null})");
   EXPECT_FALSE(request.id.has_value());
   EXPECT_FALSE(request.params.has_value());
 }
 
 TEST(JSONRPCRequest, TakesTheLastOfDuplicateKeys) {
-  const auto request = decode(R"({"jsonrpc":"2.0","id":1,"method":"a","method":"b","id":2})");
+  const auto request =
+      decodedRequest(R"({"jsonrpc":"2.0","id":1,"method":"a","method":"b","id":2})");
   EXPECT_EQ(request.method, "b");
   EXPECT_EQ(request.id, JSONRPCID(std::int64_t{2}));
 }
 
 TEST(JSONRPCRequest, ReadsIdsThatAreIntegersOrTexts) {
   const auto id = [](const char* text) {
-    return decode(std::string(R"({"jsonrpc":"2.0","method":"m","id":)") + text + "}").id;
+    return decodedRequest(std::string(R"({"jsonrpc":"2.0","method":"m","id":)") + text + "}").id;
   };
   EXPECT_EQ(id("0"), JSONRPCID(std::int64_t{0}));
   EXPECT_EQ(id("-1"), JSONRPCID(std::int64_t{-1}));

@@ -9,18 +9,18 @@
 namespace tessum {
 namespace {
 
-ToolCall decode(const std::string& params) {
+ToolCall decodedCall(const std::string& params) {
   return ToolCall::decode(AnyCodable::encoded(params));
 }
 
 ToolArguments decodeArguments(const std::string& arguments) {
-  return decode(R"({"name":"t","arguments":)" + arguments + "}").arguments;
+  return decodedCall(R"({"name":"t","arguments":)" + arguments + "}").arguments;
 }
 
 TEST(ToolCall, ReadsNameAndArguments) {
   const ToolCall call =
-      decode(R"({"more":[1],"arguments":{"date":"d","duration":"1h","limit":7,"query":"q\n",)"
-             R"("text":"a\u0000b","more":{"date":"x"}},"name":"annotate"})");
+      decodedCall(R"({"more":[1],"arguments":{"date":"d","duration":"1h","limit":7,"query":"q\n",)"
+                  R"("text":"a\u0000b","more":{"date":"x"}},"name":"annotate"})");
   EXPECT_EQ(call.name, "annotate");
   EXPECT_EQ(call.arguments.date, "d");
   EXPECT_EQ(call.arguments.duration, "1h");
@@ -32,9 +32,9 @@ TEST(ToolCall, ReadsNameAndArguments) {
 TEST(ToolCall, HasNoNameUnlessItIsAText) {
   for (const char* params : {"null", "[]", "\"name\"", "5", "{}", R"({"name":5})",
                              R"({"name":null})", R"({"name":["x"]})", R"({"Name":"x"})"}) {
-    EXPECT_EQ(decode(params).name, std::nullopt) << params;
+    EXPECT_EQ(decodedCall(params).name, std::nullopt) << params;
   }
-  EXPECT_EQ(decode(R"({"name":""})").name, "");
+  EXPECT_EQ(decodedCall(R"({"name":""})").name, "");
 }
 
 TEST(ToolCall, TakesArgumentsThatAreNoObjectForNone) {
@@ -70,11 +70,12 @@ TEST(ToolArguments, AreThoseThatComeLast) {
   EXPECT_EQ(decodeArguments(R"({"date":"a","date":5})").date, std::nullopt);
   EXPECT_EQ(decodeArguments(R"({"limit":1,"limit":"2"})").limit, std::nullopt);
   const ToolCall call =
-      decode(R"({"name":"a","arguments":{"date":"d"},"name":"b","arguments":{"query":"q"}})");
+      decodedCall(R"({"name":"a","arguments":{"date":"d"},"name":"b","arguments":{"query":"q"}})");
   EXPECT_EQ(call.name, "b");
   EXPECT_EQ(call.arguments.date, std::nullopt);
   EXPECT_EQ(call.arguments.query, "q");
-  EXPECT_EQ(decode(R"({"arguments":{"date":"d"},"arguments":null})").arguments.date, std::nullopt);
+  EXPECT_EQ(decodedCall(R"({"arguments":{"date":"d"},"arguments":null})").arguments.date,
+            std::nullopt);
 }
 
 }  // namespace

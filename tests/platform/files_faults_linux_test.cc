@@ -17,8 +17,6 @@
 namespace tessum {
 namespace {
 
-constexpr ExitStatus kFailed{.code = 1, .signal = {}};
-
 // Replaces an existing file, a missing one, and one behind a symbolic link.
 enum class Start { existing, missing, linked };
 
@@ -82,7 +80,7 @@ TEST_P(FilesFaults, AFailureLeavesTheOldFileAndNothingElse) {
       reset();
       const ExitStatus status = program_.runWithFault(call, std::string("error=") + error);
       if (status != kSuccess) {
-        EXPECT_EQ(status, kFailed);
+        EXPECT_EQ(status, kFailure);
         ++failures;
       }
       EXPECT_EQ(content(), status == kSuccess ? "new" : oldContent());

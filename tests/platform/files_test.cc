@@ -241,7 +241,7 @@ TEST_F(FilesTest, AWriteThatStopsHalfwayLeavesTheOldFile) {
     setrlimit(RLIMIT_FSIZE, &fourKilobytes);
   };
   ChildProcess program(TESSUM_REPLACE_FILE_PROGRAM, options);
-  EXPECT_EQ(program.finish(), (ExitStatus{.code = 1, .signal = {}}));
+  EXPECT_EQ(program.finish(), kFailure);
   EXPECT_NE(program.errors().find(std::strerror(EFBIG)), std::string::npos) << program.errors();
   EXPECT_EQ(readFile(path_), "old");
   EXPECT_EQ(namesIn(folder_.path()), std::vector<std::string>{"settings.json"});

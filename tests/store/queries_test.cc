@@ -11,10 +11,11 @@ namespace tessum {
 namespace {
 
 constexpr double kHour = 3600;
-constexpr double kNoon = 1741089600;  // 2025-03-04 12:00:00 UTC
 
 class QueriesTest : public testing::Test {
  protected:
+  static constexpr double kNoon = 1741089600;  // 2025-03-04 12:00:00 UTC
+
   std::int64_t add(const char* app, double start, std::optional<std::string> title = {}) {
     return database_.insert({.id = 99,
                              .appName = app,

@@ -13,10 +13,10 @@
 namespace tessum {
 namespace {
 
-constexpr double kNoon = 1741089600;  // 2025-03-04 12:00:00 UTC
-
 class UsageTest : public testing::Test {
  protected:
+  static constexpr double kNoon = 1741089600;  // 2025-03-04 12:00:00 UTC
+
   void add(const char* app, std::optional<std::string> bundle, double start,
            std::optional<double> end, std::optional<std::string> title) {
     database_.insert({.id = {},

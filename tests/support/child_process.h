@@ -24,6 +24,7 @@ struct ExitStatus {
 };
 
 inline constexpr ExitStatus kSuccess{.code = 0, .signal = {}};
+inline constexpr ExitStatus kFailure{.code = 1, .signal = {}};
 
 // A running program. Each call that waits for it throws std::runtime_error after a minute, so a
 // test that could hang fails with a message. Not thread-safe.

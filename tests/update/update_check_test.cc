@@ -1,4 +1,3 @@
-#include <curl/curl.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -17,8 +16,6 @@ using update_state::Checking;
 using update_state::Error;
 using update_state::Idle;
 using update_state::UpToDate;
-
-const Error kUnreachable{curl_easy_strerror(CURLE_COULDNT_CONNECT)};
 
 class UpdateCheckTest : public UpdateCheckerTest {};
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <curl/curl.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -99,6 +100,8 @@ class Routes {
 };
 
 using States = std::vector<UpdateState>;
+
+inline const update_state::Error kUnreachable{curl_easy_strerror(CURLE_COULDNT_CONNECT)};
 
 constexpr auto kLatestPath = "/releases/macos/latest";
 

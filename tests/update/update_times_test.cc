@@ -1,6 +1,5 @@
 // When the checker checks, when it tells its observer, and its end.
 
-#include <curl/curl.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -13,8 +12,6 @@ namespace {
 
 using update_state::Checking;
 using update_state::Error;
-
-const Error kUnreachable{curl_easy_strerror(CURLE_COULDNT_CONNECT)};
 
 class UpdateTimesTest : public UpdateCheckerTest {};
 

@@ -8,7 +8,7 @@
 namespace tessum {
 namespace {
 
-using Told = std::vector<std::pair<std::string, double>>;
+using TimedTold = std::vector<std::pair<std::string, double>>;
 
 class PollingIdleSourceTest : public testing::Test {
  protected:
@@ -24,7 +24,7 @@ class PollingIdleSourceTest : public testing::Test {
   FakeSteadyClock steadyClock_{clock_};
   FakeMainLoop loop_{clock_};
   std::optional<Moment> lastInput_ = Moment{1000};
-  Told told_;
+  TimedTold told_;
   PollingIdleSource source_{loop_, steadyClock_, [this]() -> std::optional<double> {
                               if (!lastInput_) return std::nullopt;
                               return secondsBetween(*lastInput_, steadyClock_.now());
@@ -36,28 +36,28 @@ TEST_F(PollingIdleSourceTest, TellsOfIdlenessSinceTheLastInputAndOfTheNextOne) {
   loop_.advance(12);
   input();
   loop_.advance(59);
-  EXPECT_EQ(told_, Told{});
+  EXPECT_EQ(told_, TimedTold{});
   loop_.advance(100);
-  EXPECT_EQ(told_, (Told{{"a-", 1012}}));
+  EXPECT_EQ(told_, (TimedTold{{"a-", 1012}}));
   input();  // at 1171
   loop_.advance(5);
-  EXPECT_EQ(told_, (Told{{"a-", 1012}, {"a+", 1171}}));
+  EXPECT_EQ(told_, (TimedTold{{"a-", 1012}, {"a+", 1171}}));
   loop_.advance(70);
-  EXPECT_EQ(told_, (Told{{"a-", 1012}, {"a+", 1171}, {"a-", 1171}}));
+  EXPECT_EQ(told_, (TimedTold{{"a-", 1012}, {"a+", 1171}, {"a-", 1171}}));
 }
 
 TEST_F(PollingIdleSourceTest, TellsOfIdlenessThatHasBegunBeforeTheWatch) {
   clock_.advance(300);
   source_.watch(60, handlers("a"));
-  EXPECT_EQ(told_, Told{}) << "the loop tells";
+  EXPECT_EQ(told_, TimedTold{}) << "the loop tells";
   loop_.advance(5);
-  EXPECT_EQ(told_, (Told{{"a-", 1000}}));
+  EXPECT_EQ(told_, (TimedTold{{"a-", 1000}}));
 }
 
 TEST_F(PollingIdleSourceTest, TheThresholdItselfIsIdle) {
   source_.watch(5, handlers("a"));
   loop_.advance(5);
-  EXPECT_EQ(told_, (Told{{"a-", 1000}}));
+  EXPECT_EQ(told_, (TimedTold{{"a-", 1000}}));
 }
 
 TEST_F(PollingIdleSourceTest, AnotherWatchBeginsAnew) {
@@ -67,7 +67,7 @@ TEST_F(PollingIdleSourceTest, AnotherWatchBeginsAnew) {
   loop_.advance(60);
   input();
   loop_.advance(5);
-  EXPECT_EQ(told_, (Told{{"a-", 1000}, {"b-", 1000}, {"b+", 1120}}));
+  EXPECT_EQ(told_, (TimedTold{{"a-", 1000}, {"b-", 1000}, {"b+", 1120}}));
   EXPECT_EQ(loop_.timerIntervals(), std::vector<double>{PollingIdleSource::kPollSeconds});
 }
 
@@ -75,14 +75,14 @@ TEST_F(PollingIdleSourceTest, AHandlerMayWatchAnew) {
   source_.watch(60, {.onIdle = [this](Moment) { source_.watch(120, handlers("b")); },
                      .onActive = [](Moment) {}});
   loop_.advance(130);
-  EXPECT_EQ(told_, (Told{{"b-", 1000}}));
+  EXPECT_EQ(told_, (TimedTold{{"b-", 1000}}));
 }
 
 TEST_F(PollingIdleSourceTest, StopsWhenItCannotBeToldAnyMore) {
   source_.watch(60, handlers("a"));
   lastInput_.reset();
   loop_.advance(100);
-  EXPECT_EQ(told_, Told{});
+  EXPECT_EQ(told_, TimedTold{});
   EXPECT_TRUE(loop_.timerIntervals().empty());
 }
 

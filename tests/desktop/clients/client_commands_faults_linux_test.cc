@@ -21,8 +21,6 @@ namespace fs = std::filesystem;
 constexpr int kStep = TESSUM_FAULT_STEP;
 constexpr int kFewest = 8 / kStep;
 
-constexpr ExitStatus kFailed{.code = 1, .signal = {}};
-
 struct Case {
   const char* name;
   const char* application;
@@ -100,7 +98,7 @@ TEST_P(ClientCommandsFaults, AFailureLeavesTheOldFileOrTheNewOneAndNothingElse) 
       const ExitStatus status = program_.runWithFault(call, std::string("error=") + error);
       if (content() != new_) {
         EXPECT_EQ(content(), old_);
-        EXPECT_EQ(status, kFailed);
+        EXPECT_EQ(status, kFailure);
         ++failures;
       }
       EXPECT_EQ(temporaryFiles(), std::vector<std::string>{});

@@ -7,8 +7,8 @@
 namespace tessum {
 namespace {
 
-const JsonText kEditor("mcpServers", "tessum");
-const json::Value kEntry = json::Value::Object{{"url", "http://x/y"}};
+const JsonText kJson("mcpServers", "tessum");
+const json::Value kJsonEntry = json::Value::Object{{"url", "http://x/y"}};
 
 struct Insertion {
   const char* before;
@@ -18,10 +18,10 @@ struct Insertion {
 class AddingAnEntry : public testing::TestWithParam<Insertion> {};
 
 TEST_P(AddingAnEntry, FollowsTheFilesStyleAndComesOutAgain) {
-  const EditedText edited = kEditor.withEntry(GetParam().before, kEntry, {});
+  const EditedText edited = kJson.withEntry(GetParam().before, kJsonEntry, {});
   EXPECT_EQ(edited.text, GetParam().after);
   EXPECT_FALSE(edited.isReplaced);
-  EXPECT_EQ(kEditor.withoutEntry(edited.text, edited.addition), GetParam().before);
+  EXPECT_EQ(kJson.withoutEntry(edited.text, edited.addition), GetParam().before);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -57,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(JsonText, ReplacesAnEntryInItsPlace) {
   const std::string before = R"({"mcpServers": {"tess\u0075m": [1, /* x */ 2,], "b": {}}} // c)";
-  const EditedText edited = kEditor.withEntry(before, kEntry, {});
+  const EditedText edited = kJson.withEntry(before, kJsonEntry, {});
   EXPECT_TRUE(edited.isReplaced);
   EXPECT_EQ(edited.text, R"({"mcpServers": {"tess\u0075m": {"url": "http://x/y"}, "b": {}}} // c)");
 }
@@ -65,8 +65,8 @@ TEST(JsonText, ReplacesAnEntryInItsPlace) {
 class Refusal : public testing::TestWithParam<const char*> {};
 
 TEST_P(Refusal, IsForWhatCannotBeEditedSafely) {
-  EXPECT_THROW(static_cast<void>(kEditor.withEntry(GetParam(), kEntry, {})), CannotEdit);
-  EXPECT_THROW(static_cast<void>(kEditor.entry(GetParam())), CannotEdit);
+  EXPECT_THROW(static_cast<void>(kJson.withEntry(GetParam(), kJsonEntry, {})), CannotEdit);
+  EXPECT_THROW(static_cast<void>(kJson.entry(GetParam())), CannotEdit);
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, Refusal,
@@ -89,7 +89,7 @@ class RemovingAnEntry : public testing::TestWithParam<Removal> {};
 
 TEST_P(RemovingAnEntry, LeavesTheRestWhenNothingElseIsKnown) {
   EXPECT_EQ(
-      kEditor.withoutEntry(GetParam().before, Addition{.hasContainer = GetParam().hasContainer}),
+      kJson.withoutEntry(GetParam().before, Addition{.hasContainer = GetParam().hasContainer}),
       GetParam().after);
 }
 
@@ -109,9 +109,9 @@ INSTANTIATE_TEST_SUITE_P(
                 "{\"mcpServers\":{// b\n\"b\":1}}"}));
 
 TEST(JsonText, KnowsAnEmptyText) {
-  for (const char* text : {"", " \n", "{}", "{ }\n"}) EXPECT_TRUE(kEditor.isEmpty(text)) << text;
+  for (const char* text : {"", " \n", "{}", "{ }\n"}) EXPECT_TRUE(kJson.isEmpty(text)) << text;
   for (const char* text : {"{\"a\":1}", "// a", "{/**/}", "[]"}) {
-    EXPECT_FALSE(kEditor.isEmpty(text)) << text;
+    EXPECT_FALSE(kJson.isEmpty(text)) << text;
   }
 }
 

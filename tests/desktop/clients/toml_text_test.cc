@@ -7,8 +7,8 @@
 namespace tessum {
 namespace {
 
-const TomlText kEditor("mcp_servers", "tessum");
-const json::Value kEntry =
+const TomlText kToml("mcp_servers", "tessum");
+const json::Value kTomlEntry =
     json::Value::Object{{"args", json::Value::Array()}, {"command", "/bin/\"x\""}};
 
 // The entry's table.
@@ -22,14 +22,14 @@ TEST(TomlText, AddsATableAtTheEndAndTakesItOutAgain) {
                                      {"\xEF\xBB\xBF", ""},
                                      {"[mcp_servers]\n[mcp_servers.b]\nx = '''\n[a]\n'''", "\n\n"},
                                      {"x = nan\n", "\n"}}) {
-    const EditedText edited = kEditor.withEntry(before, kEntry, {});
+    const EditedText edited = kToml.withEntry(before, kTomlEntry, {});
     EXPECT_EQ(edited.text, before + lead + table);
-    EXPECT_EQ(kEditor.withoutEntry(edited.text, edited.addition), before);
+    EXPECT_EQ(kToml.withoutEntry(edited.text, edited.addition), before);
   }
 }
 
 TEST(TomlText, WritesTheFilesLineBreaks) {
-  EXPECT_EQ(kEditor.withEntry("a = 1\r\n", kEntry, {}).text,
+  EXPECT_EQ(kToml.withEntry("a = 1\r\n", kTomlEntry, {}).text,
             "a = 1\r\n\r\n[mcp_servers.tessum]\r\nargs = []\r\ncommand = \"/bin/\\\"x\\\"\"\r\n");
 }
 
@@ -37,7 +37,7 @@ TEST(TomlText, ReplacesAnEntryInItsPlace) {
   for (const char* old : {"[mcp_servers.tessum] # old\ncommand = 'x'\n",
                           "[ mcp_servers . \"tessum\" ]\nx = \"\"\"\n[z]\n\"\"\"\n"}) {
     const EditedText edited =
-        kEditor.withEntry(std::string("# a\n") + old + "\n[b]\nc = 1\n", kEntry, {});
+        kToml.withEntry(std::string("# a\n") + old + "\n[b]\nc = 1\n", kTomlEntry, {});
     EXPECT_TRUE(edited.isReplaced);
     EXPECT_EQ(edited.text, std::string("# a\n") + kTable + "\n[b]\nc = 1\n");
   }
@@ -48,8 +48,8 @@ TEST(TomlText, TakesOutEveryFormOfAnEntry) {
        {"[mcp_servers.tessum]\ncommand = 'x'\n[mcp_servers.tessum.env]\nA = 'b'\n",
         "[mcp_servers]\ntessum = { command = 'x' }\n", "mcp_servers.tessum.command = 'x'\n",
         "[mcp_servers]\ntessum.command = 'x' # mine\ntessum.args = [\n  ']', # ]\n]\n"}) {
-    const std::string without = kEditor.withoutEntry(std::string("a = 1\n") + entry, {});
-    EXPECT_FALSE(kEditor.entry(without)) << without;
+    const std::string without = kToml.withoutEntry(std::string("a = 1\n") + entry, {});
+    EXPECT_FALSE(kToml.entry(without)) << without;
     EXPECT_TRUE(without.starts_with("a = 1\n")) << without;
   }
 }
@@ -57,7 +57,7 @@ TEST(TomlText, TakesOutEveryFormOfAnEntry) {
 class TomlRefusal : public testing::TestWithParam<const char*> {};
 
 TEST_P(TomlRefusal, IsForWhatCannotBeEditedSafely) {
-  EXPECT_THROW(static_cast<void>(kEditor.withEntry(GetParam(), kEntry, {})), CannotEdit);
+  EXPECT_THROW(static_cast<void>(kToml.withEntry(GetParam(), kTomlEntry, {})), CannotEdit);
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, TomlRefusal,
@@ -69,11 +69,11 @@ INSTANTIATE_TEST_SUITE_P(Texts, TomlRefusal,
 
 TEST(TomlText, RewritesWhatItCanReadAndSaysWhatIsLost) {
   const RewrittenText read =
-      kEditor.rewritten("b = 1 # c\nmcp_servers = { x = { y = 1 } }", kEntry);
+      kToml.rewritten("b = 1 # c\nmcp_servers = { x = { y = 1 } }", kTomlEntry);
   EXPECT_TRUE(read.isLossy);
   EXPECT_NE(read.text.find("b = 1"), std::string::npos) << read.text;
-  EXPECT_EQ(kEditor.entry(read.text), kEntry);
-  EXPECT_EQ(kEditor.rewritten("no TOML", kEntry).text, kTable);
+  EXPECT_EQ(kToml.entry(read.text), kTomlEntry);
+  EXPECT_EQ(kToml.rewritten("no TOML", kTomlEntry).text, kTable);
 }
 
 }  // namespace

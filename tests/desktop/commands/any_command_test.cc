@@ -72,7 +72,7 @@ std::vector<Command> allCommands() {
   return commands;
 }
 
-std::string nameOf(const testing::TestParamInfo<Command>& info) {
+std::string commandName(const testing::TestParamInfo<Command>& info) {
   return info.param.name;
 }
 
@@ -115,7 +115,7 @@ INSTANTIATE_TEST_SUITE_P(Commands, NeedsARecord,
                          testing::ValuesIn(readersAnd({{"forget", {"forget", "--app", "x"}},
                                                        {"endNote", {"note", "--end"}},
                                                        {"closeOpen", {"doctor", "--close-open"}}})),
-                         nameOf);
+                         commandName);
 
 struct Started {
   Command command;
@@ -181,7 +181,7 @@ TEST_P(MeetsDamage, SaysSoInsteadOfShowingARest) {
   EXPECT_FALSE(std::filesystem::exists(Command::fileOf(user)));
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, MeetsDamage, testing::ValuesIn(allCommands()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Commands, MeetsDamage, testing::ValuesIn(allCommands()), commandName);
 
 class MeetsAnotherFile : public testing::TestWithParam<Command> {};
 
@@ -194,7 +194,7 @@ TEST_P(MeetsAnotherFile, LeavesWhatIsNoDatabaseAlone) {
   EXPECT_EQ(readFile(user.historyPath()), letter);
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, MeetsAnotherFile, testing::ValuesIn(allCommands()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Commands, MeetsAnotherFile, testing::ValuesIn(allCommands()), commandName);
 
 class ReadsWhatIsReadOnly : public testing::TestWithParam<Command> {};
 
@@ -209,8 +209,8 @@ TEST_P(ReadsWhatIsReadOnly, LikeAnyOther) {
   chmod(user.dataFolder().c_str(), 0700);
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, ReadsWhatIsReadOnly, testing::ValuesIn(kReaders), nameOf);
-INSTANTIATE_TEST_SUITE_P(Status, ReadsWhatIsReadOnly, testing::Values(kStatus), nameOf);
+INSTANTIATE_TEST_SUITE_P(Commands, ReadsWhatIsReadOnly, testing::ValuesIn(kReaders), commandName);
+INSTANTIATE_TEST_SUITE_P(Status, ReadsWhatIsReadOnly, testing::Values(kStatus), commandName);
 
 TEST(TheTimeline, CannotBeDrawnIntoAFolderThatIsReadOnly) {
   const User user;
@@ -235,7 +235,8 @@ TEST_P(WritesToWhatIsReadOnly, SaysSoAndChangesNothing) {
   EXPECT_EQ(readFile(user.historyPath()), before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, WritesToWhatIsReadOnly, testing::ValuesIn(kWriters), nameOf);
+INSTANTIATE_TEST_SUITE_P(Commands, WritesToWhatIsReadOnly, testing::ValuesIn(kWriters),
+                         commandName);
 
 class UnknownDay : public testing::TestWithParam<Command> {};
 
@@ -261,7 +262,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Command{"exportTo", {"export", "--to"}},
                     Command{"searchIn", {"search", "x", "--in"}}, Command{"forget", {"forget"}},
                     Command{"forgetTo", {"forget", "--from", "today", "--to"}}),
-    nameOf);
+    commandName);
 
 TEST(CommandLine, AnsweringForHelpGivesExamplesForEveryCommand) {
   const User user;
@@ -313,7 +314,7 @@ TEST(CommandLine, OutputThatCannotBeWrittenIsAFailure) {
   for (const char* command : {"day 2025-03-04", "export", "export --format json", "status"}) {
     const std::string line = "\"" + hostProgram() + "\" " + command + " > /dev/full";
     ChildProcess shell("sh", {.arguments = {"-c", line}, .environment = user.environment()});
-    EXPECT_EQ(shell.finish(), (ExitStatus{.code = 1, .signal = {}})) << command;
+    EXPECT_EQ(shell.finish(), kFailure) << command;
     EXPECT_NE(shell.errors().find("cannot write to standard output"), std::string::npos);
   }
 }

@@ -19,7 +19,7 @@ struct Mistake {
   const char* complaint;
 };
 
-std::string nameOf(const testing::TestParamInfo<Mistake>& info) {
+std::string mistakeName(const testing::TestParamInfo<Mistake>& info) {
   return info.param.name;
 }
 
@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"Option",
                 {"day", "--jsno"},
                 R"(The following argument was not expected: --jsno; did you mean "--json"?)"}),
-    nameOf);
+    mistakeName);
 
 TEST(Help, IsTheSameForHelpAndForTheOption) {
   const User user;
@@ -82,7 +82,7 @@ TEST(Help, ThatCannotBeWrittenIsAFailure) {
   for (const char* words : {"--help", "--version", "help", "help day", "day --help"}) {
     const std::string line = "\"" + hostProgram() + "\" " + words + " > /dev/full";
     ChildProcess shell("sh", {.arguments = {"-c", line}, .environment = user.environment()});
-    EXPECT_EQ(shell.finish(), (ExitStatus{.code = 1, .signal = {}})) << words;
+    EXPECT_EQ(shell.finish(), kFailure) << words;
     EXPECT_TRUE(contains(shell.errors(), "cannot write to standard output"));
   }
 }

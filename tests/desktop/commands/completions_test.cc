@@ -45,7 +45,7 @@ const Case kCases[] = {
     {"TheOtherName", "Tessum usage --app Term", "Tessum usage --app", "Terminal"},
 };
 
-std::string nameOf(const testing::TestParamInfo<Case>& info) {
+std::string caseName(const testing::TestParamInfo<Case>& info) {
   return info.param.name;
 }
 
@@ -140,7 +140,7 @@ TEST_P(Completions, WorkInFish) {
   EXPECT_EQ(found.substr(0, found.find_first_of("\t\n")), GetParam().word);
 }
 
-INSTANTIATE_TEST_SUITE_P(Words, Completions, testing::ValuesIn(kCases), nameOf);
+INSTANTIATE_TEST_SUITE_P(Words, Completions, testing::ValuesIn(kCases), caseName);
 
 }  // namespace
 }  // namespace tessum

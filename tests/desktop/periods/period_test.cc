@@ -15,12 +15,12 @@ std::string datesOf(const Period& period) {
   return dateText(period.first) + " " + dateText(period.last);
 }
 
-struct Case {
+struct PeriodCase {
   const char* text;
   const char* dates;
 };
 
-class Periods : public testing::TestWithParam<Case> {};
+class Periods : public testing::TestWithParam<PeriodCase> {};
 
 TEST_P(Periods, AreReadInSmallAndInCapitalLetters) {
   const std::string text = GetParam().text;
@@ -33,28 +33,40 @@ TEST_P(Periods, AreReadInSmallAndInCapitalLetters) {
 INSTANTIATE_TEST_SUITE_P(
     All, Periods,
     testing::Values(
-        Case{"today", "2025-03-05 2025-03-05"}, Case{"yesterday", "2025-03-04 2025-03-04"},
-        Case{"wednesday", "2025-03-05 2025-03-05"}, Case{"tuesday", "2025-03-04 2025-03-04"},
-        Case{"thursday", "2025-02-27 2025-02-27"}, Case{"friday", "2025-02-28 2025-02-28"},
-        Case{"saturday", "2025-03-01 2025-03-01"}, Case{"sunday", "2025-03-02 2025-03-02"},
-        Case{"monday", "2025-03-03 2025-03-03"}, Case{"1d", "2025-03-05 2025-03-05"},
-        Case{"3d", "2025-03-03 2025-03-05"}, Case{"365d", "2024-03-06 2025-03-05"},
-        Case{"week", "2025-03-03 2025-03-05"}, Case{"last-week", "2025-02-24 2025-03-02"},
-        Case{"month", "2025-03-01 2025-03-05"}, Case{"last-month", "2025-02-01 2025-02-28"},
-        Case{"year", "2025-01-01 2025-03-05"}, Case{"2024", "2024-01-01 2024-12-31"},
-        Case{"0001", "0001-01-01 0001-12-31"}, Case{"9999", "9999-01-01 9999-12-31"},
-        Case{"2024-02", "2024-02-01 2024-02-29"}, Case{"2025-12", "2025-12-01 2025-12-31"},
-        Case{"9999-12", "9999-12-01 9999-12-31"}, Case{"2025-W10", "2025-03-03 2025-03-09"},
+        PeriodCase{"today", "2025-03-05 2025-03-05"},
+        PeriodCase{"yesterday", "2025-03-04 2025-03-04"},
+        PeriodCase{"wednesday", "2025-03-05 2025-03-05"},
+        PeriodCase{"tuesday", "2025-03-04 2025-03-04"},
+        PeriodCase{"thursday", "2025-02-27 2025-02-27"},
+        PeriodCase{"friday", "2025-02-28 2025-02-28"},
+        PeriodCase{"saturday", "2025-03-01 2025-03-01"},
+        PeriodCase{"sunday", "2025-03-02 2025-03-02"},
+        PeriodCase{"monday", "2025-03-03 2025-03-03"}, PeriodCase{"1d", "2025-03-05 2025-03-05"},
+        PeriodCase{"3d", "2025-03-03 2025-03-05"}, PeriodCase{"365d", "2024-03-06 2025-03-05"},
+        PeriodCase{"week", "2025-03-03 2025-03-05"},
+        PeriodCase{"last-week", "2025-02-24 2025-03-02"},
+        PeriodCase{"month", "2025-03-01 2025-03-05"},
+        PeriodCase{"last-month", "2025-02-01 2025-02-28"},
+        PeriodCase{"year", "2025-01-01 2025-03-05"}, PeriodCase{"2024", "2024-01-01 2024-12-31"},
+        PeriodCase{"0001", "0001-01-01 0001-12-31"}, PeriodCase{"9999", "9999-01-01 9999-12-31"},
+        PeriodCase{"2024-02", "2024-02-01 2024-02-29"},
+        PeriodCase{"2025-12", "2025-12-01 2025-12-31"},
+        PeriodCase{"9999-12", "9999-12-01 9999-12-31"},
+        PeriodCase{"2025-W10", "2025-03-03 2025-03-09"},
         // The first week of a year may begin in the year before, the last one end in the next.
-        Case{"2025-W1", "2024-12-30 2025-01-05"}, Case{"2021-W01", "2021-01-04 2021-01-10"},
-        Case{"2020-W53", "2020-12-28 2021-01-03"}, Case{"2025-03-04", "2025-03-04 2025-03-04"},
-        Case{"2025-3-4", "2025-03-04 2025-03-04"}, Case{"2024-02-29", "2024-02-29 2024-02-29"},
-        Case{"2025-03-04..2025-03-10", "2025-03-04 2025-03-10"},
-        Case{"2025-03-04..", "2025-03-04 2025-03-05"},
-        Case{"monday..today", "2025-03-03 2025-03-05"},
-        Case{"2024-11..2025-W02", "2024-11-01 2025-01-12"},
-        Case{"last-month..yesterday", "2025-02-01 2025-03-04"},
-        Case{"today..today", "2025-03-05 2025-03-05"}, Case{"2024..", "2024-01-01 2025-03-05"}),
+        PeriodCase{"2025-W1", "2024-12-30 2025-01-05"},
+        PeriodCase{"2021-W01", "2021-01-04 2021-01-10"},
+        PeriodCase{"2020-W53", "2020-12-28 2021-01-03"},
+        PeriodCase{"2025-03-04", "2025-03-04 2025-03-04"},
+        PeriodCase{"2025-3-4", "2025-03-04 2025-03-04"},
+        PeriodCase{"2024-02-29", "2024-02-29 2024-02-29"},
+        PeriodCase{"2025-03-04..2025-03-10", "2025-03-04 2025-03-10"},
+        PeriodCase{"2025-03-04..", "2025-03-04 2025-03-05"},
+        PeriodCase{"monday..today", "2025-03-03 2025-03-05"},
+        PeriodCase{"2024-11..2025-W02", "2024-11-01 2025-01-12"},
+        PeriodCase{"last-month..yesterday", "2025-02-01 2025-03-04"},
+        PeriodCase{"today..today", "2025-03-05 2025-03-05"},
+        PeriodCase{"2024..", "2024-01-01 2025-03-05"}),
     [](const auto& tested) { return std::to_string(tested.index); });
 
 TEST(Period, OfMondayBeginsItsWeekAndOfSundayEndsIt) {

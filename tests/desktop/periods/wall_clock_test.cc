@@ -7,14 +7,14 @@
 namespace tessum {
 namespace {
 
-struct Case {
+struct ClockCase {
   const char* zone;
   const char* now;
   int minute;
   const char* next;
 };
 
-class NextTimeOfDay : public testing::TestWithParam<Case> {};
+class NextTimeOfDay : public testing::TestWithParam<ClockCase> {};
 
 TEST_P(NextTimeOfDay, IsWhenTheWallShowsIt) {
   const ScopedVariable zone("TZ", GetParam().zone);
@@ -30,24 +30,25 @@ TEST_P(NextTimeOfDay, IsWhenTheWallShowsIt) {
 // 2025-10-26T01:00:00Z.
 INSTANTIATE_TEST_SUITE_P(
     All, NextTimeOfDay,
-    testing::Values(Case{"UTC", "2025-03-04T09:00:00Z", 18 * 60, "2025-03-04T18:00:00Z"},
-                    Case{"UTC", "2025-03-04T18:00:00Z", 18 * 60, "2025-03-05T18:00:00Z"},
-                    Case{"UTC", "2025-03-04T18:00:01Z", 18 * 60, "2025-03-05T18:00:00Z"},
-                    Case{"UTC", "2025-03-04T09:00:00Z", 0, "2025-03-05T00:00:00Z"},
-                    // A day of 23 hours: before, in and after the skipped hour.
-                    Case{"Europe/Berlin", "2025-03-29T23:00:00Z", 18 * 60, "2025-03-30T16:00:00Z"},
-                    Case{"Europe/Berlin", "2025-03-29T23:00:00Z", 60, "2025-03-30T00:00:00Z"},
-                    Case{"Europe/Berlin", "2025-03-29T23:00:00Z", 150, "2025-03-30T01:00:00Z"},
-                    Case{"Europe/Berlin", "2025-03-29T23:00:00Z", 120, "2025-03-30T01:00:00Z"},
-                    Case{"Europe/Berlin", "2025-03-29T23:00:00Z", 180, "2025-03-30T01:00:00Z"},
-                    Case{"Europe/Berlin", "2025-03-29T23:00:00Z", 181, "2025-03-30T01:01:00Z"},
-                    Case{"Europe/Berlin", "2025-03-30T01:00:00Z", 18 * 60, "2025-03-30T16:00:00Z"},
-                    // A day of 25 hours.
-                    Case{"Europe/Berlin", "2025-10-25T22:00:00Z", 18 * 60, "2025-10-26T17:00:00Z"},
-                    Case{"Europe/Berlin", "2025-10-25T22:00:00Z", 150, "2025-10-26T00:30:00Z"},
-                    Case{"Europe/Berlin", "2025-10-26T00:45:00Z", 150, "2025-10-26T01:30:00Z"},
-                    Case{"Europe/Berlin", "2025-10-26T00:45:00Z", 120, "2025-10-26T01:00:00Z"},
-                    Case{"Europe/Berlin", "2025-10-26T00:45:00Z", 18 * 60, "2025-10-26T17:00:00Z"}),
+    testing::Values(
+        ClockCase{"UTC", "2025-03-04T09:00:00Z", 18 * 60, "2025-03-04T18:00:00Z"},
+        ClockCase{"UTC", "2025-03-04T18:00:00Z", 18 * 60, "2025-03-05T18:00:00Z"},
+        ClockCase{"UTC", "2025-03-04T18:00:01Z", 18 * 60, "2025-03-05T18:00:00Z"},
+        ClockCase{"UTC", "2025-03-04T09:00:00Z", 0, "2025-03-05T00:00:00Z"},
+        // A day of 23 hours: before, in and after the skipped hour.
+        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 18 * 60, "2025-03-30T16:00:00Z"},
+        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 60, "2025-03-30T00:00:00Z"},
+        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 150, "2025-03-30T01:00:00Z"},
+        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 120, "2025-03-30T01:00:00Z"},
+        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 180, "2025-03-30T01:00:00Z"},
+        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 181, "2025-03-30T01:01:00Z"},
+        ClockCase{"Europe/Berlin", "2025-03-30T01:00:00Z", 18 * 60, "2025-03-30T16:00:00Z"},
+        // A day of 25 hours.
+        ClockCase{"Europe/Berlin", "2025-10-25T22:00:00Z", 18 * 60, "2025-10-26T17:00:00Z"},
+        ClockCase{"Europe/Berlin", "2025-10-25T22:00:00Z", 150, "2025-10-26T00:30:00Z"},
+        ClockCase{"Europe/Berlin", "2025-10-26T00:45:00Z", 150, "2025-10-26T01:30:00Z"},
+        ClockCase{"Europe/Berlin", "2025-10-26T00:45:00Z", 120, "2025-10-26T01:00:00Z"},
+        ClockCase{"Europe/Berlin", "2025-10-26T00:45:00Z", 18 * 60, "2025-10-26T17:00:00Z"}),
     [](const auto& tested) { return std::to_string(tested.index); });
 
 struct HourCase {

@@ -22,7 +22,7 @@ namespace {
 constexpr std::uint16_t kPort = 7384;
 constexpr int kRequests = 2000;
 constexpr int kHalfOpen = 1000;
-constexpr int kChanges = 60;
+constexpr int kChangesUnderFire = 60;
 
 std::string requestOf(const std::string& body) {
   return "POST /mcp HTTP/1.1\r\nHost: localhost:" + std::to_string(kPort) +
@@ -114,7 +114,7 @@ TEST(RecordHTTPUnderFire, LosesNothingAndAnswersOn) {
     return attack.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
   };
   Recorder::Rows expected{"Odd|NULL|NULL|closed"};
-  for (int i = 0; i < kChanges || !isOver(); ++i) {
+  for (int i = 0; i < kChangesUnderFire || !isOver(); ++i) {
     desktop.activate(windows[i % 2]);
     expected.push_back(i % 2 == 0 ? "Even|NULL|NULL|closed" : "Odd|NULL|NULL|closed");
     EXPECT_TRUE(eventually([&] { return recorder.sessions().size() == expected.size(); })) << i;

@@ -16,7 +16,7 @@
 namespace tessum {
 namespace {
 
-constexpr int kChanges = TESSUM_FOCUS_CHANGES;
+constexpr int kFocusChanges = TESSUM_FOCUS_CHANGES;
 constexpr int kRequestsAtOnce = 2000;
 
 // In memory if the system has such a folder: this tests the sessions, not the disk.
@@ -62,7 +62,7 @@ class ManyChanges : public testing::Test {
 TEST_F(ManyChanges, EachIsOneSessionInOrder) {
   const std::uint32_t before = changeCounter(recorder_->store());
   Recorder::Rows expected{"D|NULL|NULL|closed"};
-  for (int i = 0; i < kChanges; ++i) {
+  for (int i = 0; i < kFocusChanges; ++i) {
     desktop_.activate(windowOfChange(i));
     // The end of one session and the beginning of the next are one write.
     const std::uint32_t writes = before + static_cast<std::uint32_t>(i + 1);

@@ -59,7 +59,7 @@ TEST_F(RecordHTTP, AnswersBesideItsRecordingUntilItEnds) {
   // A second one cannot get the port, says so and records nothing.
   const std::string other = "XDG_DATA_HOME=" + desktop_.home().file("other");
   const auto second = desktop_.start(TESSUM_PROGRAM, kRecord, {other});
-  EXPECT_EQ(second->wait(), (ExitStatus{.code = 1, .signal = {}}));
+  EXPECT_EQ(second->wait(), kFailure);
   EXPECT_NE(second->errors().find("7384"), std::string::npos) << second->errors();
   EXPECT_EQ(Sql(desktop_.home().file("other/Tessum/activities.db"))
                 .row("SELECT count(*) FROM activities"),

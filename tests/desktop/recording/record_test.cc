@@ -9,8 +9,6 @@ namespace {
 
 using Rows = Recorder::Rows;
 
-constexpr ExitStatus kFailed{.code = 1, .signal = {}};
-
 TEST(Record, WritesWhatAPersonDoesOnTheDesktop) {
   Desktop desktop;
   const std::string applications = desktop.home().file("share/applications");
@@ -137,7 +135,7 @@ TEST(Record, ASecondRecorderOfTheSameDataIsRefused) {
   auto recorder = std::make_unique<Recorder>(desktop);
   ASSERT_TRUE(recorder->comesTo({"App|NULL|NULL|open"}));
   const auto second = desktop.start(TESSUM_PROGRAM, {"record", "--no-update-check"});
-  EXPECT_EQ(second->wait(), kFailed);
+  EXPECT_EQ(second->wait(), kFailure);
   EXPECT_EQ(second->errors(),
             "Tessum: Another recorder is already writing to " + desktop.dataFolder() + ".\n");
 
@@ -154,7 +152,7 @@ TEST(Record, EndsWithTheDisplayAndSaysSo) {
   Recorder recorder(desktop);
   ASSERT_TRUE(recorder.comesTo({"App|NULL|NULL|open"}));
   desktop.killServer();
-  EXPECT_EQ(recorder.process().wait(), kFailed);
+  EXPECT_EQ(recorder.process().wait(), kFailure);
   EXPECT_EQ(recorder.process().errors(),
             "Tessum: The X11 display has gone away; nothing more can be recorded.\n");
   EXPECT_EQ(recorder.sessions(), Rows{"App|NULL|NULL|closed"});
@@ -194,7 +192,7 @@ TEST(Record, SaysWhyItCannotStart) {
         Case{{"DISPLAY=nonsense"}, "Cannot connect to the X11 display nonsense."}}) {
     const auto process =
         desktop.start(TESSUM_PROGRAM, {"record", "--no-update-check"}, environment);
-    EXPECT_EQ(process->wait(), kFailed);
+    EXPECT_EQ(process->wait(), kFailure);
     EXPECT_EQ(process->errors(), "Tessum: " + message + "\n");
   }
 }

@@ -24,7 +24,7 @@ Class elementClass{&plainMeta, "AXUIElement", {}};
 
 // There is one of each, without reference counting.
 Object theWorkspace{&NSWorkspace, 1, nullptr};
-Object theCenter{&NSNotificationCenter, 1, nullptr};
+Object theWorkspaceCenter{&NSNotificationCenter, 1, nullptr};
 Object theMainQueue{&NSOperationQueue, 1, nullptr};
 
 ConstantString didActivate{&__CFConstantStringClassReference, 0, "didActivate", 11};
@@ -222,7 +222,7 @@ void Desktop::defineAnswers() {
   answer(
       NSWorkspaceMeta, "sharedWorkspace", +[](Object*, Selector) { return &theWorkspace; });
   answer(
-      NSWorkspace, "notificationCenter", +[](Object*, Selector) { return &theCenter; });
+      NSWorkspace, "notificationCenter", +[](Object*, Selector) { return &theWorkspaceCenter; });
   answer(
       NSWorkspace, "frontmostApplication", +[](Object*, Selector) { return current().frontmost_; });
 

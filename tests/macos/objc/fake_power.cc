@@ -10,7 +10,7 @@ Power* thePower = nullptr;
 
 constexpr unsigned kRootPort = 11;
 constexpr unsigned kNotifier = 12;
-int theCenter;
+int theDistributedCenter;
 int theRunLoop;
 int theNotificationPort;
 int theSource;
@@ -34,7 +34,8 @@ Power& Power::current() {
 void Power::post(const std::string& name) const {
   for (const Observer& observer : std::vector(observers_)) {
     if (observer.name != name) continue;
-    observer.callback(&theCenter, const_cast<void*>(observer.observer), nullptr, nullptr, nullptr);
+    observer.callback(&theDistributedCenter, const_cast<void*>(observer.observer), nullptr, nullptr,
+                      nullptr);
   }
 }
 
@@ -91,7 +92,7 @@ extern const void* const kCFRunLoopDefaultMode;
 const void* const kCFRunLoopDefaultMode = &theRunLoop;
 
 void* CFNotificationCenterGetDistributedCenter() {
-  return &theCenter;
+  return &theDistributedCenter;
 }
 
 void CFNotificationCenterAddObserver(void* center, const void* observer,
@@ -100,13 +101,13 @@ void CFNotificationCenterAddObserver(void* center, const void* observer,
                                      const ConstantString* name, const void* object,
                                      long suspensionBehavior) {
   constexpr long kDeliverImmediately = 4;
-  TESSUM_CHECK(center == &theCenter && object == nullptr, "another centre or object");
+  TESSUM_CHECK(center == &theDistributedCenter && object == nullptr, "another centre or object");
   TESSUM_CHECK(suspensionBehavior == kDeliverImmediately, "it comes late");
   PowerCalls::addObserver(observer, callback, name->text);
 }
 
 void CFNotificationCenterRemoveEveryObserver(void* center, const void* observer) {
-  TESSUM_CHECK(center == &theCenter, "another centre");
+  TESSUM_CHECK(center == &theDistributedCenter, "another centre");
   PowerCalls::removeObserver(observer);
 }
 

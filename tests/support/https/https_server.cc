@@ -3,7 +3,6 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <openssl/pem.h>
-#include <openssl/ssl.h>
 #include <pthread.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -16,18 +15,13 @@
 #include <system_error>
 #include <thread>
 
+#include "tests/support/https/openssl_free.h"
+
 namespace tessum {
 namespace {
 
-struct Deleter {
-  void operator()(BIO* bio) const { BIO_free(bio); }
-  void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
-  void operator()(SSL* ssl) const { SSL_free(ssl); }
-  void operator()(SSL_CTX* context) const { SSL_CTX_free(context); }
-  void operator()(X509* certificate) const { X509_free(certificate); }
-};
-using Context = std::unique_ptr<SSL_CTX, Deleter>;
-using Bio = std::unique_ptr<BIO, Deleter>;
+using Context = std::unique_ptr<SSL_CTX, OpenSSLFree>;
+using Bio = std::unique_ptr<BIO, OpenSSLFree>;
 
 Bio reading(const std::string& text) {
   return Bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
@@ -35,9 +29,9 @@ Bio reading(const std::string& text) {
 
 Context contextFor(const ThrowAwayAuthority::Identity& identity) {
   Context context(SSL_CTX_new(TLS_server_method()));
-  const std::unique_ptr<X509, Deleter> certificate(
+  const std::unique_ptr<X509, OpenSSLFree> certificate(
       PEM_read_bio_X509(reading(identity.certificate).get(), nullptr, nullptr, nullptr));
-  const std::unique_ptr<EVP_PKEY, Deleter> key(
+  const std::unique_ptr<EVP_PKEY, OpenSSLFree> key(
       PEM_read_bio_PrivateKey(reading(identity.key).get(), nullptr, nullptr, nullptr));
   if (SSL_CTX_use_certificate(context.get(), certificate.get()) != 1 ||
       SSL_CTX_use_PrivateKey(context.get(), key.get()) != 1) {
@@ -143,7 +137,7 @@ class Connection final : public HttpsConnection {
   }
 
  private:
-  const std::unique_ptr<SSL, Deleter> ssl_;
+  const std::unique_ptr<SSL, OpenSSLFree> ssl_;
   const int socket_;
   std::string request_;
   bool isCut_ = false;

@@ -2,24 +2,19 @@
 
 #include <openssl/evp.h>
 #include <openssl/pem.h>
-#include <openssl/x509v3.h>
 
 #include <memory>
 #include <stdexcept>
+
+#include "tests/support/https/openssl_free.h"
 
 namespace tessum {
 namespace {
 
 constexpr long kDay = 86400;
 
-struct Deleter {
-  void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
-  void operator()(X509* certificate) const { X509_free(certificate); }
-  void operator()(X509_EXTENSION* extension) const { X509_EXTENSION_free(extension); }
-  void operator()(BIO* bio) const { BIO_free(bio); }
-};
-using Key = std::unique_ptr<EVP_PKEY, Deleter>;
-using Certificate = std::unique_ptr<X509, Deleter>;
+using Key = std::unique_ptr<EVP_PKEY, OpenSSLFree>;
+using Certificate = std::unique_ptr<X509, OpenSSLFree>;
 
 void require(bool isDone, const char* what) {
   if (!isDone) throw std::runtime_error(what);
@@ -34,7 +29,7 @@ Key newKey() {
 void addExtension(X509* certificate, X509* issuer, int kind, const std::string& value) {
   X509V3_CTX context;
   X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
-  const std::unique_ptr<X509_EXTENSION, Deleter> extension(
+  const std::unique_ptr<X509_EXTENSION, OpenSSLFree> extension(
       X509V3_EXT_conf_nid(nullptr, &context, kind, value.c_str()));
   require(extension && X509_add_ext(certificate, extension.get(), -1) == 1, "no extension");
 }
@@ -58,7 +53,7 @@ Certificate newCertificate(const Key& key, const std::string& name, long serial,
 
 template <typename Write>
 std::string pem(Write write) {
-  const std::unique_ptr<BIO, Deleter> memory(BIO_new(BIO_s_mem()));
+  const std::unique_ptr<BIO, OpenSSLFree> memory(BIO_new(BIO_s_mem()));
   require(write(memory.get()) == 1, "no PEM");
   char* bytes = nullptr;
   const long size = BIO_get_mem_data(memory.get(), &bytes);
