@@ -11,6 +11,10 @@ if(NOT APPLE)
   # Required of Debian's packages; Apple's compiler does it by itself.
   target_compile_options(tessum_options INTERFACE
     "$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-fstack-protector-strong>")
+  # Each program gets only those functions of the libraries that it uses.
+  target_compile_options(tessum_options INTERFACE
+    "$<$<CONFIG:Release>:-ffunction-sections;-fdata-sections>")
+  target_link_options(tessum_options INTERFACE "$<$<CONFIG:Release>:-Wl,--gc-sections>")
 endif()
 if(TESSUM_WARNINGS_ARE_ERRORS)
   target_compile_options(tessum_options INTERFACE -Werror)
