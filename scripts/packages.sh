@@ -139,6 +139,7 @@ build() {
 
 # build_quickly TARGETS...: builds in build/run, without optimization and with few calls of the compiler,
 # so that newcomers wait as little as possible. What is installed for good comes from build/release.
+# Newer compilers may know warnings that ours do not.
 build_quickly() {
   configure build/run -DCMAKE_BUILD_TYPE=Quick -DCMAKE_CXX_FLAGS_QUICK=-w -DCMAKE_UNITY_BUILD=ON \
     -DBUILD_TESTING=OFF -DTESSUM_BENCHMARKS=OFF

@@ -25,6 +25,16 @@ class Totals {
     Object.assign(this, { place, history, choice, drawing, onTitle });
     this.tables = { apps: this.#table('Applications'), titles: this.#table('Titles') };
     if (history.hasCategories) this.tables.categories = this.#table('Categories');
+    place.addEventListener('pointerdown', () => { this.isPressed = true; });
+    for (const end of ['pointerup', 'pointercancel']) addEventListener(end, () => this.#release());
+  }
+
+  // The click comes after the release, and before any timer.
+  #release() {
+    setTimeout(() => {
+      this.isPressed = false;
+      if (this.isLate) this.update();
+    });
   }
 
   #table(heading) {
@@ -34,7 +44,10 @@ class Totals {
     return body;
   }
 
+  // A button that is replaced while it is pressed would not be clicked, so that waits.
   update() {
+    this.isLate = this.isPressed;
+    if (this.isPressed) return;
     const { choice, history } = this;
     const { totals } = this.drawing;
     const focused = document.activeElement?.dataset?.key;

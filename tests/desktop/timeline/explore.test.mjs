@@ -146,6 +146,21 @@ explore('applications and categories are switched off and on', async (page) => {
   await page.until(isSum('3h 0m in 2 sessions · filtered'));
 });
 
+explore('totals that change while a button is pressed do not lose the click', async (page) => {
+  const box = await page.box('[data-key="app0"]');
+  const [x, y] = [box.x + 10, box.y + box.height / 2];
+  const button = { button: 'left', clickCount: 1 };
+  await page.mouse('mouseMoved', x, y);
+  await page.mouse('mousePressed', x, y, { ...button, buttons: 1 });
+  await page.key('+');
+  await page.until(`!(${isSum('6h 0m in 4 sessions')})`);
+  // The totals follow the sum after 60 ms; timers that are equally long end in order.
+  await page.value('new Promise((resolve) => setTimeout(resolve, 60))');
+  await page.mouse('mouseReleased', x, y, button);
+  await page.until(`document.querySelector('[data-key="app0"]')?.getAttribute('aria-pressed') === 'false'`);
+  await page.until(`document.querySelector('table[aria-label="Applications"]').rows.length === 2`);
+});
+
 explore('a click keeps the details, and a title with markup is text', async (page) => {
   // From 00:00 to 13:00; the row of all applications is below two lanes of notes.
   const point = await chartPoint(page, 11.5 / 13, 130);

@@ -9,6 +9,7 @@
 #include "desktop/timeline/page_parts.h"
 #include "desktop/timeline/spans.h"
 #include "tests/desktop/user.h"
+#include "tests/support/sql.h"
 
 namespace tessum {
 namespace {
@@ -135,18 +136,12 @@ TEST_F(TimelineCommand, WithoutAnySuchSessionSaysWhatToDo) {
 }
 
 TEST_F(TimelineCommand, ManyLongTitlesAreCutToKeepThePageSmall) {
-  {
-    Database database = user.database();
-    for (int i = 0; i < 6000; ++i) {
-      const Date start = movedBy(at("2025-03-04T00:00:00Z"), i);
-      database.insert({.id = {},
-                       .appName = "Browser",
-                       .bundleID = {},
-                       .title = std::to_string(i) + std::string(4000, 'x'),
-                       .startTime = start,
-                       .endTime = movedBy(start, 1)});
-    }
-  }
+  // 6,000 sessions of a second each.
+  Sql(user.historyPath()).run(R"(
+      WITH RECURSIVE numbers(n) AS (SELECT 0 UNION ALL SELECT n + 1 FROM numbers LIMIT 6000)
+      INSERT INTO activities (app_name, title, start_time, end_time)
+      SELECT 'Browser', n || replace(hex(zeroblob(2000)), '0', 'x'), start + n, start + n + 1
+      FROM numbers, (SELECT CAST(strftime('%s', '2025-03-04') AS REAL) AS start))");
   const std::string page = user.run({"timeline", "2025-03-04", "-o", "-"}).output;
   EXPECT_LT(page.size(), 15'000'000U);
   EXPECT_GT(page.size(), 3'000'000U);
