@@ -26,7 +26,8 @@ class Totals {
     this.tables = { apps: this.#table('Applications'), titles: this.#table('Titles') };
     if (history.hasCategories) this.tables.categories = this.#table('Categories');
     place.addEventListener('pointerdown', () => { this.isPressed = true; });
-    for (const end of ['pointerup', 'pointercancel']) addEventListener(end, () => this.#release());
+    // A menu may keep the release to itself.
+    for (const end of ['pointerup', 'pointercancel', 'contextmenu']) addEventListener(end, () => this.#release());
   }
 
   // The click comes after the release, and before any timer.

@@ -28,28 +28,29 @@ TEST_P(NextTimeOfDay, IsWhenTheWallShowsIt) {
 
 // Berlin's clocks go from 2:00 to 3:00 at 2025-03-30T01:00:00Z, and from 3:00 back to 2:00 at
 // 2025-10-26T01:00:00Z.
-INSTANTIATE_TEST_SUITE_P(
-    All, NextTimeOfDay,
-    testing::Values(
-        ClockCase{"UTC", "2025-03-04T09:00:00Z", 18 * 60, "2025-03-04T18:00:00Z"},
-        ClockCase{"UTC", "2025-03-04T18:00:00Z", 18 * 60, "2025-03-05T18:00:00Z"},
-        ClockCase{"UTC", "2025-03-04T18:00:01Z", 18 * 60, "2025-03-05T18:00:00Z"},
-        ClockCase{"UTC", "2025-03-04T09:00:00Z", 0, "2025-03-05T00:00:00Z"},
-        // A day of 23 hours: before, in and after the skipped hour.
-        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 18 * 60, "2025-03-30T16:00:00Z"},
-        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 60, "2025-03-30T00:00:00Z"},
-        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 150, "2025-03-30T01:00:00Z"},
-        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 120, "2025-03-30T01:00:00Z"},
-        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 180, "2025-03-30T01:00:00Z"},
-        ClockCase{"Europe/Berlin", "2025-03-29T23:00:00Z", 181, "2025-03-30T01:01:00Z"},
-        ClockCase{"Europe/Berlin", "2025-03-30T01:00:00Z", 18 * 60, "2025-03-30T16:00:00Z"},
-        // A day of 25 hours.
-        ClockCase{"Europe/Berlin", "2025-10-25T22:00:00Z", 18 * 60, "2025-10-26T17:00:00Z"},
-        ClockCase{"Europe/Berlin", "2025-10-25T22:00:00Z", 150, "2025-10-26T00:30:00Z"},
-        ClockCase{"Europe/Berlin", "2025-10-26T00:45:00Z", 150, "2025-10-26T01:30:00Z"},
-        ClockCase{"Europe/Berlin", "2025-10-26T00:45:00Z", 120, "2025-10-26T01:00:00Z"},
-        ClockCase{"Europe/Berlin", "2025-10-26T00:45:00Z", 18 * 60, "2025-10-26T17:00:00Z"}),
-    [](const auto& tested) { return std::to_string(tested.index); });
+constexpr ClockCase kTimesOfDay[] = {
+    {"UTC", "2025-03-04T09:00:00Z", 18 * 60, "2025-03-04T18:00:00Z"},
+    {"UTC", "2025-03-04T18:00:00Z", 18 * 60, "2025-03-05T18:00:00Z"},
+    {"UTC", "2025-03-04T18:00:01Z", 18 * 60, "2025-03-05T18:00:00Z"},
+    {"UTC", "2025-03-04T09:00:00Z", 0, "2025-03-05T00:00:00Z"},
+    // A day of 23 hours: before, in and after the skipped hour.
+    {"Europe/Berlin", "2025-03-29T23:00:00Z", 18 * 60, "2025-03-30T16:00:00Z"},
+    {"Europe/Berlin", "2025-03-29T23:00:00Z", 60, "2025-03-30T00:00:00Z"},
+    {"Europe/Berlin", "2025-03-29T23:00:00Z", 150, "2025-03-30T01:00:00Z"},
+    {"Europe/Berlin", "2025-03-29T23:00:00Z", 120, "2025-03-30T01:00:00Z"},
+    {"Europe/Berlin", "2025-03-29T23:00:00Z", 180, "2025-03-30T01:00:00Z"},
+    {"Europe/Berlin", "2025-03-29T23:00:00Z", 181, "2025-03-30T01:01:00Z"},
+    {"Europe/Berlin", "2025-03-30T01:00:00Z", 18 * 60, "2025-03-30T16:00:00Z"},
+    // A day of 25 hours.
+    {"Europe/Berlin", "2025-10-25T22:00:00Z", 18 * 60, "2025-10-26T17:00:00Z"},
+    {"Europe/Berlin", "2025-10-25T22:00:00Z", 150, "2025-10-26T00:30:00Z"},
+    {"Europe/Berlin", "2025-10-26T00:45:00Z", 150, "2025-10-26T01:30:00Z"},
+    {"Europe/Berlin", "2025-10-26T00:45:00Z", 120, "2025-10-26T01:00:00Z"},
+    {"Europe/Berlin", "2025-10-26T00:45:00Z", 18 * 60, "2025-10-26T17:00:00Z"},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, NextTimeOfDay, testing::ValuesIn(kTimesOfDay),
+                         [](const auto& tested) { return std::to_string(tested.index); });
 
 struct HourCase {
   const char* zone;

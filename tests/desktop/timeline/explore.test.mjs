@@ -161,6 +161,16 @@ explore('totals that change while a button is pressed do not lose the click', as
   await page.until(`document.querySelector('table[aria-label="Applications"]').rows.length === 2`);
 });
 
+explore('totals still change after a press that opened a menu', async (page) => {
+  const box = await page.box('[data-key="app0"]');
+  const [x, y] = [box.x + 10, box.y + box.height / 2];
+  await page.mouse('mouseMoved', x, y);
+  await page.mouse('mousePressed', x, y, { button: 'right', buttons: 2, clickCount: 1 });
+  await page.key('/');
+  await page.type('MAIN');
+  await page.until(areRows('Applications', ['Editor 2h 0m']));
+});
+
 explore('a click keeps the details, and a title with markup is text', async (page) => {
   // From 00:00 to 13:00; the row of all applications is below two lanes of notes.
   const point = await chartPoint(page, 11.5 / 13, 130);
