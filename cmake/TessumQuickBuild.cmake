@@ -1,5 +1,5 @@
 # Builds from nothing in a third of the time: CMAKE_UNITY_BUILD has the compiler read the sources of one
-# target as one, so that it reads each header and instantiates each template once. The scripts
+# target as one, so that it reads each header and instantiates each template once. Most scripts
 # use it. Names that are private to a source must then be unique in what is read together.
 
 if(NOT CMAKE_UNITY_BUILD)
